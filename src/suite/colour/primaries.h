@@ -1,0 +1,73 @@
+#pragma once
+
+#include <array>
+
+namespace Colour {
+
+/// CIE 1931 chromaticity.
+struct Chromaticity
+{
+    double x = 0.0;
+    double y = 0.0;
+};
+
+/// The chromaticities of an RGB system and of its white.
+struct Primaries
+{
+    Chromaticity red;
+    Chromaticity green;
+    Chromaticity blue;
+    Chromaticity white;
+};
+
+/// A gamut that a standard gives.
+struct StandardGamut
+{
+    const char* key;    ///< as typed on a command line
+    const char* name;   ///< as shown to people
+    const char* source; ///< the standard
+    Primaries primaries;
+};
+
+inline constexpr std::array<StandardGamut, 8> standardGamuts{{
+    {"rec709",
+     "Rec.709 / sRGB",
+     "ITU-R BT.709-6; IEC 61966-2-1",
+     {{0.640, 0.330}, {0.300, 0.600}, {0.150, 0.060}, {0.3127, 0.3290}}},
+    {"bt2020", "BT.2020", "ITU-R BT.2020-2", {{0.708, 0.292}, {0.170, 0.797}, {0.131, 0.046}, {0.3127, 0.3290}}},
+    {"p3-d65", "P3-D65", "SMPTE EG 432-1", {{0.680, 0.320}, {0.265, 0.690}, {0.150, 0.060}, {0.3127, 0.3290}}},
+    {"dci-p3", "DCI-P3", "SMPTE RP 431-2", {{0.680, 0.320}, {0.265, 0.690}, {0.150, 0.060}, {0.314, 0.351}}},
+    {"adobe-rgb",
+     "Adobe RGB (1998)",
+     "Adobe RGB (1998) Color Image Encoding",
+     {{0.640, 0.330}, {0.210, 0.710}, {0.150, 0.060}, {0.3127, 0.3290}}},
+    {"ntsc1953",
+     "NTSC 1953",
+     "ITU-R BT.470-6 (system M)",
+     {{0.670, 0.330}, {0.210, 0.710}, {0.140, 0.080}, {0.310, 0.316}}},
+    {"ebu",
+     "EBU / PAL",
+     "EBU Tech 3213-E; ITU-R BT.470-6",
+     {{0.640, 0.330}, {0.290, 0.600}, {0.150, 0.060}, {0.3127, 0.3290}}},
+    {"smpte-c", "SMPTE-C", "SMPTE RP 145", {{0.630, 0.340}, {0.310, 0.595}, {0.155, 0.070}, {0.3127, 0.3290}}},
+}};
+
+/// The shares of red, green and blue in the luminance of white, which add up to 1: the solution of N s = (white's XYZ
+/// with Y = 1) where the columns of N are the primaries' XYZ with Y = 1 (SMPTE RP 177). NaN or infinite where a y is
+/// zero or the primaries lie on one line.
+inline std::array<double, 3> luminanceShares(const Primaries& primaries)
+{
+    // Per column: X/Y and Z/Y; the row of Y is all ones, so the system has two free rows after subtracting blue's
+    // column.
+    const auto overY = [](const Chromaticity& c) { return std::array{c.x / c.y, (1.0 - c.x - c.y) / c.y}; };
+    const auto r = overY(primaries.red);
+    const auto g = overY(primaries.green);
+    const auto b = overY(primaries.blue);
+    const auto w = overY(primaries.white);
+    const double det = (r[0] - b[0]) * (g[1] - b[1]) - (g[0] - b[0]) * (r[1] - b[1]);
+    const double red = ((w[0] - b[0]) * (g[1] - b[1]) - (g[0] - b[0]) * (w[1] - b[1])) / det;
+    const double green = ((r[0] - b[0]) * (w[1] - b[1]) - (w[0] - b[0]) * (r[1] - b[1])) / det;
+    return {red, green, 1.0 - red - green};
+}
+
+} // namespace Colour

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <spdlog/logger.h>
+#include <suite/logging/suite_logging_export.h>
+
+#include <memory>
+#include <vector>
+
+namespace Xc {
+
+/// Owner of one spdlog logger. The logger lives as long as its owner and is not entered into spdlog's own registry, so
+/// neither the process's default logger nor a logger of the same name is touched.
+class SUITE_LOGGING_EXPORT SpdlogBase
+{
+public:
+    explicit SpdlogBase(const std::string& name);
+    virtual ~SpdlogBase();
+    SpdlogBase(const SpdlogBase&) = delete;
+    SpdlogBase& operator=(const SpdlogBase&) = delete;
+
+    /// The logger, never null. Its calls are thread-safe and do not throw; its level is the host's to set.
+    const std::shared_ptr<spdlog::logger>& logger() const { return m_logger; }
+
+protected:
+    std::shared_ptr<spdlog::logger> m_logger;
+};
+
+/// The logger that the suite's libraries share in a process, named "suite". Until the host gives its own sinks,
+/// warnings and errors go to stderr and everything below is dropped.
+class SUITE_LOGGING_EXPORT SpdlogApplication : public SpdlogBase
+{
+public:
+    /// The process's instance; created on first use, by any thread.
+    static SpdlogApplication& instance();
+
+    /// Replaces all sinks; none at all silences the logger. Sinks must be of spdlog's thread-safe (`_mt`) kind. Any
+    /// thread.
+    void setSinks(std::vector<spdlog::sink_ptr> sinks);
+
+private:
+    SpdlogApplication();
+};
+
+} // namespace Xc

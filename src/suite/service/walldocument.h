@@ -1,0 +1,30 @@
+#pragma once
+
+#include <suite/service/modelservice.h>
+
+#include <QJsonObject>
+#include <QString>
+
+#include <optional>
+
+namespace Service {
+
+/// One device of a wall document.
+struct WallDevice
+{
+    DeviceEntry entry;
+    /// The member "simulation" as it stands, empty when absent: for a simulator to read, nothing to the registry.
+    QJsonObject simulation;
+};
+
+/// Devices in the document's order.
+using Wall = std::vector<WallDevice>;
+
+/// Reads a wall document (JSON, see docs/wall-document.md). On failure gives nothing and writes to `error` the file,
+/// the place (line and column, or a path such as devices[2].cabinets[0].cid) and what was expected and found.
+SUITE_SERVICE_EXPORT std::optional<Wall> readWall(const QString& filePath, QString& error);
+
+/// Reads a wall document and, only if all of it is good, makes it the registry's content. Returns whether it did.
+SUITE_SERVICE_EXPORT bool loadWall(const QString& filePath, QString& error);
+
+} // namespace Service
