@@ -1,0 +1,36 @@
+#pragma once
+
+#include <qualityutility/tool/sender4th/cabinetsenderbase.h>
+
+namespace CabinetSenderSpace {
+
+/// The door to the current sender, a CabinetSender4th that is made at the first call and lives until the process ends.
+/// Every function returns the sender's own result; what is said in CabinetSenderBase about blocking and threads holds
+/// here.
+///
+///     Model::ColorGamutInfo gamut = ...;
+///     const CabinetSenderSpace::CabinetTargetMap targets{{"left", {1, 2, 3}}};
+///     if (CabinetSenderSpace::CabinetSender::uploadNiccData(targets, gamut) != CabinetSenderSpace::ResultSuccess)
+///         ...; // the log says why
+class QUALITYUTILITY_EXPORT CabinetSender
+{
+public:
+    CabinetSender() = delete;
+
+    static int getFineGrayConfig(const std::string& deviceId, unsigned long long cid, int& grayScaleSeries,
+                                 int& chipEffectFlag);
+    static int setGrayScaleTable(const CabinetTargetMap& targets, const QList<unsigned char>& rGrayCoeffs,
+                                 const QList<unsigned char>& gGrayCoeffs, const QList<unsigned char>& bGrayCoeffs,
+                                 const QList<unsigned char>& magnitude, int freq);
+    static int setGrayScaleTable(const CabinetTargetMap& targets, const std::vector<unsigned char>& rGrayCoeffs,
+                                 const std::vector<unsigned char>& gGrayCoeffs,
+                                 const std::vector<unsigned char>& bGrayCoeffs,
+                                 const std::vector<unsigned char>& magnitude, int freq);
+    static int uploadNiccData(const CabinetTargetMap& targets, const Model::ColorGamutInfo& info);
+    static int setColorManageMode(const CabinetTargetMap& targets, const Model::ColorGamutInfo& info);
+    static int uploadNiccMeasure(const CabinetTargetMap& targets, const Model::ColorGamutInfo& info);
+    static int gamutCorrectEffectMode(const CabinetTargetMap& targets, bool gamutOn, bool enable);
+    static int sendRvcardBin(const CabinetTargetMap& targets, const QString& filePath);
+};
+
+} // namespace CabinetSenderSpace

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <QList>
+#include <QObject>
+#include <QString>
+#include <qualityutility/qualityutility_export.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace Model {
+struct ColorGamutInfo;
+}
+
+namespace CabinetSenderSpace {
+
+/// Targets of a sending operation: device identity to the identifiers of the cabinets under it. Devices are served one
+/// at a time in ascending order of identity; the identifiers travel in the caller's order.
+using CabinetTargetMap = std::map<std::string, std::vector<unsigned long long>>;
+
+/// What the operations return.
+enum SenderResult : int {
+    ResultSuccess = 0,
+    ResultSkipped = 1,            ///< the last device was skipped or never answered, or there was none
+    ResultActionError = 15,       ///< the last device's action failed, or the file to send does not exist
+    ResultInvalidParameter = 103, ///< no usable target, or the cabinet is not in the local model
+};
+
+/// Sends picture-quality data to LED cabinets.
+///
+/// The operations block until every device has answered and report the result of the last device only: for each
+/// device's own result, call once per device. While waiting they run a local event loop, so they are called on a thread
+/// that may run one, normally the GUI thread, and must not be called again from an event handler meanwhile. Nothing
+/// throws.
+class QUALITYUTILITY_EXPORT CabinetSenderBase : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit CabinetSenderBase(QObject* parent = nullptr);
+    ~CabinetSenderBase() override;
+
+    /// Reads what decides which fine-gray table applies to a cabinet: the gray-scale depth in bits and the chip-effect
+    /// flag. Sends nothing where the local model knows them. On failure both outputs stay untouched.
+    virtual int getFineGrayConfig(const std::string& deviceId, unsigned long long cid, int& grayScaleSeries,
+                                  int& chipEffectFlag) = 0;
+
+    /// Reads a cabinet's correction effect mode; bit 3 (8) is the gamut correction. `mode` stays untouched on failure.
+    virtual int getCorrectEffectMode(const std::string& deviceId, unsigned long long cid, int& mode) = 0;
+
+    /// Sets the correction effect mode of all targets, starting from the first cabinet's current mode. With `enable`, a
+    /// positive `mode` adds its bits and a negative one is a mask of the bits to keep; without, a positive one is set
+    /// as it is and a negative one gives 0. A `mode` of 0 gives 0.
+    virtual int setCorrectEffectMode(const CabinetTargetMap& targets, int mode, bool enable) = 0;
+
+    /// Switches the gamut correction. With `enable` the other bits of the mode are kept; without, the mode becomes 8 or
+    /// 0.
+    virtual int gamutCorrectEffectMode(const CabinetTargetMap& targets, bool gamutOn, bool enable) = 0;
+
+    /// Sends a gray-scale coefficient table per colour, their magnitude table and the refresh frequency. Lengths are
+    /// the device's to judge. Cabinets that the device confirms are marked fine-gray valid in the local model.
+    virtual int setGrayScaleTable(const CabinetTargetMap& targets, const QList<unsigned char>& rGrayCoeffs,
+                                  const QList<unsigned char>& gGrayCoeffs, const QList<unsigned char>& bGrayCoeffs,
+                                  const QList<unsigned char>& magnitude, int freq) = 0;
+
+    /// Sends the target gamut: name, primaries and white point (cd/m2 and CIE 1931 xy, unrounded).
+    virtual int uploadNiccData(const CabinetTargetMap& targets, const Model::ColorGamutInfo& info) = 0;
+
+    /// Sends the gamut's nine correction coefficients with the full-scale value of the device's generation.
+    virtual int setColorManageMode(const CabinetTargetMap& targets, const Model::ColorGamutInfo& info) = 0;
+
+    /// Sends the measured gamut: primaries and white point. Confirmed cabinets take it into the local model.
+    virtual int uploadNiccMeasure(const CabinetTargetMap& targets, const Model::ColorGamutInfo& info) = 0;
+
+    /// Sends a receiving-card binary, unchanged. The file is read and encoded once and held in memory whole. A file
+    /// that exists but cannot be opened is sent as empty: check it before.
+    virtual int sendRvcardBin(const CabinetTargetMap& targets, const QString& filePath) = 0;
+};
+
+} // namespace CabinetSenderSpace
