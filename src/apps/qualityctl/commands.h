@@ -1,0 +1,11 @@
+#pragma once
+
+#include "output.h"
+
+namespace CLI {
+class App;
+}
+
+// Each adds its sub-commands to `app`; when one is parsed it is left in `chosen`.
+void addWallCommands(CLI::App& app, Command& chosen);
+void addSendCommands(CLI::App& app, Command& chosen);

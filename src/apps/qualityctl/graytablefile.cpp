@@ -1,0 +1,62 @@
+#include "graytablefile.h"
+
+#include "output.h"
+
+#include <QFile>
+#include <QRegularExpression>
+#include <QStringList>
+#include <QTextStream>
+
+namespace {
+
+unsigned char readByte(const QString& text, const QString& place)
+{
+    bool converted = false;
+    const int value = text.toInt(&converted, 10);
+    if (!converted || value < 0 || value > 255)
+        throw CommandError{ExitCode::BadData,
+                           QStringLiteral("%1: expected an integer from 0 to 255, found \"%2\"").arg(place, text)};
+    return static_cast<unsigned char>(value);
+}
+
+bool isHeading(const QStringList& columns)
+{
+    bool isNumber = false;
+    columns.first().toInt(&isNumber, 10);
+    return !isNumber;
+}
+
+} // namespace
+
+GrayTableFile readGrayTable(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        throw CommandError{ExitCode::NoInput, QStringLiteral("gray table %1: %2").arg(path, file.errorString())};
+    static const QRegularExpression separators(QStringLiteral("[,;\\s]+"));
+    GrayTableFile table;
+    QTextStream stream(&file);
+    bool isFirst = true;
+    for (int number = 1; !stream.atEnd(); ++number) {
+        const QString line = stream.readLine().trimmed();
+        if (line.isEmpty() || line.startsWith(QLatin1Char('#')))
+            continue;
+        const QStringList columns = line.split(separators);
+        const bool skipped = isFirst && isHeading(columns);
+        isFirst = false;
+        if (skipped)
+            continue;
+        const QString place = QStringLiteral("gray table %1, line %2").arg(path).arg(number);
+        if (columns.size() != 4)
+            throw CommandError{ExitCode::BadData,
+                               QStringLiteral("%1: expected 4 columns (red, green, blue, magnitude), found %2")
+                                   .arg(place)
+                                   .arg(columns.size())};
+        QList<unsigned char>* const lists[] = {&table.red, &table.green, &table.blue, &table.magnitude};
+        for (int column = 0; column < 4; ++column)
+            lists[column]->append(readByte(columns.at(column), place));
+    }
+    if (table.red.isEmpty())
+        throw CommandError{ExitCode::BadData, QStringLiteral("gray table %1: no gray levels").arg(path)};
+    return table;
+}

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QTimer>
+
+/// Catches Ctrl-C and termination while it lives: the first one makes the waits of this thread end early (the
+/// application is told to quit), a second one ends the process at once.
+class Interrupt
+{
+public:
+    Interrupt();
+    ~Interrupt();
+    Interrupt(const Interrupt&) = delete;
+    Interrupt& operator=(const Interrupt&) = delete;
+
+    static bool isRequested();
+
+private:
+    QTimer m_poll; ///< a signal handler may not call into Qt, so the wish is looked for
+};

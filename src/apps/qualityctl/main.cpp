@@ -1,0 +1,75 @@
+#include "commands.h"
+
+#include <CLI/CLI.hpp>
+
+#include <QCoreApplication>
+
+#include <clocale>
+#include <cstring>
+
+namespace {
+
+constexpr char footer[] = R"(Examples:
+  qualityctl wall show
+  qualityctl send gray --table examples/gray-table.csv --frequency 60
+  qualityctl send mode --gamut on --json
+  qualityctl send gamut --gamut rec709 --device left --cabinet 1-4 --dry-run
+
+Without --wall the built-in example wall is used; all walls are simulated in this process.
+
+Exit codes: 0 done, 1 a check found a difference, 64 usage, 65 bad data, 66 no input, 69 unavailable,
+70 internal, 73 cannot create, 74 input/output, 75 timeout, 76 protocol, 130 interrupted)";
+
+/// What is printed when the arguments themselves are wrong: --json may be among them all the same.
+int reportUsage(const CLI::App& app, const CLI::ParseError& error, int argc, char** argv)
+{
+    Output output;
+    output.json = std::any_of(argv, argv + argc, [](const char* text) { return std::strcmp(text, "--json") == 0; });
+    QString message = QString::fromUtf8(error.what());
+    const auto unknown = app.remaining(true);
+    if (dynamic_cast<const CLI::RequiredError*>(&error) && !unknown.empty() && app.get_subcommands().empty())
+        message = QStringLiteral("no such command: %1").arg(QString::fromStdString(unknown.front()));
+    const CommandError usage{ExitCode::Usage, message,
+                             QStringLiteral("%1 --help says more").arg(QString::fromStdString(app.get_name()))};
+    return print({{}, {}, usage}, output);
+}
+
+int run(int argc, char** argv)
+{
+    CLI::App app("Picture quality of LED cabinets, from the command line", "qualityctl");
+    Output output;
+    app.add_flag("--json", output.json, "One JSON document on stdout, for failures too");
+    app.add_flag("--quiet", output.quiet, "No progress and no log lines on stderr");
+    app.set_version_flag("--version", QUALITYCTL_VERSION);
+    app.require_subcommand(1);
+    app.fallthrough();
+    app.footer(footer);
+    Command chosen;
+    addWallCommands(app, chosen);
+    addSendCommands(app, chosen);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& request) { // --help and --version
+        return app.exit(request);
+    } catch (const CLI::ParseError& error) {
+        return reportUsage(app, error, argc, argv);
+    }
+    try {
+        return print(chosen(output), output);
+    } catch (const CommandError& error) {
+        return print({{}, {}, error}, output);
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    std::setlocale(LC_NUMERIC, "C"); // numbers use a point in every locale; Qt has set the user's
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& error) {
+        return print({{}, {}, CommandError{ExitCode::Internal, QString::fromUtf8(error.what())}}, {});
+    }
+}
