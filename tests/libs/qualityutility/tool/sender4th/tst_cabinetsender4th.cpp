@@ -1,0 +1,470 @@
+#include "support/logcapture.h"
+
+#include <simulator/recordingtransport.h>
+#include <suite/action/action.h>
+#include <suite/model/colorgamutinfo.h>
+#include <suite/service/modelservice.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <qualityutility/tool/sender4th/cabinetsender.h>
+#include <qualityutility/tool/sender4th/cabinetsender4th.h>
+
+using namespace CabinetSenderSpace;
+using Service::ModelService;
+using Simulator::RecordingTransport;
+using CabinetList = std::vector<unsigned long long>;
+using Bytes = std::vector<unsigned char>;
+using Recorded = RecordingTransport::Recorded;
+
+Q_DECLARE_METATYPE(CabinetTargetMap)
+
+namespace {
+
+Service::DeviceEntry device(const std::string& id, const std::string& type, bool batch, unsigned int mode)
+{
+    Service::DeviceEntry entry{std::make_shared<Model::Device>(), {}};
+    entry.device->getBase().setId(id);
+    entry.device->getBase().setType(type);
+    entry.device->getConfiguration().getCapacity().setIsSupportBatchCorrectionSwitch(batch);
+    for (unsigned long long cid = 1; cid <= 3; ++cid) {
+        entry.cabinets.push_back(std::make_shared<Model::Cabinet>(cid));
+        entry.cabinets.back()->getDisplayEffectPara().setEffectMode(mode);
+    }
+    return entry;
+}
+
+Model::DisplayEffectPara& effect(const std::string& id, unsigned long long cid)
+{
+    return ModelService::getCabByCid(id, cid, true)->getDisplayEffectPara();
+}
+
+Model::ColorGamutInfo gamut()
+{
+    Model::ColorGamutInfo info;
+    info.rLxy = {21.26, 0.6400, 0.3300, {}};
+    info.gLxy = {71.52, 0.3000, 0.6000, {}};
+    info.bLxy = {7.22, 0.1500, 0.0600, {}};
+    info.wLxy = {100.0, 0.3127, 0.3290, {}};
+    info.name = "Rec.709";
+    info.coeff.setCoeffs({16384, 1, 2, 3, 16385, 4, 5, 65535, 6});
+    return info;
+}
+
+/// The keys of a request's arguments, sorted.
+QStringList keys(const Parameters& parameters)
+{
+    QStringList result;
+    for (const auto& [key, value] : parameters.arguments().items())
+        result << QString::fromStdString(key);
+    result.sort();
+    return result;
+}
+
+const QString putError = "critical default: put error!!!";
+
+} // namespace
+
+class CabinetSender4thTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    void answerWith(RecordingTransport::Answer answer)
+    {
+        m_transport = std::make_shared<RecordingTransport>(std::move(answer));
+        Action::setTransport(m_transport);
+    }
+
+    const Recorded& request(size_t index = 0) const { return m_transport->requests().at(index); }
+
+    QTemporaryDir m_folder;
+    std::shared_ptr<RecordingTransport> m_transport;
+    CabinetSender4th m_sender{nullptr};
+
+private Q_SLOTS:
+    void init()
+    {
+        ModelService::setDevices({device("a", "G4", true, 3), device("b", "G4+", false, 3)});
+        answerWith(RecordingTransport::confirm);
+    }
+
+    void cleanup() { Action::setTransport(nullptr); }
+
+    void grayTableTravelsByteForByte_data()
+    {
+        QTest::addColumn<bool>("vectors");
+        QTest::newRow("lists") << false;
+        QTest::newRow("vectors") << true;
+    }
+
+    void grayTableTravelsByteForByte()
+    {
+        QFETCH(bool, vectors);
+        const CabinetTargetMap targets{{"a", {3, 1}}};
+        const int result =
+            vectors ? CabinetSender::setGrayScaleTable(targets, Bytes{0, 255}, Bytes{1}, Bytes{}, Bytes{7, 8, 9}, 60)
+                    : CabinetSender::setGrayScaleTable(targets, QList<unsigned char>{0, 255}, {1}, {}, {7, 8, 9}, 60);
+        QCOMPARE(result, 0);
+        const Recorded& sent = request();
+        QCOMPARE(sent.action, std::string("Device_CorrectionGrayCoeff"));
+        QCOMPARE(sent.method, Action::Request::Method::Put);
+        QVERIFY(sent.acknowledged && sent.priority == PackagePriority::Normal);
+        QCOMPARE(keys(sent.parameters),
+                 QStringList({"bGrayCoeffs", "cids", "freq", "gGrayCoeffs", "magnitude", "rGrayCoeffs"}));
+        QCOMPARE(sent.parameters.get<CabinetList>("cids"), CabinetList({3, 1}));
+        QCOMPARE(sent.parameters.get<int>("freq"), 60);
+        QCOMPARE(sent.parameters.get<Bytes>("rGrayCoeffs"), Bytes({0, 255}));
+        QCOMPARE(sent.parameters.get<Bytes>("gGrayCoeffs"), Bytes({1}));
+        QCOMPARE(sent.parameters.get<Bytes>("bGrayCoeffs"), Bytes());
+        QCOMPARE(sent.parameters.get<Bytes>("magnitude"), Bytes({7, 8, 9}));
+        QVERIFY(effect("a", 1).getFineGrayValid() && effect("a", 3).getFineGrayValid());
+        QVERIFY(!effect("a", 2).getFineGrayValid());
+    }
+
+    void timeoutIsFourPerCabinetWhereTheOperationHasOne()
+    {
+        const QString binary = m_folder.filePath("card.bin");
+        QVERIFY(QFile(binary).open(QIODevice::WriteOnly));
+        const CabinetTargetMap targets{{"a", {1, 2, 3}}, {"b", {}}};
+        m_sender.setGrayScaleTable(targets, {}, {}, {}, {}, 60);
+        m_sender.uploadNiccData(targets, gamut());
+        m_sender.uploadNiccMeasure(targets, gamut());
+        m_sender.sendRvcardBin(targets, binary);
+        m_sender.setColorManageMode(targets, gamut());
+        m_sender.setCorrectEffectMode(targets, 8, true);
+        QList<int> timeouts;
+        for (const Recorded& sent : m_transport->requests()) {
+            const int* timeout = sent.parameters.options().find<int>("timeout");
+            timeouts << (timeout ? *timeout : -1);
+        }
+        QCOMPARE(timeouts, QList<int>({12, 0, 12, 0, 12, 0, 100, 100, -1, -1, -1, -1}));
+    }
+
+    void theLastDeviceDecidesTheResult_data()
+    {
+        QTest::addColumn<QString>("failing");
+        QTest::addColumn<CabinetTargetMap>("targets");
+        QTest::addColumn<int>("result");
+        QTest::addColumn<QStringList>("log");
+        const QString line = "spdlog error: setGrayScaleTable error:no power";
+        QTest::newRow("no device") << "" << CabinetTargetMap{} << 1 << QStringList();
+        QTest::newRow("all answer") << "" << CabinetTargetMap{{"a", {1}}, {"b", {1}}} << 0 << QStringList();
+        QTest::newRow("first fails") << "a" << CabinetTargetMap{{"a", {1}}, {"b", {1}}} << 0
+                                     << QStringList({putError, line});
+        QTest::newRow("last fails") << "b" << CabinetTargetMap{{"a", {1}}, {"b", {1}}} << 15
+                                    << QStringList({putError, line});
+    }
+
+    void theLastDeviceDecidesTheResult()
+    {
+        QFETCH(QString, failing);
+        QFETCH(CabinetTargetMap, targets);
+        answerWith([failing](const Recorded& sent) {
+            // Queued, as a real device answers.
+            QTimer::singleShot(0, [sent, failing] {
+                if (QString::fromStdString(sent.deviceId) == failing)
+                    sent.responder.fail("no power");
+                else
+                    RecordingTransport::confirm(sent);
+            });
+        });
+        LogCapture log;
+        QTEST(m_sender.setGrayScaleTable(targets, {}, {}, {}, {}, 60), "result");
+        QTEST(log.take(), "log");
+        QCOMPARE(m_transport->requests().size(), targets.size());
+    }
+
+    void effectModeToSend_data()
+    {
+        QTest::addColumn<int>("current");
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<bool>("enable");
+        QTest::addColumn<int>("sent");
+        QTest::newRow("bits are added") << 3 << 8 << true << 11;
+        QTest::newRow("mask keeps bits") << 11 << -9 << true << 3;
+        QTest::newRow("positive, not enabled") << 3 << 8 << false << 8;
+        QTest::newRow("negative, not enabled") << 11 << -9 << false << 0;
+        QTest::newRow("zero, enabled") << 11 << 0 << true << 0;
+        QTest::newRow("zero, not enabled") << 11 << 0 << false << 0;
+    }
+
+    void effectModeToSend()
+    {
+        QFETCH(int, current);
+        QFETCH(int, mode);
+        QFETCH(bool, enable);
+        effect("a", 2).setEffectMode(static_cast<unsigned int>(current));
+        QCOMPARE(m_sender.setCorrectEffectMode({{"a", {2, 1}}, {"b", {1}}}, mode, enable), 0);
+        // The first cabinet's mode decides for all devices, whatever the first reply changed.
+        for (size_t i = 0; i < 2; ++i) {
+            QCOMPARE(keys(request(i).parameters), QStringList({"cids", "mode", "switches"}));
+            QTEST(request(i).parameters.get<int>("mode"), "sent");
+            const auto switches = request(i).parameters.get<std::vector<Parameters>>("switches");
+            QCOMPARE(switches.size(), size_t(1));
+            QCOMPARE(switches.front().get<bool>("enable"), enable);
+            QCOMPARE(switches.front().get<int>("switchMode"), 5);
+            QCOMPARE(keys(switches.front()), QStringList({"enable", "switchMode"}));
+        }
+        QCOMPARE(request(0).action, std::string("Device_CabinetsCorrectionChildSwitchV2"));
+        QCOMPARE(request(0).method, Action::Request::Method::Post);
+        QVERIFY(request(0).headers.isEmpty());
+        QCOMPARE(request(1).action, std::string("Device_CabinetsCorrect"));
+        QCOMPARE(request(1).method, Action::Request::Method::Put);
+    }
+
+    void gamutSwitchSendsOnlyItsBit()
+    {
+        CabinetSender::gamutCorrectEffectMode({{"a", {1}}}, true, true);
+        CabinetSender::gamutCorrectEffectMode({{"a", {1}}}, false, true);
+        CabinetSender::gamutCorrectEffectMode({{"a", {1}}}, true, false);
+        CabinetSender::gamutCorrectEffectMode({{"a", {1}}}, false, false);
+        QList<int> modes;
+        for (const Recorded& sent : m_transport->requests())
+            modes << sent.parameters.get<int>("mode");
+        QCOMPARE(modes, QList<int>({11, 3, 8, 0})); // each from what the reply before left in the model
+    }
+
+    void effectModeOfUnusableTargets_data()
+    {
+        QTest::addColumn<CabinetTargetMap>("targets");
+        QTest::addColumn<int>("result");
+        QTest::addColumn<QStringList>("log");
+        QTest::addColumn<int>("requests");
+        QTest::newRow("none") << CabinetTargetMap{} << 103 << QStringList("critical default: param invalid!!!") << 0;
+        QTest::newRow("first without cabinets") << CabinetTargetMap{{"a", {}}, {"b", {1}}} << 103 << QStringList() << 0;
+        QTest::newRow("first cabinet unknown") << CabinetTargetMap{{"a", {9}}} << 103 << QStringList() << 0;
+        QTest::newRow("last device unknown") << CabinetTargetMap{{"a", {1}}, {"x", {1}}} << 1 << QStringList() << 1;
+    }
+
+    void effectModeOfUnusableTargets()
+    {
+        QFETCH(CabinetTargetMap, targets);
+        LogCapture log;
+        QTEST(CabinetSender::gamutCorrectEffectMode(targets, true, true), "result");
+        QTEST(log.take(), "log");
+        QTEST(static_cast<int>(m_transport->requests().size()), "requests");
+    }
+
+    void modelTakesTheModeOfTheReply()
+    {
+        answerWith([](const Recorded& sent) {
+            Parameters reply;
+            reply.insert("cids", CabinetList{2, 77});
+            reply.insert("mode", -1);
+            sent.responder.reply(reply);
+        });
+        QCOMPARE(m_sender.setCorrectEffectMode({{"a", {1}}}, 8, true), 0);
+        QCOMPARE(effect("a", 1).getEffectMode(), 3u);
+        QCOMPARE(effect("a", 2).getEffectMode(), 4294967295u);
+    }
+
+    void readersOfTheLocalModel()
+    {
+        int first = -5;
+        int second = -6;
+        ModelService::getCabByCid("a", 1, true)->getBase().setGrayScaleSeries(16);
+        QCOMPARE(CabinetSender::getFineGrayConfig("a", 9, first, second), 103);
+        QCOMPARE(m_sender.getCorrectEffectMode("x", 1, first), 103);
+        QCOMPARE(first, -5);
+        QCOMPARE(second, -6);
+        QCOMPARE(CabinetSender::getFineGrayConfig("a", 1, first, second), 0);
+        QCOMPARE(first, 16);
+        QCOMPARE(second, 0);
+        QCOMPARE(m_sender.getCorrectEffectMode("a", 1, first), 0);
+        QCOMPARE(first, 3);
+        QVERIFY(m_transport->requests().empty());
+    }
+
+    void gamutTravelsUnrounded_data()
+    {
+        QTest::addColumn<QString>("prefix");
+        QTest::newRow("target") << "";
+        QTest::newRow("measured") << "niccMeasures.";
+    }
+
+    void gamutTravelsUnrounded()
+    {
+        QFETCH(QString, prefix);
+        const Model::ColorGamutInfo info = gamut();
+        const bool isTarget = prefix.isEmpty();
+        const int result = isTarget ? CabinetSender::uploadNiccData({{"a", {1}}}, info)
+                                    : CabinetSender::uploadNiccMeasure({{"a", {1}}}, info);
+        QCOMPARE(result, 0);
+        const Recorded& sent = request();
+        QCOMPARE(sent.action,
+                 std::string(isTarget ? "Device_CabinetsColorSpaceNicc" : "Device_CabinetsColorSpaceMeasure"));
+        QStringList expected{"cids"};
+        if (isTarget) {
+            expected << "name";
+            QCOMPARE(sent.parameters.get<std::string>("name"), info.name);
+        }
+        const std::pair<const char*, Model::LXY> points[] = {
+            {"rLxy", info.rLxy}, {"gLxy", info.gLxy}, {"bLxy", info.bLxy}, {"wLxy", info.wLxy}};
+        for (const auto& [name, point] : points) {
+            const std::pair<const char*, double> members[] = {{".lum", point.lum}, {".cx", point.x}, {".cy", point.y}};
+            for (const auto& [member, value] : members) {
+                const QString key = prefix + name + member;
+                expected << key;
+                const double* stored = sent.parameters.arguments().find<double>(key.toStdString());
+                QVERIFY2(stored && *stored == value, qPrintable(key));
+            }
+        }
+        expected.sort();
+        QCOMPARE(keys(sent.parameters), expected);
+    }
+
+    void fullScaleFollowsTheDeviceType_data()
+    {
+        QTest::addColumn<QString>("type");
+        QTest::addColumn<int>("fullScale");
+        QTest::newRow("G4") << "G4" << 1023;
+        QTest::newRow("longer") << "G4+" << 255;
+        QTest::newRow("lower case") << "g4" << 255;
+        QTest::newRow("empty") << "" << 255;
+    }
+
+    void fullScaleFollowsTheDeviceType()
+    {
+        QFETCH(QString, type);
+        ModelService::getDevice("a")->getBase().setType(type.toStdString());
+        QCOMPARE(CabinetSender::setColorManageMode({{"a", {1}}, {"x", {1}}}, gamut()), 1); // x is unknown and skipped
+        QCOMPARE(m_transport->requests().size(), size_t(1));
+        QCOMPARE(request().action, std::string("Device_CabinetsColorSpaceCoeff"));
+        QCOMPARE(keys(request().parameters),
+                 QStringList({"cids", "niccData.b", "niccData.coeffs", "niccData.g", "niccData.r"}));
+        for (const char* key : {"niccData.r", "niccData.g", "niccData.b"})
+            QTEST(request().parameters.get<int>(key), "fullScale");
+        QCOMPARE(request().parameters.get<std::vector<unsigned short>>("niccData.coeffs"), gamut().coeff.getCoeffs());
+    }
+
+    void targetGamutGoesToTheCabinetsOfTheRequestAndMeasureToThoseOfTheReply()
+    {
+        answerWith([](const Recorded& sent) {
+            Parameters reply;
+            reply.insert("cids", CabinetList{3});
+            sent.responder.reply(reply);
+        });
+        m_sender.uploadNiccData({{"a", {1}}}, gamut());
+        QCOMPARE(effect("a", 1).getTargetColorGamut(), gamut());
+        QCOMPARE(effect("a", 3).getTargetColorGamut(), Model::ColorGamutInfo());
+
+        QList<Model::DisplayEffectPara::Field> order;
+        effect("a", 3).setObserver([&](Model::DisplayEffectPara::Field field) { order << field; });
+        m_sender.uploadNiccMeasure({{"a", {1}}}, gamut());
+        QVERIFY(effect("a", 3).getColorGamutValid());
+        QCOMPARE(effect("a", 3).getOrgColorGamut(), gamut());
+        QVERIFY(!effect("a", 1).getColorGamutValid());
+        using Field = Model::DisplayEffectPara::Field;
+        QCOMPARE(order, QList<Field>({Field::ColorGamutValid, Field::OrgColorGamut}));
+    }
+
+    void aReplyWithoutCidsSucceedsAndChangesNothing()
+    {
+        answerWith([](const Recorded& sent) { sent.responder.reply({}); });
+        LogCapture log;
+        QCOMPARE(m_sender.setGrayScaleTable({{"a", {1}}}, {}, {}, {}, {}, 60), 0);
+        QCOMPARE(m_sender.uploadNiccMeasure({{"a", {1}}}, gamut()), 0);
+        QCOMPARE(m_sender.setCorrectEffectMode({{"a", {1}}}, 8, true), 0);
+        const QString line = "critical default: Parameters get error, key: cids";
+        QCOMPARE(log.take(), QStringList({line, line, line}));
+        QVERIFY(!effect("a", 1).getFineGrayValid() && !effect("a", 1).getColorGamutValid());
+        QCOMPARE(effect("a", 1).getEffectMode(), 3u);
+    }
+
+    void binaryTravelsAsBase64_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("empty") << QByteArray() << "";
+        QTest::newRow("padded") << QByteArray("\x00\xff\xfe\x7f", 4) << "AP/+fw==";
+    }
+
+    void binaryTravelsAsBase64()
+    {
+        QFETCH(QByteArray, content);
+        QFile file(m_folder.filePath("card.bin"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(content);
+        file.close();
+        QCOMPARE(CabinetSender::sendRvcardBin({{"a", {2, 1}}, {"b", {}}}, file.fileName()), 0);
+        QCOMPARE(request().action, std::string("Device_M_RvCardBin"));
+        QCOMPARE(keys(request().parameters), QStringList({"bin", "idList"}));
+        QCOMPARE(request().parameters.get<CabinetList>("idList"), CabinetList({2, 1}));
+        QTEST(QString::fromStdString(request(0).parameters.get<std::string>("bin")), "text");
+        QTEST(QString::fromStdString(request(1).parameters.get<std::string>("bin")), "text");
+        QCOMPARE(CabinetSender::sendRvcardBin({}, file.fileName()), 1);
+    }
+
+    void aFolderInPlaceOfABinaryIsSentAsEmpty()
+    {
+        LogCapture log;
+        QCOMPARE(CabinetSender::sendRvcardBin({{"a", {1}}}, m_folder.path()), 0);
+        QCOMPARE(request().parameters.get<std::string>("bin"), std::string());
+        QCOMPARE(log.take(), QStringList());
+    }
+
+    void failuresOfABinaryLogNoPutError()
+    {
+        const QString path = m_folder.filePath("absent.bin");
+        LogCapture log;
+        QCOMPARE(CabinetSender::sendRvcardBin({}, path), 15);
+        QCOMPARE(log.take(), QStringList({"critical default: file \"" + path + "\" not find!!!",
+                                          "spdlog error: sendRvcardBin error:"}));
+        QVERIFY(m_transport->requests().empty());
+
+        answerWith([](const Recorded& sent) { sent.responder.fail("no space"); });
+        QCOMPARE(CabinetSender::sendRvcardBin({{"a", {1}}}, m_folder.path()), 15);
+        QCOMPARE(log.take(), QStringList("spdlog error: sendRvcardBin error:no space"));
+    }
+
+    void everyOperationNamesItselfInAnErrorLine()
+    {
+        answerWith([](const Recorded& sent) { sent.responder.fail(QString::fromUtf8("電源なし {}")); });
+        const CabinetTargetMap targets{{"a", {1}}};
+        LogCapture log;
+        QCOMPARE(m_sender.setCorrectEffectMode(targets, 8, true), 15);
+        QCOMPARE(m_sender.uploadNiccData(targets, gamut()), 15);
+        QCOMPARE(m_sender.setColorManageMode(targets, gamut()), 15);
+        QCOMPARE(m_sender.uploadNiccMeasure(targets, gamut()), 15);
+        QStringList expected;
+        for (const char* name : {"setCorrectEffectMode", "uploadNiccData", "setColorManageMode", "uploadNiccMeasure"})
+            expected << putError << QString("spdlog error: %1 error:電源なし {}").arg(name);
+        QCOMPARE(log.take(), expected);
+    }
+
+    void everyOperationTracesItsEntryAndAtOnceItsLeave()
+    {
+        LogCapture log;
+        int value = 0;
+        m_sender.getFineGrayConfig("a", 1, value, value);
+        m_sender.gamutCorrectEffectMode({{"a", {1}}}, true, true);
+        m_sender.setGrayScaleTable({}, {}, {}, {}, {}, 60);
+        m_sender.uploadNiccData({}, {});
+        m_sender.setColorManageMode({}, {});
+        m_sender.uploadNiccMeasure({}, {});
+        m_sender.sendRvcardBin({}, m_folder.path());
+        const QStringList entered{"getFineGrayConfig",    "gamutCorrectEffectMode", "setCorrectEffectMode",
+                                  "getCorrectEffectMode", "setGrayScaleTable",      "uploadNiccData",
+                                  "setColorManageMode",   "uploadNiccMeasure",      "sendRvcardBin"};
+        const auto lines = log.takeLines();
+        QCOMPARE(lines.size(), 2 * entered.size());
+        for (int i = 0; i < entered.size(); ++i) {
+            const auto& enter = lines.at(2 * i);
+            const auto& leave = lines.at(2 * i + 1);
+            QCOMPARE(enter.text, " ENTER ");
+            QCOMPARE(enter.function, entered.at(i));
+            QCOMPARE(leave.text, " LEAVE ");
+            QCOMPARE(leave.function, "operator()");
+            for (const auto& line : {enter, leave}) {
+                QCOMPARE(line.level, spdlog::level::trace);
+                QCOMPARE(line.file, "src/libs/qualityutility/tool/sender4th/cabinetsender4th.cpp");
+            }
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(CabinetSender4thTest)
+#include "tst_cabinetsender4th.moc"
