@@ -3,6 +3,7 @@
 #include <suite/model/colorgamutinfo.h>
 
 #include <functional>
+#include <memory>
 
 namespace Model {
 
@@ -34,14 +35,30 @@ public:
     bool getColorGamutValid() const { return m_colorGamutValid; }
     void setColorGamutValid(bool valid) { store(m_colorGamutValid, valid, Field::ColorGamutValid); }
 
-    const ColorGamutInfo& getTargetColorGamut() const { return m_targetColorGamut; }
+    const ColorGamutInfo& getTargetColorGamut() const { return valueOf(m_targetColorGamut); }
     void setTargetColorGamut(const ColorGamutInfo& info) { store(m_targetColorGamut, info, Field::TargetColorGamut); }
 
     /// The measured ("original") gamut of the cabinet's LEDs.
-    const ColorGamutInfo& getOrgColorGamut() const { return m_orgColorGamut; }
+    const ColorGamutInfo& getOrgColorGamut() const { return valueOf(m_orgColorGamut); }
     void setOrgColorGamut(const ColorGamutInfo& info) { store(m_orgColorGamut, info, Field::OrgColorGamut); }
 
 private:
+    /// Gamuts take memory only where there is one: walls have up to a hundred thousand cabinets.
+    using StoredGamut = std::unique_ptr<ColorGamutInfo>;
+
+    static const ColorGamutInfo& valueOf(const StoredGamut& gamut)
+    {
+        static const ColorGamutInfo none;
+        return gamut ? *gamut : none;
+    }
+
+    void store(StoredGamut& member, const ColorGamutInfo& info, Field field)
+    {
+        if (!member)
+            member = std::make_unique<ColorGamutInfo>();
+        store(*member, info, field);
+    }
+
     template <typename T>
     void store(T& member, const T& value, Field field)
     {
@@ -53,8 +70,8 @@ private:
     unsigned int m_effectMode = 0;
     bool m_fineGrayValid = false;
     bool m_colorGamutValid = false;
-    ColorGamutInfo m_targetColorGamut;
-    ColorGamutInfo m_orgColorGamut;
+    StoredGamut m_targetColorGamut;
+    StoredGamut m_orgColorGamut;
     Observer m_observer;
 };
 

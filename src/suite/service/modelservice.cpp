@@ -32,21 +32,23 @@ std::shared_ptr<Model::Cabinet> cabinetOf(const RegisteredDevice& entry, unsigne
 
 } // namespace
 
-void ModelService::setDevices(const std::vector<DeviceEntry>& entries)
+void ModelService::setDevices(std::vector<DeviceEntry> entries)
 {
     Registry next;
     next.reserve(entries.size());
-    for (const DeviceEntry& entry : entries) {
+    for (DeviceEntry& entry : entries) {
         if (!entry.device)
             continue;
         const auto [place, isNew] = next.try_emplace(entry.device->getBase().getId());
         if (!isNew)
             continue;
-        place->second.device = entry.device;
+        place->second.device = std::move(entry.device);
         place->second.cabinets.reserve(entry.cabinets.size());
-        for (const auto& cabinet : entry.cabinets) {
-            if (cabinet)
-                place->second.cabinets.try_emplace(cabinet->getCid(), cabinet);
+        for (auto& cabinet : entry.cabinets) {
+            if (!cabinet)
+                continue;
+            const unsigned long long cid = cabinet->getCid();
+            place->second.cabinets.try_emplace(cid, std::move(cabinet));
         }
     }
     {

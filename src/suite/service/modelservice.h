@@ -26,7 +26,7 @@ public:
 
     /// Replaces the whole content. Null devices and cabinets are left out; of two devices with one identity, or two
     /// cabinets with one identifier under one device, the first is kept.
-    static void setDevices(const std::vector<DeviceEntry>& entries);
+    static void setDevices(std::vector<DeviceEntry> entries);
 
     /// The device of this identity, or null.
     static std::shared_ptr<Model::Device> getDevice(const std::string& deviceId);

@@ -4,6 +4,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <unordered_set>
@@ -137,21 +138,32 @@ private:
         return cabinet;
     }
 
+    void checkDistinct(const std::vector<std::shared_ptr<Model::Cabinet>>& cabinets)
+    {
+        std::vector<std::pair<unsigned long long, int>> places;
+        places.reserve(cabinets.size());
+        for (const auto& cabinet : cabinets)
+            places.emplace_back(cabinet->getCid(), static_cast<int>(places.size()));
+        std::sort(places.begin(), places.end());
+        const auto twice = std::adjacent_find(places.begin(), places.end(),
+                                              [](const auto& a, const auto& b) { return a.first == b.first; });
+        if (twice == places.end())
+            return;
+        m_cabinet = std::next(twice)->second;
+        m_fault = QStringLiteral("%1: cabinet %2 is listed twice").arg(place(QStringLiteral("cid"))).arg(twice->first);
+    }
+
     void readCabinets(const QJsonObject& device, DeviceEntry& entry)
     {
         const QJsonValue cabinets = device.value(QLatin1String("cabinets"));
         if (!cabinets.isArray())
             fail(place(QStringLiteral("cabinets")), QStringLiteral("an array"), cabinets);
         const QJsonArray array = cabinets.toArray();
-        std::unordered_set<unsigned long long> seen;
-        seen.reserve(static_cast<size_t>(array.size()));
         entry.cabinets.reserve(static_cast<size_t>(array.size()));
-        for (m_cabinet = 0; m_cabinet < array.size() && ok(); ++m_cabinet) {
+        for (m_cabinet = 0; m_cabinet < array.size() && ok(); ++m_cabinet)
             entry.cabinets.push_back(readCabinet(array.at(m_cabinet)));
-            const unsigned long long cid = entry.cabinets.back()->getCid();
-            if (ok() && !seen.insert(cid).second)
-                m_fault = QStringLiteral("%1: cabinet %2 is listed twice").arg(place(QStringLiteral("cid"))).arg(cid);
-        }
+        if (ok())
+            checkDistinct(entry.cabinets);
         m_cabinet = -1;
     }
 
@@ -232,14 +244,14 @@ std::optional<Wall> readWall(const QString& filePath, QString& error)
 
 bool loadWall(const QString& filePath, QString& error)
 {
-    const auto wall = readWall(filePath, error);
+    auto wall = readWall(filePath, error);
     if (!wall)
         return false;
     std::vector<DeviceEntry> entries;
     entries.reserve(wall->size());
-    for (const WallDevice& device : *wall)
-        entries.push_back(device.entry);
-    ModelService::setDevices(entries);
+    for (WallDevice& device : *wall)
+        entries.push_back(std::move(device.entry));
+    ModelService::setDevices(std::move(entries));
     return true;
 }
 
