@@ -77,9 +77,6 @@ public:
     int getMinLayerSet() const { return m_minLayerSet; }
     void setMinLayerSet(int layer) { m_minLayerSet = layer; }
 
-    friend bool operator==(const MagicGrayParam& a, const MagicGrayParam& b) { return a.tied() == b.tied(); }
-    friend bool operator!=(const MagicGrayParam& a, const MagicGrayParam& b) { return !(a == b); }
-
 private:
     auto tied() const
     {
@@ -88,6 +85,8 @@ private:
                         m_baseScaleBit, m_compenCoefBit, m_wCompLutLimitLength, m_currentLimitLength,
                         m_rgbCompLutLimitLength, m_whiteCtcEn, m_ctcNums, m_ctcStepWei, m_minLayerSet);
     }
+    friend bool operator==(const MagicGrayParam& a, const MagicGrayParam& b) { return a.tied() == b.tied(); }
+    friend bool operator!=(const MagicGrayParam& a, const MagicGrayParam& b) { return !(a == b); }
 
     int m_minGain = 0;
     int m_maxGain = 255;
