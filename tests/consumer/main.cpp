@@ -1,11 +1,10 @@
 // A host in miniature: a transport of its own, a wall made by code, one gray table sent.
 
-#include <qualityutility/tool/sender4th/cabinetsender.h>
-
 #include <suite/action/action.h>
 #include <suite/service/modelservice.h>
 
 #include <QCoreApplication>
+#include <qualityutility/tool/sender4th/cabinetsender.h>
 
 #include <cstdio>
 
@@ -34,7 +33,8 @@ int main(int argc, char** argv)
     Action::setTransport(std::make_shared<LoopbackTransport>());
 
     const std::vector<unsigned char> table(256, 128);
-    const int result = CabinetSenderSpace::CabinetSender::setGrayScaleTable({{"left", {1}}}, table, table, table, table, 60);
+    const int result =
+        CabinetSenderSpace::CabinetSender::setGrayScaleTable({{"left", {1}}}, table, table, table, table, 60);
     const bool isMarked = cabinet->getDisplayEffectPara().getFineGrayValid();
     std::printf("result %d, cabinet %s\n", result, isMarked ? "holds a gray table" : "holds nothing");
     Action::setTransport(nullptr);

@@ -1,16 +1,49 @@
 #include "wholefile_p.h"
 
+#include <QFile>
 #include <QSaveFile>
+
+namespace {
+
+constexpr qint64 copyBlock = 1024 * 1024;
+
+/// commit() alone would put a short file in the place of the good one on a full disk, and report success: every byte
+/// and the flush are checked before.
+bool commitChecked(QSaveFile& file, bool isWritten)
+{
+    if (isWritten && file.flush())
+        return file.commit();
+    file.cancelWriting();
+    return false;
+}
+
+bool copyBytes(QFile& from, QSaveFile& to)
+{
+    while (!from.atEnd()) {
+        const QByteArray block = from.read(copyBlock);
+        if (block.isEmpty() || to.write(block) != block.size())
+            return false;
+    }
+    return from.error() == QFileDevice::NoError;
+}
+
+} // namespace
 
 WholeFileResult replaceWholeFile(const QString& path, const QByteArray& content)
 {
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return WholeFileResult::OpenFailed;
-    // commit() alone would put a short file in the place of the good one on a full disk, and report success.
-    if (file.write(content) != content.size() || !file.flush()) {
-        file.cancelWriting();
-        return WholeFileResult::WriteFailed;
-    }
-    return file.commit() ? WholeFileResult::Written : WholeFileResult::WriteFailed;
+    const bool isWritten = file.write(content) == content.size();
+    return commitChecked(file, isWritten) ? WholeFileResult::Written : WholeFileResult::WriteFailed;
+}
+
+bool copyWholeFile(const QString& source, const QString& destination)
+{
+    QFile from(source);
+    QSaveFile to(destination);
+    if (!from.open(QIODevice::ReadOnly) || !to.open(QIODevice::WriteOnly))
+        return false;
+    const bool isCopied = copyBytes(from, to) && to.setPermissions(from.permissions());
+    return commitChecked(to, isCopied);
 }

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QString>
+
+#include <functional>
+
+/// The three ways in which a picture-quality document is opened, parsed, written and complained about. All log their
+/// failures as critical lines: `file "<path>" <text>`.
+namespace DocumentFile {
+
+/// Writes `file "<path>" <text>`. The text " invalid!!!" begins with a blank, which gives two in the line: readers of
+/// the log know it so.
+void logFailure(const QString& path, const char* text);
+
+/// Replaces the document whole.
+bool write(const QString& path, const QJsonObject& root);
+
+/// Lets `change` work on the document's root and replaces the document whole. A missing file starts as `initial`; an
+/// empty one is refused; what is not a JSON object counts as an empty one.
+bool update(const QString& path, const QJsonObject& initial, const std::function<void(QJsonObject& root)>& change);
+
+/// Hands the document's root to `take`; when the content is not JSON, `take` is not called and the result is true all
+/// the same.
+bool read(const QString& path, const std::function<void(const QJsonObject& root)>& take);
+
+} // namespace DocumentFile

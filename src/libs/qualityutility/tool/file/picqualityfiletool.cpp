@@ -1,0 +1,624 @@
+#include "picqualityfiletool.h"
+
+#include "documentfile_p.h"
+#include "jsonfields_p.h"
+#include "wholefile_p.h"
+
+#include <suite/model/finegray.h>
+#include <suite/model/graydetailpara.h>
+#include <suite/model/grayeffectpara.h>
+#include <suite/model/magicgraycoeffs.h>
+#include <suite/model/magicgrayparam.h>
+
+#include <QDebug>
+#include <QFile>
+
+#include <array>
+
+namespace {
+
+using JsonFields::BoolField;
+using JsonFields::IntField;
+using JsonFields::IntMember;
+using JsonFields::ListField;
+using JsonFields::ListMember;
+using Model::FineGrayAdvanceParam;
+using Model::FineGrayCoeffs;
+using Model::GrayDetailPara;
+using Model::GrayEffectPara;
+using Model::LXY;
+using Model::MagicGrayCoeffs;
+using Bytes = std::vector<unsigned char>;
+using Doubles = std::vector<double>;
+
+constexpr QLatin1String lumKey("lum");
+constexpr QLatin1String xKey("x");
+constexpr QLatin1String yKey("y");
+constexpr QLatin1String measureKey("measure");
+
+constexpr QLatin1String rMeasureKey("rMeasure");
+constexpr QLatin1String gMeasureKey("gMeasure");
+constexpr QLatin1String bMeasureKey("bMeasure");
+constexpr QLatin1String grayEffectKey("grayEffectPara");
+constexpr QLatin1String grayDetailKey("grayDetailPara");
+constexpr QLatin1String magicGrayKey("mgData");
+constexpr QLatin1String grayAdvanceKey("grayAdvance");
+constexpr QLatin1String wMeasureKey("wMeasure");
+constexpr int keptWhiteMeasures = 9;
+
+constexpr std::array<BoolField<GrayEffectPara>, 4> effectFields{{
+    {QLatin1String("supGraySwitch"), &GrayEffectPara::getSupGraySwitch, &GrayEffectPara::setSupGraySwitch},
+    {QLatin1String("fineGraySwitch"), &GrayEffectPara::getFineGraySwitch, &GrayEffectPara::setFineGraySwitch},
+    {QLatin1String("switch22bit"), &GrayEffectPara::get22bitSwitch, &GrayEffectPara::set22bitSwitch},
+    {QLatin1String("switchMG"), &GrayEffectPara::getMGSwitch, &GrayEffectPara::setMGSwitch},
+}};
+
+constexpr std::array<BoolField<GrayDetailPara>, 4> detailSwitches{{
+    {QLatin1String("qualityAdvance"), &GrayDetailPara::getQualityAdvance, &GrayDetailPara::setQualityAdvance},
+    {QLatin1String("detailAdvance"), &GrayDetailPara::getDetailAdvance, &GrayDetailPara::setDetailAdvance},
+    {QLatin1String("switchABL"), &GrayDetailPara::getABLSwitch, &GrayDetailPara::setABLSwitch},
+    {QLatin1String("switchINVTMO"), &GrayDetailPara::getINVTMOSwitch, &GrayDetailPara::setINVTMOSwitch},
+}};
+
+constexpr std::array<IntField<GrayDetailPara>, 1> detailLevel{{
+    {QLatin1String("detailLevel"), &GrayDetailPara::getDetailLevel, &GrayDetailPara::setDetailLevel},
+}};
+
+// True means valid, against its name: earlier files depend on both.
+constexpr QLatin1String peakValidKey("peakInvalid");
+
+constexpr std::array<IntField<GrayDetailPara>, 3> peakValues{{
+    {QLatin1String("peakMeasure"), &GrayDetailPara::getPeakMeasure, &GrayDetailPara::setPeakMeasure},
+    {QLatin1String("peakLum"), &GrayDetailPara::getPeakLum, &GrayDetailPara::setPeakLum},
+    {QLatin1String("maxLum"), &GrayDetailPara::getMaxLum, &GrayDetailPara::setMaxLum},
+}};
+
+using MagicPoints = ListField<MagicGrayCoeffs, MagicGrayCoeffs::Points>;
+using MagicSeries = ListField<MagicGrayCoeffs, MagicGrayCoeffs::PointSeries>;
+using MagicTable = ListField<MagicGrayCoeffs, MagicGrayCoeffs::Table>;
+
+constexpr std::array<MagicPoints, 9> magicPoints{{
+    {QLatin1String("rMG0Measure"), &MagicGrayCoeffs::getR0Measures, &MagicGrayCoeffs::getR0Measures},
+    {QLatin1String("gMG0Measure"), &MagicGrayCoeffs::getG0Measures, &MagicGrayCoeffs::getG0Measures},
+    {QLatin1String("bMG0Measure"), &MagicGrayCoeffs::getB0Measures, &MagicGrayCoeffs::getB0Measures},
+    {QLatin1String("rMG1Measure"), &MagicGrayCoeffs::getR1Measures, &MagicGrayCoeffs::getR1Measures},
+    {QLatin1String("gMG1Measure"), &MagicGrayCoeffs::getG1Measures, &MagicGrayCoeffs::getG1Measures},
+    {QLatin1String("bMG1Measure"), &MagicGrayCoeffs::getB1Measures, &MagicGrayCoeffs::getB1Measures},
+    {QLatin1String("rMGFirstMeasure"), &MagicGrayCoeffs::getFirstRMeasures, &MagicGrayCoeffs::getFirstRMeasures},
+    {QLatin1String("gMGFirstMeasure"), &MagicGrayCoeffs::getFirstGMeasures, &MagicGrayCoeffs::getFirstGMeasures},
+    {QLatin1String("bMGFirstMeasure"), &MagicGrayCoeffs::getFirstBMeasures, &MagicGrayCoeffs::getFirstBMeasures},
+}};
+
+constexpr std::array<MagicSeries, 4> magicSeries{{
+    {QLatin1String("rMGMeasure"), &MagicGrayCoeffs::getACRMeasures, &MagicGrayCoeffs::getACRMeasures},
+    {QLatin1String("gMGMeasure"), &MagicGrayCoeffs::getACGMeasures, &MagicGrayCoeffs::getACGMeasures},
+    {QLatin1String("bMGMeasure"), &MagicGrayCoeffs::getACBMeasures, &MagicGrayCoeffs::getACBMeasures},
+    {QLatin1String("wMGMeasure"), &MagicGrayCoeffs::getWhiteMeasures, &MagicGrayCoeffs::getWhiteMeasures},
+}};
+
+constexpr std::array<MagicTable, 3> magicTables{{
+    {QLatin1String("mgCurrentLUTs"), &MagicGrayCoeffs::getCurrentLUTs, &MagicGrayCoeffs::getCurrentLUTs},
+    {QLatin1String("mgComGainLUTOdd"), &MagicGrayCoeffs::getComGainLUTOdd, &MagicGrayCoeffs::getComGainLUTOdd},
+    {QLatin1String("mgComGainLUTEven"), &MagicGrayCoeffs::getComGainLUTEven, &MagicGrayCoeffs::getComGainLUTEven},
+}};
+
+constexpr std::array<ListMember<FineGrayCoeffs, Bytes>, 4> coeffTables{{
+    {QLatin1String("rGrayCoeffs"), &FineGrayCoeffs::rGrayCoeffs},
+    {QLatin1String("gGrayCoeffs"), &FineGrayCoeffs::gGrayCoeffs},
+    {QLatin1String("bGrayCoeffs"), &FineGrayCoeffs::bGrayCoeffs},
+    {QLatin1String("magnitudes"), &FineGrayCoeffs::magnitudes},
+}};
+
+constexpr std::array<IntMember<FineGrayAdvanceParam>, 3> advanceNumbers{{
+    {QLatin1String("maxNum"), &FineGrayAdvanceParam::maxNum},
+    {QLatin1String("caliNum"), &FineGrayAdvanceParam::caliNum},
+    {QLatin1String("caliLength"), &FineGrayAdvanceParam::caliLength},
+}};
+
+constexpr ListMember<FineGrayAdvanceParam, std::vector<LXY>> advanceWhite{wMeasureKey, &FineGrayAdvanceParam::wMeasure};
+constexpr ListMember<FineGrayAdvanceParam, Bytes> advanceMagnitudes{QLatin1String("magBits"),
+                                                                    &FineGrayAdvanceParam::magBits};
+
+constexpr QLatin1String advanceCoeffsKey("coeffs");
+constexpr std::array<ListMember<FineGrayAdvanceParam, Bytes>, 3> advanceCoeffs{{
+    {QLatin1String("rGrayCoeffs"), &FineGrayAdvanceParam::rGrayCoeffs},
+    {QLatin1String("gGrayCoeffs"), &FineGrayAdvanceParam::gGrayCoeffs},
+    {QLatin1String("bGrayCoeffs"), &FineGrayAdvanceParam::bGrayCoeffs},
+}};
+
+constexpr QLatin1String advanceTargetsKey("targetLum");
+constexpr std::array<ListMember<FineGrayAdvanceParam, Doubles>, 3> advanceTargets{{
+    {QLatin1String("rLumTarget"), &FineGrayAdvanceParam::rLumTarget},
+    {QLatin1String("gLumTarget"), &FineGrayAdvanceParam::gLumTarget},
+    {QLatin1String("bLumTarget"), &FineGrayAdvanceParam::bLumTarget},
+}};
+
+/// As QVariant::toDouble converts: text with a number in it counts, what is neither is 0.
+double toDouble(const QJsonValue& value)
+{
+    return value.isDouble() ? value.toDouble() : value.toVariant().toDouble();
+}
+
+QJsonValue toElement(const LXY& point)
+{
+    return PicQualityFileTool::lxyToJson(point);
+}
+
+QJsonValue toElement(unsigned char value)
+{
+    return static_cast<int>(value);
+}
+
+QJsonValue toElement(int value)
+{
+    return value;
+}
+
+QJsonValue toElement(unsigned int value)
+{
+    return static_cast<int>(value); // the bits are kept: 2^31 and more are written as negative numbers
+}
+
+QJsonValue toElement(double value)
+{
+    return value;
+}
+
+template <typename List>
+void toArray(const List& list, QJsonArray& out)
+{
+    out = QJsonArray();
+    for (const auto& entry : list)
+        out.append(toElement(entry));
+}
+
+template <typename List>
+void toPoints(const QJsonArray& array, List& out)
+{
+    out.clear();
+    out.reserve(array.size());
+    for (const QJsonValue value : array) {
+        if (!value.isObject())
+            continue;
+        // Read directly: a variant map per point would cost more than parsing the document.
+        const QJsonObject object = value.toObject();
+        out.push_back({toDouble(object.value(lumKey)), toDouble(object.value(xKey)), toDouble(object.value(yKey)), {}});
+    }
+}
+
+template <typename List>
+void toIntegers(const QJsonArray& array, List& out)
+{
+    out.clear();
+    out.reserve(array.size());
+    for (const QJsonValue value : array)
+        out.push_back(static_cast<typename List::value_type>(value.toInt(0)));
+}
+
+template <typename List>
+void toDoubles(const QJsonArray& array, List& out)
+{
+    out.clear();
+    out.reserve(array.size());
+    for (const QJsonValue value : array)
+        out.push_back(value.toDouble(0));
+}
+
+void writeMeasures(const QList<LXY>& red, const QList<LXY>& green, const QList<LXY>& blue, QJsonObject& root)
+{
+    JsonFields::writeList(red, rMeasureKey, root);
+    JsonFields::writeList(green, gMeasureKey, root);
+    JsonFields::writeList(blue, bMeasureKey, root);
+}
+
+void readMeasures(const QJsonObject& root, QList<LXY>& red, QList<LXY>& green, QList<LXY>& blue)
+{
+    JsonFields::readList(root, rMeasureKey, red);
+    JsonFields::readList(root, gMeasureKey, green);
+    JsonFields::readList(root, bMeasureKey, blue);
+}
+
+QJsonObject configObject(const QList<LXY>& red, const QList<LXY>& green, const QList<LXY>& blue,
+                         const FineGrayCoeffs& coeffs)
+{
+    QJsonObject root;
+    writeMeasures(red, green, blue, root);
+    JsonFields::write(coeffTables, coeffs, root);
+    return root;
+}
+
+bool updateDocument(const QString& path, const std::function<void(QJsonObject& root)>& change)
+{
+    return DocumentFile::update(path, configObject({}, {}, {}, {}), change);
+}
+
+/// Replaces `out` when the member is a bool.
+void readBool(const QJsonObject& object, QLatin1String key, bool& out)
+{
+    const QJsonValue value = object.value(key);
+    if (value.isBool())
+        out = value.toBool();
+}
+
+/// Calls `set` with the value when the member is a number.
+void readInt(const QJsonObject& object, QLatin1String key, const std::function<void(int)>& set)
+{
+    const QJsonValue value = object.value(key);
+    if (value.isDouble())
+        set(value.toInt(0));
+}
+
+/// Calls `take` with the member when it is an object.
+template <typename Take>
+void readSection(const QJsonObject& root, QLatin1String key, const Take& take)
+{
+    const QJsonValue value = root.value(key);
+    if (value.isObject())
+        take(value.toObject());
+}
+
+} // namespace
+
+// Conversions
+
+void PicQualityFileTool::listToJsonArray(const QList<LXY>& list, QJsonArray& out)
+{
+    toArray(list, out);
+}
+
+void PicQualityFileTool::listToJsonArray(const std::vector<LXY>& list, QJsonArray& out)
+{
+    toArray(list, out);
+}
+
+void PicQualityFileTool::listToJsonArray(const std::vector<unsigned char>& list, QJsonArray& out)
+{
+    toArray(list, out);
+}
+
+void PicQualityFileTool::listToJsonArray(const QList<unsigned char>& list, QJsonArray& out)
+{
+    toArray(list, out);
+}
+
+void PicQualityFileTool::listToJsonArray(const std::vector<int>& list, QJsonArray& out)
+{
+    toArray(list, out);
+}
+
+void PicQualityFileTool::listToJsonArray(const std::vector<unsigned int>& list, QJsonArray& out)
+{
+    toArray(list, out);
+}
+
+void PicQualityFileTool::listToJsonArray(const QList<unsigned int>& list, QJsonArray& out)
+{
+    toArray(list, out);
+}
+
+void PicQualityFileTool::listToJsonArray(const std::vector<double>& list, QJsonArray& out)
+{
+    toArray(list, out);
+}
+
+void PicQualityFileTool::listToJsonArray(const QList<double>& list, QJsonArray& out)
+{
+    toArray(list, out);
+}
+
+void PicQualityFileTool::jsonArrayToList(const QJsonArray& array, QList<LXY>& out)
+{
+    toPoints(array, out);
+}
+
+void PicQualityFileTool::jsonArrayToList(const QJsonArray& array, std::vector<LXY>& out)
+{
+    toPoints(array, out);
+}
+
+void PicQualityFileTool::jsonArrayToList(const QJsonArray& array, std::vector<unsigned char>& out)
+{
+    toIntegers(array, out);
+}
+
+void PicQualityFileTool::jsonArrayToList(const QJsonArray& array, QList<unsigned char>& out)
+{
+    toIntegers(array, out);
+}
+
+void PicQualityFileTool::jsonArrayToList(const QJsonArray& array, std::vector<int>& out)
+{
+    toIntegers(array, out);
+}
+
+void PicQualityFileTool::jsonArrayToList(const QJsonArray& array, std::vector<unsigned int>& out)
+{
+    toIntegers(array, out);
+}
+
+void PicQualityFileTool::jsonArrayToList(const QJsonArray& array, QList<unsigned int>& out)
+{
+    toIntegers(array, out);
+}
+
+void PicQualityFileTool::jsonArrayToList(const QJsonArray& array, std::vector<double>& out)
+{
+    toDoubles(array, out);
+}
+
+void PicQualityFileTool::jsonArrayToList(const QJsonArray& array, QList<double>& out)
+{
+    toDoubles(array, out);
+}
+
+QJsonObject PicQualityFileTool::lxyToJson(const LXY& point)
+{
+    QJsonObject object;
+    object.insert(lumKey, point.lum);
+    object.insert(xKey, point.x);
+    object.insert(yKey, point.y);
+    return object;
+}
+
+LXY getLxy(QMap<QString, QVariant> map)
+{
+    const auto number = [&](QLatin1String key) { return map[key].toDouble(); };
+    return {number(lumKey), number(xKey), number(yKey), {}};
+}
+
+void PicQualityFileTool::mapToJsonArray(const MeasureSeries& series, QJsonArray& out)
+{
+    out = QJsonArray();
+    for (const auto& [index, points] : series) {
+        QJsonObject entry;
+        JsonFields::writeList(points, measureKey, entry);
+        out.append(entry);
+    }
+}
+
+void PicQualityFileTool::jsonArrayToMap(const QJsonArray& array, MeasureSeries& out)
+{
+    out.clear();
+    int index = 0;
+    for (const QJsonValue value : array) {
+        const QJsonValue points = value.toObject().value(measureKey);
+        if (points.isArray())
+            jsonArrayToList(points.toArray(), out[index++]);
+    }
+}
+
+bool PicQualityFileTool::copyFile(const QString& source, const QString& destination)
+{
+    if (QFile::exists(source))
+        return copyWholeFile(source, destination);
+    DocumentFile::logFailure(source, "not find");
+    return false;
+}
+
+int PicQualityFileTool::test()
+{
+    return 0;
+}
+
+bool PicQualityFileTool::sendGrayFileData(const QList<double>&, const QList<double>&, const QList<double>&,
+                                          const FineGrayCoeffs&)
+{
+    return true;
+}
+
+// Gray state
+
+bool PicQualityFileTool::updateGrayStateConfig(const QString& path, const GrayEffectPara& effect,
+                                               const GrayDetailPara& detail)
+{
+    return updateDocument(path, [&](QJsonObject& root) {
+        root.insert(grayEffectKey, grayParaToJson(effect));
+        root.insert(grayDetailKey, detailParaToJson(detail));
+    });
+}
+
+QJsonObject PicQualityFileTool::grayParaToJson(const GrayEffectPara& effect)
+{
+    QJsonObject object;
+    JsonFields::write(effectFields, effect, object);
+    return object;
+}
+
+QJsonObject PicQualityFileTool::detailParaToJson(const GrayDetailPara& detail)
+{
+    QJsonObject object;
+    JsonFields::write(detailSwitches, detail, object);
+    JsonFields::write(detailLevel, detail, object);
+    object.insert(peakValidKey, detail.getPeakValid());
+    JsonFields::write(peakValues, detail, object);
+    return object;
+}
+
+void PicQualityFileTool::JsonTograyPara(const QJsonObject& object, GrayEffectPara& effect)
+{
+    JsonFields::read(effectFields, object, effect);
+}
+
+void PicQualityFileTool::JsonTodetailPara(const QJsonObject& object, GrayDetailPara& detail)
+{
+    JsonFields::read(detailSwitches, object, detail);
+    JsonFields::read(detailLevel, object, detail);
+    JsonToLumPara(object, detail);
+}
+
+void PicQualityFileTool::JsonToLumPara(const QJsonObject& object, GrayDetailPara& detail)
+{
+    if (!object.value(peakValidKey).toBool(false))
+        return;
+    detail.setPeakValid(true);
+    JsonFields::read(peakValues, object, detail);
+}
+
+// Magic gray
+
+bool PicQualityFileTool::updateMGGrayConfig(const QString& path, const MagicGrayCoeffs& coeffs,
+                                            const Model::MagicGrayParam&)
+{
+    return updateDocument(path, [&](QJsonObject& root) {
+        QJsonObject section;
+        MGMeasuresToJson(coeffs, section);
+        JsonFields::write(magicTables, coeffs, section);
+        root.insert(magicGrayKey, section);
+    });
+}
+
+void PicQualityFileTool::MGMeasuresToJson(const MagicGrayCoeffs& coeffs, QJsonObject& object)
+{
+    JsonFields::write(magicPoints, coeffs, object);
+    JsonFields::write(magicSeries, coeffs, object);
+}
+
+void PicQualityFileTool::JsonToMGCoeffs(const QJsonObject& object, MagicGrayCoeffs& coeffs,
+                                        Model::MagicGrayParam& param)
+{
+    constexpr int pwmRangeOffset = 8; // the section counts the bits above the first eight
+    JsonFields::read(magicPoints, object, coeffs);
+    JsonFields::read(magicSeries, object, coeffs);
+    JsonFields::read(magicTables, object, coeffs);
+    // These two come from other producers; this library never writes them.
+    readInt(object, QLatin1String("compBase"), [&](int bits) { param.setBaseScaleBit(bits); });
+    readInt(object, QLatin1String("maxDataShiftBase"), [&](int bits) { param.setPWMRangeBit(bits + pwmRangeOffset); });
+}
+
+// Fine-gray configuration
+
+bool PicQualityFileTool::writeFineGrayConfig(const QString& path, const QList<LXY>& red, const QList<LXY>& green,
+                                             const QList<LXY>& blue, const FineGrayCoeffs& coeffs)
+{
+    return DocumentFile::write(path, configObject(red, green, blue, coeffs));
+}
+
+bool PicQualityFileTool::readFineGrayConfig(const QString& path, QList<LXY>& red, QList<LXY>& green, QList<LXY>& blue,
+                                            FineGrayCoeffs& coeffs, bool& openGray, bool& openXbit, int& xbitType,
+                                            bool& open18bit)
+{
+    openGray = openXbit = open18bit = false;
+    xbitType = 0;
+    return DocumentFile::read(path, [&](const QJsonObject& root) {
+        readMeasures(root, red, green, blue);
+        JsonFields::read(coeffTables, root, coeffs);
+        // These four come from other producers; this library never writes them.
+        readBool(root, QLatin1String("openGray"), openGray);
+        readBool(root, QLatin1String("openXbit"), openXbit);
+        readBool(root, QLatin1String("open18bit"), open18bit);
+        xbitType = root.value(QLatin1String("xbitType")).toInt(0);
+    });
+}
+
+bool PicQualityFileTool::readFineGrayConfig(const QString& path, QList<LXY>& red, QList<LXY>& green, QList<LXY>& blue,
+                                            FineGrayCoeffs& coeffs)
+{
+    bool openGray = false;
+    bool openXbit = false;
+    int xbitType = 0;
+    bool open18bit = false;
+    return readFineGrayConfig(path, red, green, blue, coeffs, openGray, openXbit, xbitType, open18bit);
+}
+
+bool PicQualityFileTool::readFineGrayConfig(const QString& path, QList<LXY>& red, QList<LXY>& green, QList<LXY>& blue,
+                                            FineGrayCoeffs& coeffs, GrayEffectPara& effect, GrayDetailPara& detail,
+                                            MagicGrayCoeffs& magicGray, Model::MagicGrayParam& magicGrayParam)
+{
+    return DocumentFile::read(path, [&](const QJsonObject& root) {
+        readMeasures(root, red, green, blue);
+        JsonFields::read(coeffTables, root, coeffs);
+        readSection(root, grayEffectKey, [&](const QJsonObject& section) { JsonTograyPara(section, effect); });
+        readSection(root, grayDetailKey, [&](const QJsonObject& section) { JsonTodetailPara(section, detail); });
+        readSection(root, magicGrayKey,
+                    [&](const QJsonObject& section) { JsonToMGCoeffs(section, magicGray, magicGrayParam); });
+    });
+}
+
+// Fine-gray cache
+
+bool PicQualityFileTool::writeFineGrayCache(const QString& path, const QList<LXY>& red, const QList<LXY>& green,
+                                            const QList<LXY>& blue)
+{
+    QJsonObject root;
+    writeMeasures(red, green, blue, root);
+    return DocumentFile::write(path, root);
+}
+
+bool PicQualityFileTool::updateFineGrayCache(const QString& path, const FineGrayAdvanceParam& advance)
+{
+    return updateDocument(path, [&](QJsonObject& root) {
+        QJsonObject section = GrayAdvaneToJson(advance);
+        if (root.contains(grayAdvanceKey))
+            judgeWUpdate(root, section);
+        root.insert(grayAdvanceKey, section);
+    });
+}
+
+bool PicQualityFileTool::updateFineGrayCache(const QString& path, const MagicGrayCoeffs& magicGray)
+{
+    return updateDocument(path, [&](QJsonObject& root) { MGMeasuresToJson(magicGray, root); });
+}
+
+bool PicQualityFileTool::readFineGrayCache(const QString& path, QList<LXY>& red, QList<LXY>& green, QList<LXY>& blue,
+                                           FineGrayAdvanceParam& advance)
+{
+    return DocumentFile::read(path, [&](const QJsonObject& root) {
+        readMeasures(root, red, green, blue);
+        readSection(root, grayAdvanceKey, [&](const QJsonObject& section) { getGrayAdvane(section, advance); });
+    });
+}
+
+bool PicQualityFileTool::readFineGrayCache(const QString& path, QList<LXY>& red, QList<LXY>& green, QList<LXY>& blue,
+                                           FineGrayAdvanceParam& advance, MagicGrayCoeffs& magicGray)
+{
+    return DocumentFile::read(path, [&](const QJsonObject& root) {
+        readMeasures(root, red, green, blue);
+        readSection(root, grayAdvanceKey, [&](const QJsonObject& section) { getGrayAdvane(section, advance); });
+        Model::MagicGrayParam unused; // the cache holds measurements only
+        JsonToMGCoeffs(root, magicGray, unused);
+    });
+}
+
+QJsonObject PicQualityFileTool::GrayAdvaneToJson(const FineGrayAdvanceParam& advance)
+{
+    QJsonObject coeffs;
+    JsonFields::write(advanceCoeffs, advance, coeffs);
+    QJsonObject targets;
+    JsonFields::write(advanceTargets, advance, targets);
+    QJsonObject object;
+    JsonFields::write(advanceNumbers, advance, object);
+    advanceWhite.write(advance, object);
+    advanceMagnitudes.write(advance, object);
+    object.insert(advanceCoeffsKey, coeffs);
+    object.insert(advanceTargetsKey, targets);
+    return object;
+}
+
+void PicQualityFileTool::getGrayAdvane(const QJsonObject& object, FineGrayAdvanceParam& advance)
+{
+    JsonFields::read(advanceNumbers, object, advance);
+    advanceWhite.read(object, advance);
+    advanceMagnitudes.read(object, advance);
+    readSection(object, advanceCoeffsKey,
+                [&](const QJsonObject& coeffs) { JsonFields::read(advanceCoeffs, coeffs, advance); });
+    readSection(object, advanceTargetsKey,
+                [&](const QJsonObject& targets) { JsonFields::read(advanceTargets, targets, advance); });
+}
+
+void PicQualityFileTool::judgeWUpdate(QJsonObject& root, QJsonObject& advance)
+{
+    const QJsonObject& fresh = advance;
+    const QJsonObject stored = root.value(grayAdvanceKey).toObject();
+    if (!stored.contains(wMeasureKey) || !fresh.contains(wMeasureKey))
+        return;
+    const QJsonArray old = stored.value(wMeasureKey).toArray();
+    if (old.size() <= fresh.value(wMeasureKey).toArray().size())
+        return;
+    for (int n = 1; n <= keptWhiteMeasures; ++n) {
+        const QString key = wMeasureKey + QString::number(n);
+        if (!root.contains(key)) {
+            root.insert(key, old);
+            return;
+        }
+    }
+}

@@ -1,0 +1,148 @@
+#pragma once
+
+#include <suite/model/lxy.h>
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QList>
+#include <QMap>
+#include <QString>
+#include <QVariant>
+#include <qualityutility/qualityutility_export.h>
+
+#include <map>
+#include <vector>
+
+namespace Model {
+struct FineGrayAdvanceParam;
+struct FineGrayCoeffs;
+class GrayDetailPara;
+class GrayEffectPara;
+class MagicGrayCoeffs;
+class MagicGrayParam;
+} // namespace Model
+
+/// Reads and writes the picture-quality documents: JSON files whose keys docs/documents.md lists. Static operations
+/// without state, on any thread; two calls on one file at a time are the caller's to prevent. They block for the file
+/// work. Nothing throws.
+///
+/// File operations are of three kinds, and log their failures as critical lines `file "<path>" <text>`:
+/// - Writers (write...) replace the document; updaters (update...) replace only their own keys and keep all others,
+/// creating a missing
+///   file as the empty fine-gray configuration. Both replace the file whole: after a kill or on a full disk it holds
+///   the old document or the new one. False with "open failed!!!" (a folder, no parent folder, no permission) or "write
+///   failed!!!"; an updater also with " invalid!!!" for an empty file. An updater takes what is not a JSON object for
+///   an empty one.
+/// - Readers (read...) fill what they find under a known key of the right type and leave every other output as it was.
+/// False with "can not
+///   find!!!", "open failed!!!" or, for an empty file, " invalid!!!"; content that is not JSON gives true and fills
+///   nothing.
+///
+/// Points are luminance (cd/m2) and CIE 1931 xy; their names are not stored.
+class QUALITYUTILITY_EXPORT PicQualityFileTool
+{
+public:
+    PicQualityFileTool() = delete;
+
+    using MeasureSeries = std::map<int, std::vector<Model::LXY>>;
+
+    /// Replaces `out` by the elements of the list, in order. Unsigned 32-bit values are written as the signed ones of
+    /// the same bits.
+    static void listToJsonArray(const QList<Model::LXY>& list, QJsonArray& out);
+    static void listToJsonArray(const std::vector<Model::LXY>& list, QJsonArray& out);
+    static void listToJsonArray(const std::vector<unsigned char>& list, QJsonArray& out);
+    static void listToJsonArray(const QList<unsigned char>& list, QJsonArray& out);
+    static void listToJsonArray(const std::vector<int>& list, QJsonArray& out);
+    static void listToJsonArray(const std::vector<unsigned int>& list, QJsonArray& out);
+    static void listToJsonArray(const QList<unsigned int>& list, QJsonArray& out);
+    static void listToJsonArray(const std::vector<double>& list, QJsonArray& out);
+    static void listToJsonArray(const QList<double>& list, QJsonArray& out);
+
+    /// Replaces `out` by the elements of the array. Points are taken from objects only, other elements are passed over;
+    /// of numbers every element counts, and one that does not convert (not a number, or not whole where integers are
+    /// wanted) is 0.
+    static void jsonArrayToList(const QJsonArray& array, QList<Model::LXY>& out);
+    static void jsonArrayToList(const QJsonArray& array, std::vector<Model::LXY>& out);
+    static void jsonArrayToList(const QJsonArray& array, std::vector<unsigned char>& out);
+    static void jsonArrayToList(const QJsonArray& array, QList<unsigned char>& out);
+    static void jsonArrayToList(const QJsonArray& array, std::vector<int>& out);
+    static void jsonArrayToList(const QJsonArray& array, std::vector<unsigned int>& out);
+    static void jsonArrayToList(const QJsonArray& array, QList<unsigned int>& out);
+    static void jsonArrayToList(const QJsonArray& array, std::vector<double>& out);
+    static void jsonArrayToList(const QJsonArray& array, QList<double>& out);
+
+    static QJsonObject lxyToJson(const Model::LXY& point);
+
+    /// Series in ascending order of their keys. The keys are not written: read back, they are 0, 1, 2, ...
+    static void mapToJsonArray(const MeasureSeries& series, QJsonArray& out);
+    static void jsonArrayToMap(const QJsonArray& array, MeasureSeries& out);
+
+    /// Copies a file over another, which is replaced whole; permissions come along. False, with the line `file
+    /// "<source>" not find`, when there is no source, and when the copy cannot be made: the destination is then as it
+    /// was.
+    static bool copyFile(const QString& source, const QString& destination);
+
+    /// Returns 0.
+    static int test();
+    /// Returns true; a placeholder that hosts may call.
+    static bool sendGrayFileData(const QList<double>& red, const QList<double>& green, const QList<double>& blue,
+                                 const Model::FineGrayCoeffs& coeffs);
+
+    // Gray state: the sections "grayEffectPara" and "grayDetailPara" of the fine-gray configuration.
+
+    static bool updateGrayStateConfig(const QString& path, const Model::GrayEffectPara& effect,
+                                      const Model::GrayDetailPara& detail);
+    static QJsonObject grayParaToJson(const Model::GrayEffectPara& effect);
+    static QJsonObject detailParaToJson(const Model::GrayDetailPara& detail);
+    static void JsonTograyPara(const QJsonObject& object, Model::GrayEffectPara& effect);
+    static void JsonTodetailPara(const QJsonObject& object, Model::GrayDetailPara& detail);
+    /// The peak values of the section: taken only when they are marked valid; the mark itself is set here and never
+    /// cleared.
+    static void JsonToLumPara(const QJsonObject& object, Model::GrayDetailPara& detail);
+
+    // Magic gray: the section "mgData" of the fine-gray configuration, and its measurements at the root of the cache.
+
+    /// Replaces the section; `param` is not written.
+    static bool updateMGGrayConfig(const QString& path, const Model::MagicGrayCoeffs& coeffs,
+                                   const Model::MagicGrayParam& param);
+    static void MGMeasuresToJson(const Model::MagicGrayCoeffs& coeffs, QJsonObject& object);
+    static void JsonToMGCoeffs(const QJsonObject& object, Model::MagicGrayCoeffs& coeffs, Model::MagicGrayParam& param);
+
+    // Fine-gray configuration.
+
+    /// Writer: all earlier sections are dropped.
+    static bool writeFineGrayConfig(const QString& path, const QList<Model::LXY>& red, const QList<Model::LXY>& green,
+                                    const QList<Model::LXY>& blue, const Model::FineGrayCoeffs& coeffs);
+    /// The four switches are reset before anything else, also when the file is missing.
+    static bool readFineGrayConfig(const QString& path, QList<Model::LXY>& red, QList<Model::LXY>& green,
+                                   QList<Model::LXY>& blue, Model::FineGrayCoeffs& coeffs, bool& openGray,
+                                   bool& openXbit, int& xbitType, bool& open18bit);
+    static bool readFineGrayConfig(const QString& path, QList<Model::LXY>& red, QList<Model::LXY>& green,
+                                   QList<Model::LXY>& blue, Model::FineGrayCoeffs& coeffs);
+    static bool readFineGrayConfig(const QString& path, QList<Model::LXY>& red, QList<Model::LXY>& green,
+                                   QList<Model::LXY>& blue, Model::FineGrayCoeffs& coeffs,
+                                   Model::GrayEffectPara& effect, Model::GrayDetailPara& detail,
+                                   Model::MagicGrayCoeffs& magicGray, Model::MagicGrayParam& magicGrayParam);
+
+    // Fine-gray cache.
+
+    static bool writeFineGrayCache(const QString& path, const QList<Model::LXY>& red, const QList<Model::LXY>& green,
+                                   const QList<Model::LXY>& blue);
+    /// Replaces "grayAdvance". White measurements that a shorter list replaces are kept, see judgeWUpdate.
+    static bool updateFineGrayCache(const QString& path, const Model::FineGrayAdvanceParam& advance);
+    static bool updateFineGrayCache(const QString& path, const Model::MagicGrayCoeffs& magicGray);
+    static bool readFineGrayCache(const QString& path, QList<Model::LXY>& red, QList<Model::LXY>& green,
+                                  QList<Model::LXY>& blue, Model::FineGrayAdvanceParam& advance);
+    static bool readFineGrayCache(const QString& path, QList<Model::LXY>& red, QList<Model::LXY>& green,
+                                  QList<Model::LXY>& blue, Model::FineGrayAdvanceParam& advance,
+                                  Model::MagicGrayCoeffs& magicGray);
+    static QJsonObject GrayAdvaneToJson(const Model::FineGrayAdvanceParam& advance);
+    static void getGrayAdvane(const QJsonObject& object, Model::FineGrayAdvanceParam& advance);
+    /// When the stored "grayAdvance" of `root` has more white measurements than `advance`, they are kept in `root`
+    /// under the first free key of "wMeasure1" to "wMeasure9"; with none free they are dropped.
+    static void judgeWUpdate(QJsonObject& root, QJsonObject& advance);
+};
+
+/// A point from its members "lum", "x" and "y", each converted as QVariant::toDouble does; 0 for a missing one. The
+/// name is empty.
+QUALITYUTILITY_EXPORT Model::LXY getLxy(QMap<QString, QVariant> map);
