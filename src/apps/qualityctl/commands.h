@@ -8,4 +8,6 @@ class App;
 
 // Each adds its sub-commands to `app`; when one is parsed it is left in `chosen`.
 void addWallCommands(CLI::App& app, Command& chosen);
+void addDocCommands(CLI::App& app, Command& chosen);
+void addGrayCommands(CLI::App& app, Command& chosen);
 void addSendCommands(CLI::App& app, Command& chosen);

@@ -1,13 +1,11 @@
 #include "gamutargument.h"
 
+#include "inputfile.h"
 #include "output.h"
-#include "wallargument.h"
 
 #include <suite/colour/primaries.h>
 
-#include <QFile>
 #include <QFileInfo>
-#include <QJsonDocument>
 #include <QStringList>
 
 #include <cmath>
@@ -78,14 +76,7 @@ Model::LXY readPoint(const QJsonObject& gamut, const QString& key, const QString
 
 Model::ColorGamutInfo fromFile(const QString& path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        throw CommandError{ExitCode::NoInput, QStringLiteral("gamut %1: %2").arg(path, file.errorString())};
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
-    if (error.error != QJsonParseError::NoError)
-        refuse(path, QStringLiteral("not JSON: %1 (byte %2)").arg(error.errorString()).arg(error.offset));
-    const QJsonObject object = document.object();
+    const QJsonObject object = readJsonObject(path, QStringLiteral("gamut"));
     Model::ColorGamutInfo gamut;
     gamut.rLxy = readPoint(object, QStringLiteral("RedPoint"), path);
     gamut.gLxy = readPoint(object, QStringLiteral("GreenPoint"), path);

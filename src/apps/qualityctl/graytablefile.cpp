@@ -1,8 +1,8 @@
 #include "graytablefile.h"
 
+#include "inputfile.h"
 #include "output.h"
 
-#include <QFile>
 #include <QRegularExpression>
 #include <QStringList>
 #include <QTextStream>
@@ -30,12 +30,9 @@ bool isHeading(const QStringList& columns)
 
 GrayTableFile readGrayTable(const QString& path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-        throw CommandError{ExitCode::NoInput, QStringLiteral("gray table %1: %2").arg(path, file.errorString())};
     static const QRegularExpression separators(QStringLiteral("[,;\\s]+"));
     GrayTableFile table;
-    QTextStream stream(&file);
+    QTextStream stream(readInputFile(path, QStringLiteral("gray table")));
     bool isFirst = true;
     for (int number = 1; !stream.atEnd(); ++number) {
         const QString line = stream.readLine().trimmed();

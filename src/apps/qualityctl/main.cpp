@@ -14,6 +14,8 @@ constexpr char footer[] = R"(Examples:
   qualityctl send gray --table examples/gray-table.csv --frequency 60
   qualityctl send mode --gamut on --json
   qualityctl send gamut --gamut rec709 --device left --cabinet 1-4 --dry-run
+  qualityctl gray write --calibration examples/gray-calibration.json --out out
+  qualityctl doc show out/fine-gray.gray
 
 Without --wall the built-in example wall is used; all walls are simulated in this process.
 
@@ -47,6 +49,8 @@ int run(int argc, char** argv)
     Command chosen;
     addWallCommands(app, chosen);
     addSendCommands(app, chosen);
+    addGrayCommands(app, chosen);
+    addDocCommands(app, chosen);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& request) { // --help and --version

@@ -1,12 +1,11 @@
 #include "commands.h"
 #include "gamutargument.h"
 #include "graytablefile.h"
+#include "inputfile.h"
 #include "sendrun.h"
 
 #include <CLI/CLI.hpp>
 
-#include <QFile>
-#include <QFileInfo>
 #include <qualityutility/tool/sender4th/cabinetsender.h>
 
 namespace {
@@ -35,7 +34,6 @@ struct SendArguments
 SendStep grayStep(const SendArguments& arguments)
 {
     const QString path = QString::fromStdString(arguments.table);
-    requireReadableFile(path, QStringLiteral("gray table"));
     const auto table = std::make_shared<const GrayTableFile>(readGrayTable(path));
     const int frequency = arguments.frequency;
     SendStep step;
@@ -137,9 +135,7 @@ SendStep modeStep(const SendArguments& arguments)
 SendStep binStep(const SendArguments& arguments)
 {
     const QString path = QString::fromStdString(arguments.binary);
-    requireReadableFile(path, QStringLiteral("binary"));
-    QFile file(path);
-    const QByteArray content = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    const QByteArray content = readInputFile(path, QStringLiteral("binary"));
     SendStep step;
     step.name = QStringLiteral("bin");
     step.summary = QStringLiteral("receiving-card binary %1, %2 bytes").arg(path).arg(content.size());

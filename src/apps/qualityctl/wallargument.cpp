@@ -1,7 +1,7 @@
 #include "wallargument.h"
 
-#include <QFile>
-#include <QFileInfo>
+#include "inputfile.h"
+
 #include <QStringList>
 
 #include <algorithm>
@@ -24,18 +24,6 @@ unsigned long long parseCabinet(const QString& text, const QString& whole)
 }
 
 } // namespace
-
-void requireReadableFile(const QString& path, const QString& what)
-{
-    const QFileInfo info(path);
-    QFile file(path);
-    if (!info.exists())
-        throw CommandError{ExitCode::NoInput, QStringLiteral("%1 %2: no such file").arg(what, path)};
-    if (info.isDir())
-        throw CommandError{ExitCode::NoInput, QStringLiteral("%1 %2: expected a file, found a folder").arg(what, path)};
-    if (!file.open(QIODevice::ReadOnly))
-        throw CommandError{ExitCode::NoInput, QStringLiteral("%1 %2: %3").arg(what, path, file.errorString())};
-}
 
 OpenWall openWall(const WallArgument& argument)
 {

@@ -33,6 +33,3 @@ QJsonValue cidToJson(unsigned long long cid);
 /// The targets that the argument names: all devices and cabinets unless it names some. Throws CommandError: usage, for
 /// a device or cabinet that the wall does not have; bad data, for a wall without devices.
 CabinetSenderSpace::CabinetTargetMap selectTargets(const OpenWall& wall, const WallArgument& argument);
-
-/// Throws CommandError: no input, unless `path` is a file that can be read. `what` names its role.
-void requireReadableFile(const QString& path, const QString& what);

@@ -1,0 +1,135 @@
+#include "commands.h"
+#include "graycalibration.h"
+#include "hostlog.h"
+
+#include <CLI/CLI.hpp>
+#include <suite/model/finegray.h>
+#include <suite/model/graydetailpara.h>
+#include <suite/model/grayeffectpara.h>
+#include <suite/model/magicgraycoeffs.h>
+#include <suite/model/magicgrayparam.h>
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <qualityutility/tool/file/picqualityfiletool.h>
+
+namespace {
+
+using Tool = PicQualityFileTool;
+
+struct GrayArguments
+{
+    std::string calibration;
+    std::string out;
+    bool force = false;
+};
+
+struct Paths
+{
+    QString config;
+    QString cache;
+};
+
+Paths preparePaths(const GrayArguments& arguments)
+{
+    const QString folder = QString::fromStdString(arguments.out);
+    if (QFileInfo::exists(folder) && !QFileInfo(folder).isDir())
+        throw CommandError{ExitCode::CannotCreate,
+                           QStringLiteral("--out %1: expected a folder, found a file").arg(folder)};
+    if (!QDir().mkpath(folder))
+        throw CommandError{ExitCode::CannotCreate, QStringLiteral("--out %1: the folder cannot be made").arg(folder)};
+    const Paths paths{QDir(folder).filePath(QStringLiteral("fine-gray.gray")),
+                      QDir(folder).filePath(QStringLiteral("grayCache.gray"))};
+    for (const QString& path : {paths.config, paths.cache}) {
+        if (QFileInfo::exists(path) && !arguments.force)
+            throw CommandError{ExitCode::CannotCreate, QStringLiteral("%1 exists").arg(path),
+                               QStringLiteral("--force replaces it")};
+    }
+    return paths;
+}
+
+bool writeConfiguration(const QString& path, const GrayCalibration& calibration)
+{
+    return Tool::writeFineGrayConfig(path, calibration.red, calibration.green, calibration.blue, calibration.coeffs) &&
+           Tool::updateGrayStateConfig(path, calibration.effect, calibration.detail) &&
+           Tool::updateMGGrayConfig(path, calibration.magicGray, {});
+}
+
+bool writeCache(const QString& path, const GrayCalibration& calibration)
+{
+    return Tool::writeFineGrayCache(path, calibration.red, calibration.green, calibration.blue) &&
+           Tool::updateFineGrayCache(path, calibration.advance) &&
+           Tool::updateFineGrayCache(path, calibration.magicGray);
+}
+
+/// What a configuration or a cache gives back of a calibration, compared with it.
+bool configurationHolds(const QString& path, const GrayCalibration& calibration)
+{
+    GrayCalibration back;
+    Model::MagicGrayParam param;
+    return Tool::readFineGrayConfig(path, back.red, back.green, back.blue, back.coeffs, back.effect, back.detail,
+                                    back.magicGray, param) &&
+           back.red == calibration.red && back.green == calibration.green && back.blue == calibration.blue &&
+           back.coeffs == calibration.coeffs && back.effect == calibration.effect &&
+           back.detail == calibration.detail && back.magicGray == calibration.magicGray;
+}
+
+bool cacheHolds(const QString& path, const GrayCalibration& calibration)
+{
+    GrayCalibration back;
+    back.magicGray.getCurrentLUTs() = calibration.magicGray.getCurrentLUTs(); // the cache keeps no tables
+    return Tool::readFineGrayCache(path, back.red, back.green, back.blue, back.advance, back.magicGray) &&
+           back.red == calibration.red && back.green == calibration.green && back.blue == calibration.blue &&
+           back.advance == calibration.advance && back.magicGray == calibration.magicGray;
+}
+
+CommandResult writeDocuments(const GrayArguments& arguments, const Output& output)
+{
+    const GrayCalibration calibration = readGrayCalibration(QString::fromStdString(arguments.calibration));
+    const Paths paths = preparePaths(arguments);
+    HostLog::install(output.quiet);
+    if (!writeConfiguration(paths.config, calibration) || !writeCache(paths.cache, calibration))
+        throw CommandError{
+            ExitCode::InputOutput,
+            QStringLiteral("%1: the documents cannot be written").arg(QString::fromStdString(arguments.out))};
+    CommandResult result;
+    QList<QStringList> rows{{QStringLiteral("document"), QStringLiteral("bytes"), QStringLiteral("read back")}};
+    QJsonArray documents;
+    const auto add = [&](const QString& path, bool isEqual) {
+        const QFileInfo info(path);
+        rows.append(QStringList{path, QString::number(info.size()),
+                                isEqual ? QStringLiteral("equal") : QStringLiteral("DIFFERENT")});
+        documents.append(QJsonObject{{QStringLiteral("path"), path},
+                                     {QStringLiteral("bytes"), info.size()},
+                                     {QStringLiteral("equal"), isEqual}});
+        if (!isEqual)
+            result.error =
+                CommandError{ExitCode::Difference, QStringLiteral("%1: what is read back differs").arg(path)};
+    };
+    add(paths.config, configurationHolds(paths.config, calibration));
+    add(paths.cache, cacheHolds(paths.cache, calibration));
+    result.text = textTable(rows);
+    result.json.insert(QStringLiteral("documents"), documents);
+    return result;
+}
+
+} // namespace
+
+void addGrayCommands(CLI::App& app, Command& chosen)
+{
+    CLI::App* gray = app.add_subcommand("gray", "Work with gray calibrations");
+    gray->require_subcommand(1);
+    CLI::App* write =
+        gray->add_subcommand("write", "Write a calibration as configuration and cache, and read both back");
+    const auto arguments = std::make_shared<GrayArguments>();
+    write
+        ->add_option("--calibration", arguments->calibration,
+                     "Gray calibration (JSON), see examples/gray-calibration.json")
+        ->required();
+    write->add_option("--out", arguments->out, "Folder for the documents; made when it is missing")->required();
+    write->add_flag("--force", arguments->force, "Replace documents that are there");
+    write->callback([&chosen, arguments] {
+        chosen = [arguments](const Output& output) { return writeDocuments(*arguments, output); };
+    });
+}
