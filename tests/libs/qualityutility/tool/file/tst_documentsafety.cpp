@@ -11,6 +11,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QJsonDocument>
 #include <QProcess>
@@ -19,6 +20,7 @@
 #include <qualityutility/tool/file/picqualityfiletool.h>
 
 #include <csignal>
+#include <cstdio>
 #include <random>
 
 using Tool = PicQualityFileTool;
@@ -41,6 +43,8 @@ QList<LXY> manyPoints(int count)
 int updateForever(const QString& path)
 {
     Model::FineGrayAdvanceParam param;
+    std::puts("ready");
+    std::fflush(stdout);
     for (;;) {
         ++param.maxNum;
         if (!Tool::updateFineGrayCache(path, param))
@@ -99,14 +103,18 @@ private Q_SLOTS:
         const auto points = manyPoints(pointsOfAMegabyte);
         QVERIFY(Tool::writeFineGrayCache(m_path, points, points, points));
         QVERIFY(QFile(m_path).size() > 1000000);
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(Tool::updateFineGrayCache(m_path, Model::FineGrayAdvanceParam()));
+        // Moments spread over the first three updates of each process, however fast this machine and build are.
         std::mt19937 random(20261121);
-        std::uniform_int_distribution<unsigned long> moment(20, 120);
+        std::uniform_int_distribution<int> moment(1, 3 * static_cast<int>(timer.elapsed()));
         int updates = 0;
         for (int i = 0; i < kills; ++i) {
             QProcess process;
             process.start(QCoreApplication::applicationFilePath(), {loopArgument, m_path});
-            QVERIFY(process.waitForStarted());
-            QTest::qSleep(static_cast<int>(moment(random))); // the moment of the kill is what is tested
+            QVERIFY(process.waitForReadyRead());
+            QTest::qSleep(moment(random)); // the moment of the kill is what is tested
             process.kill();
             QVERIFY(process.waitForFinished());
             QJsonParseError error;
