@@ -1,0 +1,15 @@
+#include "systemservice.h"
+
+#include <QStandardPaths>
+
+namespace Service {
+
+QString SystemService::getRoamingCompanyPath()
+{
+    const QString given = qEnvironmentVariable("SUITE_COMPANY_DIR");
+    if (!given.isEmpty())
+        return given;
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/LedSuite");
+}
+
+} // namespace Service
