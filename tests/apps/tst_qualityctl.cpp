@@ -65,6 +65,8 @@ private:
     QTemporaryDir m_folder;
 
 private Q_SLOTS:
+    void initTestCase() { qputenv("SUITE_COMPANY_DIR", m_folder.filePath("company").toLocal8Bit()); }
+
     void modeChangesTheGamutBitOfEachCabinetAndNothingElse()
     {
         const Run done = run({"send", "mode", "--gamut", "on", "--json", "--wall", wall("{}")});
@@ -170,6 +172,8 @@ private Q_SLOTS:
         row("gray write --calibration absent.json --out x", 66, "gray calibration absent.json: no such file");
         row("gray write --calibration wall.json --out x", 65, "red: expected an array");
         row("gray write --calibration gray-calibration.json --out wall.json", 73, "expected a folder, found a file");
+        row("settings set Speed 3", 64, "the library writes only freq and open-path");
+        row("settings set freq fast", 64, "freq: expected a frequency in Hz above 0, found \"fast\"");
         row("doc check absent.gray", 66, "document absent.gray: no such file");
         row("doc check gray-table.csv", 65, "not JSON");
         row("doc show wall.json", 65, "not a picture-quality document");
@@ -208,6 +212,18 @@ private Q_SLOTS:
                  qPrintable(shown.out));
         QCOMPARE(run(arguments).exitCode, 73); // nothing is overwritten without being asked
         QCOMPARE(run(arguments + QStringList("--force")).exitCode, 0);
+    }
+
+    void builtInTablesAndSettingsAreShown()
+    {
+        const QJsonArray tables = run({"gray", "tables", "--json"}).json()["tables"].toArray();
+        QCOMPARE(tables.size(), 15);
+        QCOMPARE(tables[12]["table"].toString(), "nGray_16");
+        QCOMPARE(tables[12]["last"].toInt(), 65535);
+        const QJsonObject shown = run({"settings", "show", "--json"}).json();
+        QCOMPARE(shown["settings"]["frequency_hz"].toDouble(), 60.0); // the shipped file, beside the executable
+        QVERIFY(QFile::exists(shown["file"].toString()));
+        QVERIFY(QFile::exists(m_folder.filePath("company/qualityadjust/data/defaultcolorgamut.cfg")));
     }
 
     void aFaultyDocumentIsToldByPath_data()

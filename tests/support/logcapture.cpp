@@ -19,7 +19,6 @@ void keep(const LogCapture::Line& line)
 
 void onQtMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
-    // Qt Test reports failures through the handler that it finds; everything else is kept.
     keep({text, type, QString::fromLatin1(context.category), spdlog::level::off, {}, {}});
 }
 

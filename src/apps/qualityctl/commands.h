@@ -10,4 +10,5 @@ class App;
 void addWallCommands(CLI::App& app, Command& chosen);
 void addDocCommands(CLI::App& app, Command& chosen);
 void addGrayCommands(CLI::App& app, Command& chosen);
+void addSettingsCommands(CLI::App& app, Command& chosen);
 void addSendCommands(CLI::App& app, Command& chosen);

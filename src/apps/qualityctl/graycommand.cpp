@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonArray>
+#include <qualityutility/resource/picqualityresource.h>
 #include <qualityutility/tool/file/picqualityfiletool.h>
 
 namespace {
@@ -114,12 +115,40 @@ CommandResult writeDocuments(const GrayArguments& arguments, const Output& outpu
     return result;
 }
 
+CommandResult listTables(const Output& output)
+{
+    HostLog::install(output.quiet);
+    PicQualityResource& resource = *PicQualityResource::getInstance();
+    resource.initResourceFile();
+    QList<QStringList> rows{
+        {QStringLiteral("table"), QStringLiteral("numbers"), QStringLiteral("first"), QStringLiteral("last")}};
+    QJsonArray tables;
+    const auto add = [&](const QString& name, const auto& table) {
+        const double first = table.isEmpty() ? 0 : table.first();
+        const double last = table.isEmpty() ? 0 : table.last();
+        rows.append(
+            QStringList{name, QString::number(table.size()), QString::number(first), QString::number(last, 'f', 0)});
+        tables.append(QJsonObject{{QStringLiteral("table"), name},
+                                  {QStringLiteral("numbers"), table.size()},
+                                  {QStringLiteral("first"), first},
+                                  {QStringLiteral("last"), last}});
+    };
+    for (int i = 0; i < PicQualityResource::GrayTableCount; ++i) {
+        const auto table = static_cast<PicQualityResource::GrayTable>(i);
+        add(QFileInfo(PicQualityResource::grayTablePath(table)).baseName(), resource.grayTable(table));
+    }
+    add(QStringLiteral("LUT_INDEX"), resource.lutIndexTable());
+    add(QStringLiteral("nGray_White"), resource.whiteGrayTable());
+    return {textTable(rows), {{QStringLiteral("tables"), tables}}};
+}
+
 } // namespace
 
 void addGrayCommands(CLI::App& app, Command& chosen)
 {
     CLI::App* gray = app.add_subcommand("gray", "Work with gray calibrations");
     gray->require_subcommand(1);
+    gray->add_subcommand("tables", "List the built-in gray tables")->callback([&chosen] { chosen = listTables; });
     CLI::App* write =
         gray->add_subcommand("write", "Write a calibration as configuration and cache, and read both back");
     const auto arguments = std::make_shared<GrayArguments>();

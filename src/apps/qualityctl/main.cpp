@@ -51,6 +51,7 @@ int run(int argc, char** argv)
     addSendCommands(app, chosen);
     addGrayCommands(app, chosen);
     addDocCommands(app, chosen);
+    addSettingsCommands(app, chosen);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& request) { // --help and --version

@@ -39,17 +39,21 @@ QList<LXY> manyPoints(int count)
     return list;
 }
 
-/// What the killed process does: updates the document, each time with other values.
+/// What the killed process does: updates the document, each time with other values. It ends by itself if nobody kills
+/// it.
 int updateForever(const QString& path)
 {
     Model::FineGrayAdvanceParam param;
     std::puts("ready");
     std::fflush(stdout);
-    for (;;) {
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < 60000) {
         ++param.maxNum;
         if (!Tool::updateFineGrayCache(path, param))
             return 1;
     }
+    return 0;
 }
 
 /// A limit on the size of files that this process writes, while it lives: a disk that is full.

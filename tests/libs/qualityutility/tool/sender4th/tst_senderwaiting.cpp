@@ -68,11 +68,12 @@ private:
     bool isMarked() const { return m_cabinet->getDisplayEffectPara().getFineGrayValid(); }
 
     std::shared_ptr<Model::Cabinet> m_cabinet;
-    LogCapture m_log; // keeps the expected error lines off the terminal
+    QScopedPointer<LogCapture> m_log; // keeps the expected error lines off the terminal
 
 private Q_SLOTS:
     void init()
     {
+        m_log.reset(new LogCapture);
         s_kept.clear();
         s_onSend = nullptr;
         m_cabinet = std::make_shared<Model::Cabinet>(1);
@@ -80,6 +81,8 @@ private Q_SLOTS:
         entry.device->getBase().setId("a");
         Service::ModelService::setDevices({entry});
     }
+
+    void cleanup() { m_log.reset(); }
 
     void theFirstAnswerCountsWhereverItComesFrom_data()
     {

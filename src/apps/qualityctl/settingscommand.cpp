@@ -1,0 +1,119 @@
+#include "commands.h"
+#include "hostlog.h"
+
+#include <CLI/CLI.hpp>
+
+#include <QFileInfo>
+#include <qualityutility/resource/picqualityresource.h>
+
+#include <cmath>
+
+namespace {
+
+struct SetArguments
+{
+    std::string key;
+    std::string value;
+};
+
+/// The double that reads as the float does.
+double toDouble(float value)
+{
+    return QString::number(static_cast<double>(value), 'g', 7).toDouble();
+}
+
+PicQualityResource& openResource(const Output& output)
+{
+    HostLog::install(output.quiet);
+    return *PicQualityResource::getInstance();
+}
+
+CommandResult showSettings(const Output& output)
+{
+    const PicQualityResource& resource = openResource(output);
+    const PicQualitySettings& s = resource.settings();
+    const QList<QPair<QString, QJsonValue>> values{
+        {QStringLiteral("custom_timeout_s"), s.customTimeout},
+        {QStringLiteral("last_open_path"), s.lastOpenPath},
+        {QStringLiteral("gray_advance_state"), s.grayAdvanceState},
+        {QStringLiteral("gray_max_w_com"), s.grayMaxWCom},
+        {QStringLiteral("custom_color_coordinate"), s.customColorCoordinate},
+        {QStringLiteral("color_temperature_k"), s.colorTemp},
+        {QStringLiteral("white_x"), s.xCom},
+        {QStringLiteral("white_y"), s.yCom},
+        {QStringLiteral("frequency_mode"), s.freqMode},
+        {QStringLiteral("frequency_hz"), toDouble(s.freq)},
+        {QStringLiteral("speed"), s.speed},
+        {QStringLiteral("luminance_mode"), s.lvMode},
+        {QStringLiteral("display_mode"), s.displayMode},
+        {QStringLiteral("channel"), s.channelNo},
+        {QStringLiteral("frequencies"), s.freqList.join(QStringLiteral(", "))},
+        {QStringLiteral("magic_gray_state"), s.magicGrayState},
+        {QStringLiteral("measure_wait_ms"), s.measureWaitTime},
+        {QStringLiteral("default_max_luminance_cd_m2"), s.defaultMaxLum},
+        {QStringLiteral("peak_brightness_scale"), s.peakBrightnessScale},
+        {QStringLiteral("default_gamut_coefficient"), toDouble(s.defaultCoeff)}};
+    QList<QStringList> rows{{QStringLiteral("setting"), QStringLiteral("value")}};
+    QJsonObject json;
+    for (const auto& [key, value] : values) {
+        rows.append(QStringList{key, value.toVariant().toString()});
+        json.insert(key, value);
+    }
+    const QString file = resource.getSettingsFile();
+    return {QStringLiteral("%1\n\n").arg(file) + textTable(rows),
+            {{QStringLiteral("file"), file}, {QStringLiteral("settings"), json}}};
+}
+
+float parseFrequency(const QString& text)
+{
+    bool converted = false;
+    const float frequency = text.toFloat(&converted);
+    if (!converted || !std::isfinite(frequency) || frequency <= 0.0F)
+        throw CommandError{ExitCode::Usage,
+                           QStringLiteral("freq: expected a frequency in Hz above 0, found \"%1\"").arg(text)};
+    return frequency;
+}
+
+CommandResult setSetting(const SetArguments& arguments, const Output& output)
+{
+    const QString key = QString::fromStdString(arguments.key);
+    const QString value = QString::fromStdString(arguments.value);
+    if (key != QLatin1String("freq") && key != QLatin1String("open-path"))
+        throw CommandError{
+            ExitCode::Usage, QStringLiteral("settings set %1: the library writes only freq and open-path").arg(key),
+            QStringLiteral("other keys are changed in the settings file itself; settings show names it")};
+    const float frequency = key == QLatin1String("freq") ? parseFrequency(value) : 0.0F;
+    PicQualityResource& target = openResource(output);
+    const QString file = target.getSettingsFile();
+    if (!QFileInfo(file).isFile())
+        throw CommandError{ExitCode::NoInput, QStringLiteral("settings file %1: no such file").arg(file)};
+    if (key == QLatin1String("freq"))
+        target.setFreq(frequency);
+    else
+        target.setLastOpenPath(value);
+    PicQualityResource::releaseInstance(); // and read back what the file now says
+    const PicQualityResource& fresh = openResource(output);
+    const bool isStored = key == QLatin1String("freq") ? std::abs(fresh.getFreq() - frequency) < 0.0051F
+                                                       : fresh.getLastOpenPath() == value;
+    if (!isStored)
+        throw CommandError{ExitCode::InputOutput,
+                           QStringLiteral("settings file %1: the value was not stored").arg(file)};
+    return {QStringLiteral("%1: %2 = %3\n").arg(file, key, value),
+            {{QStringLiteral("file"), file}, {QStringLiteral("key"), key}, {QStringLiteral("value"), value}}};
+}
+
+} // namespace
+
+void addSettingsCommands(CLI::App& app, Command& chosen)
+{
+    CLI::App* settings = app.add_subcommand("settings", "Look at the settings file beside the executable");
+    settings->require_subcommand(1);
+    settings->add_subcommand("show", "Print the settings that hold")->callback([&chosen] { chosen = showSettings; });
+    CLI::App* set = settings->add_subcommand("set", "Set freq (Hz) or open-path");
+    const auto arguments = std::make_shared<SetArguments>();
+    set->add_option("KEY", arguments->key, "freq or open-path")->required();
+    set->add_option("VALUE", arguments->value, "The new value")->required();
+    set->callback([&chosen, arguments] {
+        chosen = [arguments](const Output& output) { return setSetting(*arguments, output); };
+    });
+}

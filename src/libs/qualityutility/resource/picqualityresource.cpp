@@ -1,0 +1,200 @@
+#include "picqualityresource.h"
+
+#include "graytabletext_p.h"
+#include "settingswriteback_p.h"
+
+#include <suite/service/systemservice.h>
+
+#include <QCoreApplication>
+#include <QDebug>
+#include <QDir>
+#include <QEventLoop>
+#include <QFile>
+#include <QFileInfo>
+#include <QSettings>
+#include <qualityutility/publishedinstance_p.h>
+
+namespace {
+
+QMutex m_lock; // creation of the instance
+
+/// The first two carry their own spelling.
+constexpr const char* grayTableNames[PicQualityResource::GrayTableCount] = {
+    "nGrary_10.txt",    "nGrary_10_Low.txt", "nGray_11.txt",     "nGray_11_Low.txt", "nGray_12.txt",
+    "nGray_12_Low.txt", "nGray_13.txt",      "nGray_13_Low.txt", "nGray_14.txt",     "nGray_14_Low.txt",
+    "nGray_15.txt",     "nGray_15_Low.txt",  "nGray_16.txt"};
+
+void logMissing(const QString& file)
+{
+    qCritical().noquote() << QStringLiteral("file %1 not exist!!!").arg(file);
+}
+
+template <typename T>
+bool parseGray(const QString& path, QList<T>& list)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        logMissing(path);
+        return false;
+    }
+    appendGrayNumbers(file.readAll(), list);
+    qInfo().noquote() << QStringLiteral("read done, list size is %1").arg(list.size());
+    return true;
+}
+
+} // namespace
+
+/// Resources are found in the order of their registration, and ours came with the library: registered anew they stand
+/// behind a host's of the same names. (The macros do not work in a namespace.)
+static void putOwnTablesLast()
+{
+    Q_CLEANUP_RESOURCE(qualityutility_graytables);
+    Q_INIT_RESOURCE(qualityutility_graytables);
+}
+
+std::atomic<PicQualityResource*> PicQualityResource::m_instance{nullptr};
+
+PicQualityResource::PicQualityResource()
+    : m_colorGamutFile(QStringLiteral("colorgamut.cfg")),
+      m_lutIndexPath(QStringLiteral(":/qualityadjust/resource/LUT_INDEX.txt")),
+      m_whiteGrayPath(QStringLiteral(":/qualityadjust/resource/nGray_White.txt")),
+      m_moduleFolder(QStringLiteral("qualityadjust")), m_dataFolder(QStringLiteral("data")),
+      m_defaultColorGamutFile(QStringLiteral("defaultcolorgamut.cfg")),
+      m_niccTransferFile(QStringLiteral("niccpath.nicc")), m_grayTransferFile(QStringLiteral("graypath.gray")),
+      m_rvCardConfigFile(QStringLiteral("rvCardConfig.nrf")),
+      m_coeffsPackConfigFile(QStringLiteral("coeffsPackConfig.nrf")),
+      m_legacyConfigFolder(QStringLiteral("/AppData/Roaming/Lumorix 2012/Config")),
+      m_imageEqualityAddressFile(QStringLiteral("ImageEqualityAddress.ini")),
+      m_fineGrayCacheFile(QStringLiteral("grayCache.gray")),
+      m_fineGrayTempCacheFile(QStringLiteral("grayCachetemp.gray")),
+      m_settingsFile(QStringLiteral("picqualityconfigfile.ini"))
+{
+    initCacheFile();
+    parsePicqualityConfigFile(m_settingsFile);
+}
+
+PicQualityResource::~PicQualityResource()
+{
+    if (isRunning())
+        requestInterruption();
+    // run() does not look at the request, but it takes milliseconds; a thread object must not go before its thread.
+    wait();
+}
+
+PicQualityResource* PicQualityResource::getInstance()
+{
+    return publishedInstance(m_instance, m_lock, [] { return new PicQualityResource; });
+}
+
+void PicQualityResource::releaseInstance()
+{
+    releasePublishedInstance(m_instance);
+}
+
+void PicQualityResource::initCacheFile()
+{
+    const QString data =
+        Service::SystemService::getRoamingCompanyPath() + QStringLiteral("/%1/%2/").arg(m_moduleFolder, m_dataFolder);
+    if (!QDir(data).exists())
+        QDir().mkpath(data);
+    const QString application = QCoreApplication::applicationDirPath() + QLatin1Char('/') + m_moduleFolder;
+
+    const auto inData = [&data](const QString& path) { return data + QFileInfo(path).fileName(); };
+    m_defaultColorGamutFile = inData(m_defaultColorGamutFile);
+    if (!QFile::exists(m_defaultColorGamutFile))
+        QFile::copy(application + QLatin1Char('/') + QFileInfo(m_defaultColorGamutFile).fileName(),
+                    m_defaultColorGamutFile);
+    m_colorGamutFile = application + QLatin1Char('/') + QFileInfo(m_colorGamutFile).fileName();
+    m_settingsFile = application + QStringLiteral("_config/") + QFileInfo(m_settingsFile).fileName();
+    m_fineGrayCacheFile = inData(m_fineGrayCacheFile);
+    m_fineGrayTempCacheFile = inData(m_fineGrayTempCacheFile);
+
+    // What the previous run left for transfer is gone; its caches stay.
+    for (QString* file : {&m_niccTransferFile, &m_grayTransferFile, &m_rvCardConfigFile, &m_coeffsPackConfigFile}) {
+        *file = inData(*file);
+        QFile::remove(*file);
+    }
+}
+
+bool PicQualityResource::parsePicqualityConfigFile(const QString& file)
+{
+    if (!QFileInfo(file).isFile()) {
+        logMissing(file);
+        return false;
+    }
+    QSettings settings(file, QSettings::IniFormat);
+    useSettingsCodec(settings);
+    m_settings.read(settings);
+    return true;
+}
+
+void PicQualityResource::setFreq(float freq)
+{
+    m_settings.freq = freq;
+    writeBack(QStringLiteral("Colorimeter410/Freq"), QString::number(static_cast<double>(freq), 'f', 2));
+}
+
+void PicQualityResource::setLastOpenPath(const QString& path)
+{
+    m_settings.lastOpenPath = path;
+    writeBack(QStringLiteral("LastOpenPath/OpenPath"), path);
+}
+
+void PicQualityResource::writeBack(const QString& key, const QString& value)
+{
+    if (QFileInfo(m_settingsFile).isFile() && !writeBackSetting(m_settingsFile, key, value))
+        qCritical() << "file" << m_settingsFile << "write failed!!!";
+}
+
+void PicQualityResource::getCusColorT(bool& isCustom, int& kelvin) const
+{
+    isCustom = m_settings.customColorCoordinate;
+    kelvin = m_settings.colorTemp;
+}
+
+QString PicQualityResource::grayTablePath(GrayTable table)
+{
+    return QStringLiteral(":/qualityadjust/resource/nGray/") + QLatin1String(grayTableNames[table]);
+}
+
+bool PicQualityResource::parseGrayFromFile(const QString& file, QList<unsigned int>& list)
+{
+    return parseGray(file, list);
+}
+
+bool PicQualityResource::parseGrayFromFile(const QString& file, QList<unsigned short>& list)
+{
+    return parseGray(file, list);
+}
+
+bool PicQualityResource::initResourceFile()
+{
+    if (m_isLoaded || isRunning())
+        return m_isLoaded;
+    return waitForReadResource();
+}
+
+bool PicQualityResource::waitForReadResource()
+{
+    if (m_isLoaded)
+        return true;
+    QEventLoop loop;
+    connect(this, &QThread::finished, &loop, [&loop] { loop.quit(); });
+    start(QThread::InheritPriority);
+    if (QCoreApplication::instance())
+        loop.exec();
+    // Told to quit in the middle, the loop ends early; the tables belong to the thread until it is done.
+    wait();
+    return m_isLoaded;
+}
+
+void PicQualityResource::run()
+{
+    putOwnTablesLast();
+    parseGrayFromFile(m_lutIndexPath, m_lutIndexTable);
+    parseGrayFromFile(m_whiteGrayPath, m_whiteGrayTable);
+    for (int table = 0; table < GrayTableCount; ++table)
+        parseGrayFromFile(grayTablePath(static_cast<GrayTable>(table)), m_grayTables.at(static_cast<size_t>(table)));
+    m_workingGrayTable = m_grayTables.at(Gray10Low);
+    m_isLoaded = true;
+}

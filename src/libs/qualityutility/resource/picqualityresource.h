@@ -1,0 +1,139 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QThread>
+#include <qualityutility/qualityutility_export.h>
+#include <qualityutility/resource/picqualitysettings.h>
+
+#include <array>
+#include <atomic>
+
+/// The places of the picture-quality files, the settings and the built-in gray tables of a process.
+///
+/// The first getInstance() prepares the user's data folder and reads the settings file; initResourceFile() loads the
+/// gray tables on this object's thread. Tables are read after it has returned true; settings and paths are used from
+/// one thread.
+class QUALITYUTILITY_EXPORT PicQualityResource : public QThread
+{
+    Q_OBJECT
+
+public:
+    /// The gray tables, in the order of loading. `Low` tables are for low brightness.
+    enum GrayTable {
+        Gray10,
+        Gray10Low,
+        Gray11,
+        Gray11Low,
+        Gray12,
+        Gray12Low,
+        Gray13,
+        Gray13Low,
+        Gray14,
+        Gray14Low,
+        Gray15,
+        Gray15Low,
+        Gray16,
+        GrayTableCount
+    };
+
+    ~PicQualityResource() override;
+
+    /// The process's instance, made at the first call by any thread. Blocks while it is made (files are read).
+    static PicQualityResource* getInstance();
+    /// Deletes the instance; the next getInstance() starts anew. Waits for a loading that is under way. Nobody may be
+    /// using it.
+    static void releaseInstance();
+
+    /// True at once when the tables are loaded, false at once while they are being loaded; otherwise as
+    /// waitForReadResource.
+    bool initResourceFile();
+    /// Loads the tables, if they are not yet, while a local event loop keeps the caller's thread alive. True when they
+    /// are loaded.
+    bool waitForReadResource();
+
+    /// Appends the numbers of a table file (text, one per line) to `list`; a line that does not convert is 0. False,
+    /// with a log line, when the file cannot be opened. Any thread.
+    bool parseGrayFromFile(const QString& file, QList<unsigned int>& list);
+    bool parseGrayFromFile(const QString& file, QList<unsigned short>& list);
+
+    /// Prepares the data folder and completes the paths. Called by the constructor.
+    void initCacheFile();
+    /// Reads the settings file. False, with a log line and no value changed, when it is missing. Called by the
+    /// constructor.
+    bool parsePicqualityConfigFile(const QString& file);
+
+    // Settings. Writing back replaces one key of the settings file whole and keeps all others (comments are dropped); a
+    // missing file is not made. A write-back that fails is logged and leaves the file as it was.
+
+    float getFreq() const { return m_settings.freq; }
+    void setFreq(float freq);
+    QString getLastOpenPath() const { return m_settings.lastOpenPath; }
+    void setLastOpenPath(const QString& path);
+    int getGrayMaxWCom() const { return m_settings.grayMaxWCom; }
+    /// Whether a colour temperature of the user's is used, and which (kelvin).
+    void getCusColorT(bool& isCustom, int& kelvin) const;
+    double getNColorXCom() const { return m_settings.xCom; }
+    double getNColorYCom() const { return m_settings.yCom; }
+    /// All values.
+    const PicQualitySettings& settings() const { return m_settings; }
+
+    // Full paths.
+
+    QString getFineGrayCacheFile() const { return m_fineGrayCacheFile; }
+    QString getFineGrayTempCacheFile() const { return m_fineGrayTempCacheFile; }
+    QString getColorGamutFile() const { return m_colorGamutFile; }
+    QString getDefaultColorGamutFile() const { return m_defaultColorGamutFile; }
+    QString getNiccTransferFile() const { return m_niccTransferFile; }
+    QString getGrayTransferFile() const { return m_grayTransferFile; }
+    QString getRvCardConfigFile() const { return m_rvCardConfigFile; }
+    QString getCoeffsPackConfigFile() const { return m_coeffsPackConfigFile; }
+    QString getSettingsFile() const { return m_settingsFile; }
+    /// Held for callers: the configuration folder of earlier versions, and a file name in it.
+    QString getLegacyConfigFolder() const { return m_legacyConfigFolder; }
+    QString getImageEqualityAddressFile() const { return m_imageEqualityAddressFile; }
+    /// Held for callers: 1000.
+    int getHeldInteger() const { return m_heldInteger; }
+
+    // Tables, empty until they are loaded.
+
+    const QList<unsigned short>& grayTable(GrayTable table) const { return m_grayTables.at(table); }
+    static QString grayTablePath(GrayTable table);
+    const QList<unsigned int>& lutIndexTable() const { return m_lutIndexTable; }
+    const QList<unsigned int>& whiteGrayTable() const { return m_whiteGrayTable; }
+    /// A copy of the Gray10Low table.
+    const QList<unsigned short>& workingGrayTable() const { return m_workingGrayTable; }
+
+protected:
+    void run() override;
+
+private:
+    PicQualityResource();
+
+    void writeBack(const QString& key, const QString& value);
+
+    static std::atomic<PicQualityResource*> m_instance;
+
+    QString m_colorGamutFile;
+    const QString m_lutIndexPath;
+    const QString m_whiteGrayPath;
+    const QString m_moduleFolder;
+    const QString m_dataFolder;
+    QString m_defaultColorGamutFile;
+    QString m_niccTransferFile;
+    QString m_grayTransferFile;
+    QString m_rvCardConfigFile;
+    QString m_coeffsPackConfigFile;
+    const QString m_legacyConfigFolder;
+    const QString m_imageEqualityAddressFile;
+    QString m_fineGrayCacheFile;
+    QString m_fineGrayTempCacheFile;
+    QString m_settingsFile;
+    std::atomic<bool> m_isLoaded{false};
+    const int m_heldInteger = 1000;
+    std::array<QList<unsigned short>, GrayTableCount> m_grayTables;
+    QList<unsigned int> m_lutIndexTable;
+    QList<unsigned int> m_whiteGrayTable;
+    QList<unsigned short> m_workingGrayTable;
+    PicQualitySettings m_settings;
+};
