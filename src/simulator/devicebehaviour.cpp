@@ -13,19 +13,19 @@ namespace {
 
 struct FaultName
 {
-    QLatin1String name;
+    const char* name;
     Fault fault;
 };
 
 constexpr std::array<FaultName, 8> faultNames{{
-    {QLatin1String("error"), Fault::Error},
-    {QLatin1String("silence"), Fault::Silence},
-    {QLatin1String("slow"), Fault::Slow},
-    {QLatin1String("double-answer"), Fault::DoubleAnswer},
-    {QLatin1String("late"), Fault::Late},
-    {QLatin1String("no-cids"), Fault::NoCids},
-    {QLatin1String("partial"), Fault::Partial},
-    {QLatin1String("other-thread"), Fault::OtherThread},
+    {"error", Fault::Error},
+    {"silence", Fault::Silence},
+    {"slow", Fault::Slow},
+    {"double-answer", Fault::DoubleAnswer},
+    {"late", Fault::Late},
+    {"no-cids", Fault::NoCids},
+    {"partial", Fault::Partial},
+    {"other-thread", Fault::OtherThread},
 }};
 
 constexpr double maxDelayMs = 24.0 * 3600.0 * 1000.0;
@@ -76,12 +76,13 @@ FaultChance readFault(const QJsonObject& object, const QString& place, QString& 
 {
     FaultChance result;
     const QJsonValue kind = object.value(QLatin1String("kind"));
-    const auto known = std::find_if(faultNames.begin(), faultNames.end(),
-                                    [&](const FaultName& entry) { return kind.toString() == entry.name; });
+    const auto known = std::find_if(faultNames.begin(), faultNames.end(), [&](const FaultName& entry) {
+        return kind.toString() == QLatin1String(entry.name);
+    });
     if (known == faultNames.end()) {
         QStringList names;
         for (const FaultName& entry : faultNames)
-            names << entry.name;
+            names << QLatin1String(entry.name);
         error = QStringLiteral("%1kind: expected one of %2, found %3")
                     .arg(place, names.join(QStringLiteral(", ")), describe(kind));
         return result;

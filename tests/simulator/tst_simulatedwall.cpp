@@ -88,7 +88,7 @@ private Q_SLOTS:
         QCOMPARE(CabinetSender::uploadNiccMeasure(targets, gamut), 0);
         QCOMPARE(CabinetSender::setColorManageMode(targets, gamut), 0);
         QCOMPARE(CabinetSender::gamutCorrectEffectMode(targets, true, true), 0);
-        for (const unsigned long long cid : {2, 3}) {
+        for (const unsigned long long cid : {2ULL, 3ULL}) {
             const auto state = simulated->cabinet("a", cid);
             QCOMPARE(state->mode, 11);
             QCOMPARE(state->grayTable->blue, Bytes({5, 6}));

@@ -2,6 +2,7 @@
 
 #include <QSettings>
 #include <QStandardPaths>
+#include <qualityutility/latin1_p.h>
 
 #include <variant>
 
@@ -53,7 +54,7 @@ struct Row
     QVariant (*ownDefault)() = nullptr;
 };
 
-constexpr QLatin1String colorimeterGroup("Colorimeter410");
+constexpr QLatin1String colorimeterGroup = latin1("Colorimeter410");
 
 QVariant defaultTimeout()
 {
@@ -72,68 +73,65 @@ QVariant defaultOpenPath()
 
 /// In reading order. Group and key names are kept as files have them.
 const Row rows[] = {
-    {QLatin1String("NetWorkTimeOut"), QLatin1String("CustomTimeout"), &Settings::customTimeout, defaultTimeout},
-    {QLatin1String("LastOpenPath"), QLatin1String("OpenPath"), &Settings::lastOpenPath, defaultOpenPath},
-    {QLatin1String("FineGray"), QLatin1String("GrayAdvanceState"), &Settings::grayAdvanceState, defaultGrayAdvance},
-    {QLatin1String("MaxWCom"), QLatin1String("GrayMaxWCom"), &Settings::grayMaxWCom},
-    {QLatin1String("MaxWCom"), QLatin1String("CustomColorCoordinate"), &Settings::customColorCoordinate},
-    {QLatin1String("MaxWCom"), QLatin1String("ColorTemp"), &Settings::colorTemp},
-    {QLatin1String("MaxWCom"), QLatin1String("xCom"), &Settings::xCom},
-    {QLatin1String("MaxWCom"), QLatin1String("yCom"), &Settings::yCom},
-    {colorimeterGroup, QLatin1String("FreqMode"), &Settings::freqMode},
-    {colorimeterGroup, QLatin1String("Freq"), &Settings::freq},
-    {colorimeterGroup, QLatin1String("Speed"), &Settings::speed},
-    {colorimeterGroup, QLatin1String("LvMode"), &Settings::lvMode},
-    {colorimeterGroup, QLatin1String("DisplayMode"), &Settings::displayMode},
-    {colorimeterGroup, QLatin1String("ChannelNO"), &Settings::channelNo},
-    {colorimeterGroup, QLatin1String("FreqList"), &Settings::freqList},
-    {QLatin1String("MagicGray"), QLatin1String("MagicGrayState"), &Settings::magicGrayState},
-    {QLatin1String("MagicGray"), QLatin1String("MinGain"), MagicValue<int>{&MagicGrayParam::getMinGain, setMinGain}},
-    {QLatin1String("MagicGray"), QLatin1String("MaxGain"), MagicValue<int>{&MagicGrayParam::getMaxGain, setMaxGain}},
-    {QLatin1String("MagicGray"), QLatin1String("GainConfigUse"),
+    {latin1("NetWorkTimeOut"), latin1("CustomTimeout"), &Settings::customTimeout, defaultTimeout},
+    {latin1("LastOpenPath"), latin1("OpenPath"), &Settings::lastOpenPath, defaultOpenPath},
+    {latin1("FineGray"), latin1("GrayAdvanceState"), &Settings::grayAdvanceState, defaultGrayAdvance},
+    {latin1("MaxWCom"), latin1("GrayMaxWCom"), &Settings::grayMaxWCom},
+    {latin1("MaxWCom"), latin1("CustomColorCoordinate"), &Settings::customColorCoordinate},
+    {latin1("MaxWCom"), latin1("ColorTemp"), &Settings::colorTemp},
+    {latin1("MaxWCom"), latin1("xCom"), &Settings::xCom},
+    {latin1("MaxWCom"), latin1("yCom"), &Settings::yCom},
+    {colorimeterGroup, latin1("FreqMode"), &Settings::freqMode},
+    {colorimeterGroup, latin1("Freq"), &Settings::freq},
+    {colorimeterGroup, latin1("Speed"), &Settings::speed},
+    {colorimeterGroup, latin1("LvMode"), &Settings::lvMode},
+    {colorimeterGroup, latin1("DisplayMode"), &Settings::displayMode},
+    {colorimeterGroup, latin1("ChannelNO"), &Settings::channelNo},
+    {colorimeterGroup, latin1("FreqList"), &Settings::freqList},
+    {latin1("MagicGray"), latin1("MagicGrayState"), &Settings::magicGrayState},
+    {latin1("MagicGray"), latin1("MinGain"), MagicValue<int>{&MagicGrayParam::getMinGain, setMinGain}},
+    {latin1("MagicGray"), latin1("MaxGain"), MagicValue<int>{&MagicGrayParam::getMaxGain, setMaxGain}},
+    {latin1("MagicGray"), latin1("GainConfigUse"),
      magic<&MagicGrayParam::getGainConfigUse, &MagicGrayParam::setGainConfigUse>()},
     // Read before and after the PWM range: a record whose range limits its layers takes the number in the second time.
-    {QLatin1String("MagicGray"), QLatin1String("LCCPWMComGainLUTLayerNum"),
+    {latin1("MagicGray"), latin1("LCCPWMComGainLUTLayerNum"),
      magic<&MagicGrayParam::getPWMLutLayerNum, &MagicGrayParam::setPWMLutLayerNum>()},
-    {QLatin1String("MagicGray"), QLatin1String("CurrentControlPWMRangeBit"),
+    {latin1("MagicGray"), latin1("CurrentControlPWMRangeBit"),
      magic<&MagicGrayParam::getPWMRangeBit, &MagicGrayParam::setPWMRangeBit>()},
-    {QLatin1String("MagicGray"), QLatin1String("LCCPWMComGainLUTLayerNum"),
+    {latin1("MagicGray"), latin1("LCCPWMComGainLUTLayerNum"),
      magic<&MagicGrayParam::getPWMLutLayerNum, &MagicGrayParam::setPWMLutLayerNum>()},
-    {QLatin1String("MagicGray"), QLatin1String("DataOutputlength"),
+    {latin1("MagicGray"), latin1("DataOutputlength"),
      magic<&MagicGrayParam::getDataLen, &MagicGrayParam::setDataLen>()},
-    {QLatin1String("MagicGray"), QLatin1String("LimitMinRatio"),
+    {latin1("MagicGray"), latin1("LimitMinRatio"),
      magic<&MagicGrayParam::getLimitMinRatio, &MagicGrayParam::setLimitMinRatio>()},
-    {QLatin1String("MagicGray"), QLatin1String("MinPos"),
-     magic<&MagicGrayParam::getMinPos, &MagicGrayParam::setMinPos>()},
-    {QLatin1String("MagicGray"), QLatin1String("PowerPara"),
-     magic<&MagicGrayParam::getPowerPara, &MagicGrayParam::setPowerPara>()},
-    {QLatin1String("MagicGray"), QLatin1String("KPara"), magic<&MagicGrayParam::getKPara, &MagicGrayParam::setKPara>()},
-    {QLatin1String("MagicGray"), QLatin1String("ColorCorrentEn"),
+    {latin1("MagicGray"), latin1("MinPos"), magic<&MagicGrayParam::getMinPos, &MagicGrayParam::setMinPos>()},
+    {latin1("MagicGray"), latin1("PowerPara"), magic<&MagicGrayParam::getPowerPara, &MagicGrayParam::setPowerPara>()},
+    {latin1("MagicGray"), latin1("KPara"), magic<&MagicGrayParam::getKPara, &MagicGrayParam::setKPara>()},
+    {latin1("MagicGray"), latin1("ColorCorrentEn"),
      magic<&MagicGrayParam::getColorCorrentEn, &MagicGrayParam::setColorCorrentEn>()},
-    {QLatin1String("MagicGray"), QLatin1String("ColorCorr_Mode"),
+    {latin1("MagicGray"), latin1("ColorCorr_Mode"),
      magic<&MagicGrayParam::getColorCorrMode, &MagicGrayParam::setColorCorrMode>()},
-    {QLatin1String("MagicGray"), QLatin1String("BaseScaleBit"),
+    {latin1("MagicGray"), latin1("BaseScaleBit"),
      magic<&MagicGrayParam::getBaseScaleBit, &MagicGrayParam::setBaseScaleBit>()},
-    {QLatin1String("MagicGray"), QLatin1String("CompenCoefBit"),
+    {latin1("MagicGray"), latin1("CompenCoefBit"),
      magic<&MagicGrayParam::getCompenCoefBit, &MagicGrayParam::setCompenCoefBit>()},
-    {QLatin1String("MagicGray"), QLatin1String("WCompLUTLimitLength"),
+    {latin1("MagicGray"), latin1("WCompLUTLimitLength"),
      magic<&MagicGrayParam::getWCompLUTLimitLength, &MagicGrayParam::setWCompLUTLimitLength>()},
-    {QLatin1String("MagicGray"), QLatin1String("CurrentLimitLength"),
+    {latin1("MagicGray"), latin1("CurrentLimitLength"),
      magic<&MagicGrayParam::getCurrentLimitLength, &MagicGrayParam::setCurrentLimitLength>()},
-    {QLatin1String("MagicGray"), QLatin1String("RGBCompLUTLimitLength"),
+    {latin1("MagicGray"), latin1("RGBCompLUTLimitLength"),
      magic<&MagicGrayParam::getRGBCompLUTLimitLength, &MagicGrayParam::setRGBCompLUTLimitLength>()},
-    {QLatin1String("MagicGray"), QLatin1String("MeasureWaitTime"), &Settings::measureWaitTime},
-    {QLatin1String("MagicGray"), QLatin1String("WhiteCTCEN"),
+    {latin1("MagicGray"), latin1("MeasureWaitTime"), &Settings::measureWaitTime},
+    {latin1("MagicGray"), latin1("WhiteCTCEN"),
      magic<&MagicGrayParam::getWhiteCTCEN, &MagicGrayParam::setWhiteCTCEN>()},
-    {QLatin1String("MagicGray"), QLatin1String("CTCnums"),
-     magic<&MagicGrayParam::getCTCnums, &MagicGrayParam::setCTCnums>()},
-    {QLatin1String("MagicGray"), QLatin1String("CTCstepWei"),
+    {latin1("MagicGray"), latin1("CTCnums"), magic<&MagicGrayParam::getCTCnums, &MagicGrayParam::setCTCnums>()},
+    {latin1("MagicGray"), latin1("CTCstepWei"),
      magic<&MagicGrayParam::getCTCstepWei, &MagicGrayParam::setCTCstepWei>()},
-    {QLatin1String("MagicGray"), QLatin1String("MinLayerSet"),
+    {latin1("MagicGray"), latin1("MinLayerSet"),
      magic<&MagicGrayParam::getMinLayerSet, &MagicGrayParam::setMinLayerSet>()},
-    {QLatin1String("ABLParam"), QLatin1String("DefaultMAXLum"), &Settings::defaultMaxLum},
-    {QLatin1String("ABLParam"), QLatin1String("PeakBrightnessScale"), &Settings::peakBrightnessScale},
-    {QLatin1String("ColourGamut"), QLatin1String("DefaultCoeff"), &Settings::defaultCoeff},
+    {latin1("ABLParam"), latin1("DefaultMAXLum"), &Settings::defaultMaxLum},
+    {latin1("ABLParam"), latin1("PeakBrightnessScale"), &Settings::peakBrightnessScale},
+    {latin1("ColourGamut"), latin1("DefaultCoeff"), &Settings::defaultCoeff},
 };
 
 /// The conversions of QVariant: what does not convert becomes 0, false or empty.

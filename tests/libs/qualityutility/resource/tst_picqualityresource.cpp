@@ -9,6 +9,7 @@
 #include <QJsonObject>
 #include <QProcess>
 #include <QResource>
+#include <QSemaphore>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextCodec>
@@ -60,6 +61,19 @@ int runHost(const QStringList& arguments)
     if (!ownResources.isEmpty())
         QResource::unregisterResource(ownResources);
     return 0;
+}
+
+QSemaphore s_ticks;   // of a timer on the main thread
+QSemaphore s_waiting; // log lines of other threads that wait for one
+std::atomic<bool> s_isLoopAlive{true};
+
+void waitForTick(QtMsgType, const QMessageLogContext&, const QString&)
+{
+    if (QThread::currentThread() == QCoreApplication::instance()->thread())
+        return;
+    s_waiting.release();
+    s_isLoopAlive = s_ticks.tryAcquire(1, 5000) && s_isLoopAlive;
+    s_waiting.acquire();
 }
 
 struct Started
@@ -369,17 +383,23 @@ private Q_SLOTS:
     void tablesLoadOnceWhileTheEventLoopLives()
     {
         Resource& resource = *Resource::getInstance();
-        int ticks = 0;
-        bool whileRunning = true;
+        // Each log line of the loading thread waits for a tick of this thread's timer: a loop that stood still would be
+        // noticed.
+        s_isLoopAlive = true;
+        const auto earlier = qInstallMessageHandler(waitForTick);
+        bool returnedAtOnce = true;
         QTimer timer;
         connect(&timer, &QTimer::timeout, [&] {
-            ++ticks;
-            if (resource.isRunning())
-                whileRunning = whileRunning && !resource.initResourceFile(); // returns at once
+            if (s_waiting.available() == 0)
+                return;
+            // The loading thread is in the middle, and stays there until the tick.
+            returnedAtOnce = returnedAtOnce && !resource.initResourceFile();
+            s_ticks.release();
         });
-        timer.start(0);
-        QVERIFY(resource.initResourceFile());
-        QVERIFY(ticks > 0 && whileRunning);
+        timer.start(1);
+        const bool isLoaded = resource.initResourceFile();
+        qInstallMessageHandler(earlier);
+        QVERIFY(isLoaded && s_isLoopAlive && returnedAtOnce);
         for (int bits = 10; bits <= 16; ++bits) {
             for (const bool low : {false, true}) {
                 const int index = 2 * (bits - 10) + (low ? 1 : 0);

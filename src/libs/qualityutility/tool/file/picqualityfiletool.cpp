@@ -12,6 +12,7 @@
 
 #include <QDebug>
 #include <QFile>
+#include <qualityutility/latin1_p.h>
 
 #include <array>
 
@@ -31,46 +32,46 @@ using Model::MagicGrayCoeffs;
 using Bytes = std::vector<unsigned char>;
 using Doubles = std::vector<double>;
 
-constexpr QLatin1String lumKey("lum");
-constexpr QLatin1String xKey("x");
-constexpr QLatin1String yKey("y");
-constexpr QLatin1String measureKey("measure");
+constexpr QLatin1String lumKey = latin1("lum");
+constexpr QLatin1String xKey = latin1("x");
+constexpr QLatin1String yKey = latin1("y");
+constexpr QLatin1String measureKey = latin1("measure");
 
-constexpr QLatin1String rMeasureKey("rMeasure");
-constexpr QLatin1String gMeasureKey("gMeasure");
-constexpr QLatin1String bMeasureKey("bMeasure");
-constexpr QLatin1String grayEffectKey("grayEffectPara");
-constexpr QLatin1String grayDetailKey("grayDetailPara");
-constexpr QLatin1String magicGrayKey("mgData");
-constexpr QLatin1String grayAdvanceKey("grayAdvance");
-constexpr QLatin1String wMeasureKey("wMeasure");
+constexpr QLatin1String rMeasureKey = latin1("rMeasure");
+constexpr QLatin1String gMeasureKey = latin1("gMeasure");
+constexpr QLatin1String bMeasureKey = latin1("bMeasure");
+constexpr QLatin1String grayEffectKey = latin1("grayEffectPara");
+constexpr QLatin1String grayDetailKey = latin1("grayDetailPara");
+constexpr QLatin1String magicGrayKey = latin1("mgData");
+constexpr QLatin1String grayAdvanceKey = latin1("grayAdvance");
+constexpr QLatin1String wMeasureKey = latin1("wMeasure");
 constexpr int keptWhiteMeasures = 9;
 
 constexpr std::array<BoolField<GrayEffectPara>, 4> effectFields{{
-    {QLatin1String("supGraySwitch"), &GrayEffectPara::getSupGraySwitch, &GrayEffectPara::setSupGraySwitch},
-    {QLatin1String("fineGraySwitch"), &GrayEffectPara::getFineGraySwitch, &GrayEffectPara::setFineGraySwitch},
-    {QLatin1String("switch22bit"), &GrayEffectPara::get22bitSwitch, &GrayEffectPara::set22bitSwitch},
-    {QLatin1String("switchMG"), &GrayEffectPara::getMGSwitch, &GrayEffectPara::setMGSwitch},
+    {latin1("supGraySwitch"), &GrayEffectPara::getSupGraySwitch, &GrayEffectPara::setSupGraySwitch},
+    {latin1("fineGraySwitch"), &GrayEffectPara::getFineGraySwitch, &GrayEffectPara::setFineGraySwitch},
+    {latin1("switch22bit"), &GrayEffectPara::get22bitSwitch, &GrayEffectPara::set22bitSwitch},
+    {latin1("switchMG"), &GrayEffectPara::getMGSwitch, &GrayEffectPara::setMGSwitch},
 }};
 
 constexpr std::array<BoolField<GrayDetailPara>, 4> detailSwitches{{
-    {QLatin1String("qualityAdvance"), &GrayDetailPara::getQualityAdvance, &GrayDetailPara::setQualityAdvance},
-    {QLatin1String("detailAdvance"), &GrayDetailPara::getDetailAdvance, &GrayDetailPara::setDetailAdvance},
-    {QLatin1String("switchABL"), &GrayDetailPara::getABLSwitch, &GrayDetailPara::setABLSwitch},
-    {QLatin1String("switchINVTMO"), &GrayDetailPara::getINVTMOSwitch, &GrayDetailPara::setINVTMOSwitch},
+    {latin1("qualityAdvance"), &GrayDetailPara::getQualityAdvance, &GrayDetailPara::setQualityAdvance},
+    {latin1("detailAdvance"), &GrayDetailPara::getDetailAdvance, &GrayDetailPara::setDetailAdvance},
+    {latin1("switchABL"), &GrayDetailPara::getABLSwitch, &GrayDetailPara::setABLSwitch},
+    {latin1("switchINVTMO"), &GrayDetailPara::getINVTMOSwitch, &GrayDetailPara::setINVTMOSwitch},
 }};
 
 constexpr std::array<IntField<GrayDetailPara>, 1> detailLevel{{
-    {QLatin1String("detailLevel"), &GrayDetailPara::getDetailLevel, &GrayDetailPara::setDetailLevel},
+    {latin1("detailLevel"), &GrayDetailPara::getDetailLevel, &GrayDetailPara::setDetailLevel},
 }};
 
 // True means valid, against its name: earlier files depend on both.
-constexpr QLatin1String peakValidKey("peakInvalid");
+constexpr QLatin1String peakValidKey = latin1("peakInvalid");
 
 constexpr std::array<IntField<GrayDetailPara>, 3> peakValues{{
-    {QLatin1String("peakMeasure"), &GrayDetailPara::getPeakMeasure, &GrayDetailPara::setPeakMeasure},
-    {QLatin1String("peakLum"), &GrayDetailPara::getPeakLum, &GrayDetailPara::setPeakLum},
-    {QLatin1String("maxLum"), &GrayDetailPara::getMaxLum, &GrayDetailPara::setMaxLum},
+    {latin1("peakMeasure"), &GrayDetailPara::getPeakMeasure, &GrayDetailPara::setPeakMeasure},
+    {latin1("peakLum"), &GrayDetailPara::getPeakLum, &GrayDetailPara::setPeakLum},
+    {latin1("maxLum"), &GrayDetailPara::getMaxLum, &GrayDetailPara::setMaxLum},
 }};
 
 using MagicPoints = ListField<MagicGrayCoeffs, MagicGrayCoeffs::Points>;
@@ -78,59 +79,58 @@ using MagicSeries = ListField<MagicGrayCoeffs, MagicGrayCoeffs::PointSeries>;
 using MagicTable = ListField<MagicGrayCoeffs, MagicGrayCoeffs::Table>;
 
 constexpr std::array<MagicPoints, 9> magicPoints{{
-    {QLatin1String("rMG0Measure"), &MagicGrayCoeffs::getR0Measures, &MagicGrayCoeffs::getR0Measures},
-    {QLatin1String("gMG0Measure"), &MagicGrayCoeffs::getG0Measures, &MagicGrayCoeffs::getG0Measures},
-    {QLatin1String("bMG0Measure"), &MagicGrayCoeffs::getB0Measures, &MagicGrayCoeffs::getB0Measures},
-    {QLatin1String("rMG1Measure"), &MagicGrayCoeffs::getR1Measures, &MagicGrayCoeffs::getR1Measures},
-    {QLatin1String("gMG1Measure"), &MagicGrayCoeffs::getG1Measures, &MagicGrayCoeffs::getG1Measures},
-    {QLatin1String("bMG1Measure"), &MagicGrayCoeffs::getB1Measures, &MagicGrayCoeffs::getB1Measures},
-    {QLatin1String("rMGFirstMeasure"), &MagicGrayCoeffs::getFirstRMeasures, &MagicGrayCoeffs::getFirstRMeasures},
-    {QLatin1String("gMGFirstMeasure"), &MagicGrayCoeffs::getFirstGMeasures, &MagicGrayCoeffs::getFirstGMeasures},
-    {QLatin1String("bMGFirstMeasure"), &MagicGrayCoeffs::getFirstBMeasures, &MagicGrayCoeffs::getFirstBMeasures},
+    {latin1("rMG0Measure"), &MagicGrayCoeffs::getR0Measures, &MagicGrayCoeffs::getR0Measures},
+    {latin1("gMG0Measure"), &MagicGrayCoeffs::getG0Measures, &MagicGrayCoeffs::getG0Measures},
+    {latin1("bMG0Measure"), &MagicGrayCoeffs::getB0Measures, &MagicGrayCoeffs::getB0Measures},
+    {latin1("rMG1Measure"), &MagicGrayCoeffs::getR1Measures, &MagicGrayCoeffs::getR1Measures},
+    {latin1("gMG1Measure"), &MagicGrayCoeffs::getG1Measures, &MagicGrayCoeffs::getG1Measures},
+    {latin1("bMG1Measure"), &MagicGrayCoeffs::getB1Measures, &MagicGrayCoeffs::getB1Measures},
+    {latin1("rMGFirstMeasure"), &MagicGrayCoeffs::getFirstRMeasures, &MagicGrayCoeffs::getFirstRMeasures},
+    {latin1("gMGFirstMeasure"), &MagicGrayCoeffs::getFirstGMeasures, &MagicGrayCoeffs::getFirstGMeasures},
+    {latin1("bMGFirstMeasure"), &MagicGrayCoeffs::getFirstBMeasures, &MagicGrayCoeffs::getFirstBMeasures},
 }};
 
 constexpr std::array<MagicSeries, 4> magicSeries{{
-    {QLatin1String("rMGMeasure"), &MagicGrayCoeffs::getACRMeasures, &MagicGrayCoeffs::getACRMeasures},
-    {QLatin1String("gMGMeasure"), &MagicGrayCoeffs::getACGMeasures, &MagicGrayCoeffs::getACGMeasures},
-    {QLatin1String("bMGMeasure"), &MagicGrayCoeffs::getACBMeasures, &MagicGrayCoeffs::getACBMeasures},
-    {QLatin1String("wMGMeasure"), &MagicGrayCoeffs::getWhiteMeasures, &MagicGrayCoeffs::getWhiteMeasures},
+    {latin1("rMGMeasure"), &MagicGrayCoeffs::getACRMeasures, &MagicGrayCoeffs::getACRMeasures},
+    {latin1("gMGMeasure"), &MagicGrayCoeffs::getACGMeasures, &MagicGrayCoeffs::getACGMeasures},
+    {latin1("bMGMeasure"), &MagicGrayCoeffs::getACBMeasures, &MagicGrayCoeffs::getACBMeasures},
+    {latin1("wMGMeasure"), &MagicGrayCoeffs::getWhiteMeasures, &MagicGrayCoeffs::getWhiteMeasures},
 }};
 
 constexpr std::array<MagicTable, 3> magicTables{{
-    {QLatin1String("mgCurrentLUTs"), &MagicGrayCoeffs::getCurrentLUTs, &MagicGrayCoeffs::getCurrentLUTs},
-    {QLatin1String("mgComGainLUTOdd"), &MagicGrayCoeffs::getComGainLUTOdd, &MagicGrayCoeffs::getComGainLUTOdd},
-    {QLatin1String("mgComGainLUTEven"), &MagicGrayCoeffs::getComGainLUTEven, &MagicGrayCoeffs::getComGainLUTEven},
+    {latin1("mgCurrentLUTs"), &MagicGrayCoeffs::getCurrentLUTs, &MagicGrayCoeffs::getCurrentLUTs},
+    {latin1("mgComGainLUTOdd"), &MagicGrayCoeffs::getComGainLUTOdd, &MagicGrayCoeffs::getComGainLUTOdd},
+    {latin1("mgComGainLUTEven"), &MagicGrayCoeffs::getComGainLUTEven, &MagicGrayCoeffs::getComGainLUTEven},
 }};
 
 constexpr std::array<ListMember<FineGrayCoeffs, Bytes>, 4> coeffTables{{
-    {QLatin1String("rGrayCoeffs"), &FineGrayCoeffs::rGrayCoeffs},
-    {QLatin1String("gGrayCoeffs"), &FineGrayCoeffs::gGrayCoeffs},
-    {QLatin1String("bGrayCoeffs"), &FineGrayCoeffs::bGrayCoeffs},
-    {QLatin1String("magnitudes"), &FineGrayCoeffs::magnitudes},
+    {latin1("rGrayCoeffs"), &FineGrayCoeffs::rGrayCoeffs},
+    {latin1("gGrayCoeffs"), &FineGrayCoeffs::gGrayCoeffs},
+    {latin1("bGrayCoeffs"), &FineGrayCoeffs::bGrayCoeffs},
+    {latin1("magnitudes"), &FineGrayCoeffs::magnitudes},
 }};
 
 constexpr std::array<IntMember<FineGrayAdvanceParam>, 3> advanceNumbers{{
-    {QLatin1String("maxNum"), &FineGrayAdvanceParam::maxNum},
-    {QLatin1String("caliNum"), &FineGrayAdvanceParam::caliNum},
-    {QLatin1String("caliLength"), &FineGrayAdvanceParam::caliLength},
+    {latin1("maxNum"), &FineGrayAdvanceParam::maxNum},
+    {latin1("caliNum"), &FineGrayAdvanceParam::caliNum},
+    {latin1("caliLength"), &FineGrayAdvanceParam::caliLength},
 }};
 
 constexpr ListMember<FineGrayAdvanceParam, std::vector<LXY>> advanceWhite{wMeasureKey, &FineGrayAdvanceParam::wMeasure};
-constexpr ListMember<FineGrayAdvanceParam, Bytes> advanceMagnitudes{QLatin1String("magBits"),
-                                                                    &FineGrayAdvanceParam::magBits};
+constexpr ListMember<FineGrayAdvanceParam, Bytes> advanceMagnitudes{latin1("magBits"), &FineGrayAdvanceParam::magBits};
 
-constexpr QLatin1String advanceCoeffsKey("coeffs");
+constexpr QLatin1String advanceCoeffsKey = latin1("coeffs");
 constexpr std::array<ListMember<FineGrayAdvanceParam, Bytes>, 3> advanceCoeffs{{
-    {QLatin1String("rGrayCoeffs"), &FineGrayAdvanceParam::rGrayCoeffs},
-    {QLatin1String("gGrayCoeffs"), &FineGrayAdvanceParam::gGrayCoeffs},
-    {QLatin1String("bGrayCoeffs"), &FineGrayAdvanceParam::bGrayCoeffs},
+    {latin1("rGrayCoeffs"), &FineGrayAdvanceParam::rGrayCoeffs},
+    {latin1("gGrayCoeffs"), &FineGrayAdvanceParam::gGrayCoeffs},
+    {latin1("bGrayCoeffs"), &FineGrayAdvanceParam::bGrayCoeffs},
 }};
 
-constexpr QLatin1String advanceTargetsKey("targetLum");
+constexpr QLatin1String advanceTargetsKey = latin1("targetLum");
 constexpr std::array<ListMember<FineGrayAdvanceParam, Doubles>, 3> advanceTargets{{
-    {QLatin1String("rLumTarget"), &FineGrayAdvanceParam::rLumTarget},
-    {QLatin1String("gLumTarget"), &FineGrayAdvanceParam::gLumTarget},
-    {QLatin1String("bLumTarget"), &FineGrayAdvanceParam::bLumTarget},
+    {latin1("rLumTarget"), &FineGrayAdvanceParam::rLumTarget},
+    {latin1("gLumTarget"), &FineGrayAdvanceParam::gLumTarget},
+    {latin1("bLumTarget"), &FineGrayAdvanceParam::bLumTarget},
 }};
 
 /// As QVariant::toDouble converts: text with a number in it counts, what is neither is 0.
@@ -173,10 +173,16 @@ void toArray(const List& list, QJsonArray& out)
 }
 
 template <typename List>
+void makeRoom(List& list, int size)
+{
+    list.clear();
+    list.reserve(static_cast<decltype(list.size())>(size));
+}
+
+template <typename List>
 void toPoints(const QJsonArray& array, List& out)
 {
-    out.clear();
-    out.reserve(array.size());
+    makeRoom(out, array.size());
     for (const QJsonValue value : array) {
         if (!value.isObject())
             continue;
@@ -189,8 +195,7 @@ void toPoints(const QJsonArray& array, List& out)
 template <typename List>
 void toIntegers(const QJsonArray& array, List& out)
 {
-    out.clear();
-    out.reserve(array.size());
+    makeRoom(out, array.size());
     for (const QJsonValue value : array)
         out.push_back(static_cast<typename List::value_type>(value.toInt(0)));
 }
@@ -198,8 +203,7 @@ void toIntegers(const QJsonArray& array, List& out)
 template <typename List>
 void toDoubles(const QJsonArray& array, List& out)
 {
-    out.clear();
-    out.reserve(array.size());
+    makeRoom(out, array.size());
     for (const QJsonValue value : array)
         out.push_back(value.toDouble(0));
 }
@@ -481,8 +485,8 @@ void PicQualityFileTool::JsonToMGCoeffs(const QJsonObject& object, MagicGrayCoef
     JsonFields::read(magicSeries, object, coeffs);
     JsonFields::read(magicTables, object, coeffs);
     // These two come from other producers; this library never writes them.
-    readInt(object, QLatin1String("compBase"), [&](int bits) { param.setBaseScaleBit(bits); });
-    readInt(object, QLatin1String("maxDataShiftBase"), [&](int bits) { param.setPWMRangeBit(bits + pwmRangeOffset); });
+    readInt(object, latin1("compBase"), [&](int bits) { param.setBaseScaleBit(bits); });
+    readInt(object, latin1("maxDataShiftBase"), [&](int bits) { param.setPWMRangeBit(bits + pwmRangeOffset); });
 }
 
 // Fine-gray configuration
@@ -503,10 +507,10 @@ bool PicQualityFileTool::readFineGrayConfig(const QString& path, QList<LXY>& red
         readMeasures(root, red, green, blue);
         JsonFields::read(coeffTables, root, coeffs);
         // These four come from other producers; this library never writes them.
-        readBool(root, QLatin1String("openGray"), openGray);
-        readBool(root, QLatin1String("openXbit"), openXbit);
-        readBool(root, QLatin1String("open18bit"), open18bit);
-        xbitType = root.value(QLatin1String("xbitType")).toInt(0);
+        readBool(root, latin1("openGray"), openGray);
+        readBool(root, latin1("openXbit"), openXbit);
+        readBool(root, latin1("open18bit"), open18bit);
+        xbitType = root.value(latin1("xbitType")).toInt(0);
     });
 }
 

@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr qint64 copyBlock = 1024 * 1024;
+constexpr qint64 copyBlock = qint64{1024} * 1024;
 
 /// commit() alone would put a short file in the place of the good one on a full disk, and report success: every byte
 /// and the flush are checked before.

@@ -12,7 +12,7 @@ void ActionAnswer::give(Content content)
     m_content = std::move(content);
     // Queued: a quit() that comes before exec() has begun would be lost.
     if (m_loop)
-        QMetaObject::invokeMethod(m_loop, &QEventLoop::quit, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(m_loop, "quit", Qt::QueuedConnection);
 }
 
 ActionAnswer::Content ActionAnswer::wait()

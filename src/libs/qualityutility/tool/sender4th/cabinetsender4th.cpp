@@ -57,8 +57,10 @@ spdlog::logger& logger()
 void traceEntry(const spdlog::source_loc& operation)
 {
     logger().log(operation, spdlog::level::trace, " ENTER ");
+    // The line names the function object that writes it, "operator()", as it always has.
     const std::function<void(int*)> leave = [](int*) {
-        logger().log(spdlog::source_loc{__FILE__, __LINE__, __func__}, spdlog::level::trace, " LEAVE ");
+        constexpr const char* function = __func__; // NOLINT(bugprone-lambda-function-name)
+        logger().log(spdlog::source_loc{__FILE__, __LINE__, function}, spdlog::level::trace, " LEAVE ");
     };
     leave(nullptr);
 }
