@@ -144,7 +144,7 @@ std::shared_ptr<RequestHandle> RequestDesk::send(const Request& request, const R
         transport = exchange().transport;
         generation = exchange().generation;
     }
-    const auto handle = std::make_shared<RequestHandle>();
+    auto handle = std::make_shared<RequestHandle>();
     const std::uint64_t id = ++s_lastRequest;
     m_inFlight.emplace(id, InFlight{request.action, request.deviceId, onResult, onError, request.timeout, handle,
                                     generation, true, 0});

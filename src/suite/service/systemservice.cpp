@@ -6,7 +6,7 @@ namespace Service {
 
 QString SystemService::getRoamingCompanyPath()
 {
-    const QString given = qEnvironmentVariable("SUITE_COMPANY_DIR");
+    QString given = qEnvironmentVariable("SUITE_COMPANY_DIR");
     if (!given.isEmpty())
         return given;
     return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/LedSuite");
