@@ -25,6 +25,7 @@ enum SenderResult : int {
     ResultSkipped = 1,            ///< the last device was skipped or never answered, or there was none
     ResultActionError = 15,       ///< the last device's action failed, or the file to send does not exist
     ResultInvalidParameter = 103, ///< no usable target, or the cabinet is not in the local model
+    ResultNotDelivered = 105,     ///< third generation: every failure
 };
 
 /// Sends picture-quality data to LED cabinets.

@@ -1,0 +1,168 @@
+#include "cabinetsender3th.h"
+
+#include "decimaltext_p.h"
+
+#include <suite/model/colorgamutinfo.h>
+
+#include <QDebug>
+#include <QJsonDocument>
+#include <qualityutility/publishedinstance_p.h>
+
+namespace CabinetSenderSpace {
+
+namespace {
+
+enum Command { GetFineGray = 17, SetNicc = 23, SetMeasure = 25, SetGrayTable = 55 };
+
+QMutex s_createMutex;
+
+/// The sender behind getInstance(): what third-generation cabinets cannot do fails with a line that names it.
+class ReadySender : public CabinetSender3th
+{
+public:
+    int getCorrectEffectMode(const std::string&, unsigned long long, int&) override
+    {
+        return refuse("getCorrectEffectMode");
+    }
+    int setCorrectEffectMode(const CabinetTargetMap&, int, bool) override { return refuse("setCorrectEffectMode"); }
+    int gamutCorrectEffectMode(const CabinetTargetMap&, bool, bool) override
+    {
+        return refuse("gamutCorrectEffectMode");
+    }
+    int sendRvcardBin(const CabinetTargetMap&, const QString&) override { return refuse("sendRvcardBin"); }
+
+private:
+    static int refuse(const char* operation)
+    {
+        qCritical() << "third-generation cabinets have no operation" << operation;
+        return ResultNotDelivered;
+    }
+};
+
+/// The reply's root object, and how parsing it went; only the bytes before the first zero count.
+QJsonDocument parse(const QByteArray& reply, QJsonParseError& error)
+{
+    return QJsonDocument::fromJson(QByteArray(reply.constData()), &error);
+}
+
+QByteArray commandText(const QJsonObject& command)
+{
+    return QJsonDocument(command).toJson(QJsonDocument::Indented);
+}
+
+} // namespace
+
+std::atomic<CabinetSender3th*> CabinetSender3th::m_instance{nullptr};
+
+CabinetSender3th::CabinetSender3th(QObject* parent) : CabinetSenderBase(parent) {}
+
+CabinetSender3th::~CabinetSender3th()
+{
+    const QMutexLocker lock(&m_mutex);
+    if (m_session && m_session->isConnected())
+        delete m_session;
+}
+
+CabinetSender3th* CabinetSender3th::getInstance()
+{
+    return publishedInstance(m_instance, s_createMutex, [] { return new ReadySender; });
+}
+
+void CabinetSender3th::releaseInstance()
+{
+    releasePublishedInstance(m_instance);
+}
+
+void CabinetSender3th::attachSession(ClientSession* session)
+{
+    m_session = session;
+}
+
+int CabinetSender3th::sendData(const QByteArray& request, QByteArray& reply, bool waitWithoutLimit)
+{
+    if (m_session && !m_session->sendToServerSync(request, reply, waitWithoutLimit)) {
+        qCritical() << "send to server error!";
+        return ResultNotDelivered;
+    }
+    return judgeResult(reply) ? ResultSuccess : ResultNotDelivered; // without a session the empty reply fails
+}
+
+bool CabinetSender3th::judgeResult(const QByteArray& reply)
+{
+    QJsonParseError error;
+    const QJsonObject root = parse(reply, error).object();
+    const QJsonValue code = root.value(QLatin1String("error"));
+    if (error.error != QJsonParseError::NoError || code.isUndefined()) {
+        qCritical() << "result parse failed!" << reply << "jsonError.error" << error.error;
+        return false;
+    }
+    if (code.toInt() == 0)
+        return true;
+    qCritical() << "result error!"
+                << "resultCode" << code.toInt();
+    return false;
+}
+
+QJsonObject CabinetSender3th::getLXYOb(const Model::LXY& point)
+{
+    return {{QStringLiteral("lum"), point.lum}, {QStringLiteral("cx"), point.x}, {QStringLiteral("cy"), point.y}};
+}
+
+int CabinetSender3th::sendCommand(int number, const QJsonObject& data)
+{
+    QByteArray reply;
+    return sendData(commandText({{QStringLiteral("cmd"), number}, {QStringLiteral("data"), data}}), reply, false);
+}
+
+int CabinetSender3th::getFineGrayConfig(const std::string&, unsigned long long, int& grayScaleSeries,
+                                        int& chipEffectFlag)
+{
+    QByteArray reply;
+    const int result = sendData(commandText({{QStringLiteral("cmd"), GetFineGray}}), reply, false);
+    if (result != ResultSuccess)
+        return result;
+    QJsonParseError error;
+    const QJsonObject data = parse(reply, error).object().value(QLatin1String("data")).toObject();
+    const QJsonValue level = data.value(QLatin1String("level"));
+    const QJsonValue mode = data.value(QLatin1String("mode"));
+    if (!level.isUndefined())
+        grayScaleSeries = level.toInt();
+    if (!mode.isUndefined())
+        chipEffectFlag = mode.toInt();
+    return ResultSuccess;
+}
+
+int CabinetSender3th::setGrayScaleTable(const CabinetTargetMap&, const QList<unsigned char>& rGrayCoeffs,
+                                        const QList<unsigned char>& gGrayCoeffs,
+                                        const QList<unsigned char>& bGrayCoeffs, const QList<unsigned char>& magnitude,
+                                        int)
+{
+    return sendCommand(SetGrayTable, {{QStringLiteral("rGrayCoeffs"), listToString(rGrayCoeffs)},
+                                      {QStringLiteral("gGrayCoeffs"), listToString(gGrayCoeffs)},
+                                      {QStringLiteral("bGrayCoeffs"), listToString(bGrayCoeffs)},
+                                      {QStringLiteral("magnitude"), listToString(magnitude)}});
+}
+
+int CabinetSender3th::uploadNiccData(const CabinetTargetMap&, const Model::ColorGamutInfo& info)
+{
+    return sendCommand(SetNicc, {{QStringLiteral("name"), QString::fromStdString(info.name)},
+                                 {QStringLiteral("rLxy"), getLXYOb(info.rLxy)},
+                                 {QStringLiteral("gLxy"), getLXYOb(info.gLxy)},
+                                 {QStringLiteral("bLxy"), getLXYOb(info.bLxy)},
+                                 {QStringLiteral("wLxy"), getLXYOb(info.wLxy)}});
+}
+
+int CabinetSender3th::setColorManageMode(const CabinetTargetMap&, const Model::ColorGamutInfo&)
+{
+    return ResultSuccess;
+}
+
+int CabinetSender3th::uploadNiccMeasure(const CabinetTargetMap&, const Model::ColorGamutInfo& info)
+{
+    return sendCommand(SetMeasure, {{QStringLiteral("rLxy"), getLXYOb(info.rLxy)},
+                                    {QStringLiteral("gLxy"), getLXYOb(info.gLxy)},
+                                    {QStringLiteral("bLxy"), getLXYOb(info.bLxy)},
+                                    {QStringLiteral("wLxy"), getLXYOb(info.wLxy)}});
+}
+
+} // namespace CabinetSenderSpace

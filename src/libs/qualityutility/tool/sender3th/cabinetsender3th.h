@@ -1,0 +1,66 @@
+#pragma once
+
+#include <suite/model/lxy.h>
+
+#include <QJsonObject>
+#include <QPointer>
+#include <qualityutility/tool/sender3th/clientsession.h>
+#include <qualityutility/tool/sender4th/cabinetsenderbase.h>
+
+#include <atomic>
+
+namespace CabinetSenderSpace {
+
+/// Sends to third-generation cabinets: each operation becomes one numbered JSON command to the message hub, which
+/// serves whatever cabinets it has. Targets, device and cabinet identifiers and the frequency are accepted and ignored.
+/// Results are 0 or ResultNotDelivered (105) for every failure: no session, no delivery, no reply in time, a reply that
+/// is not understood, or an error number in it; the log says which.
+///
+/// The other four operations of the interface are not implemented here. getInstance() gives a ready sender in which
+/// they fail.
+///
+/// An attached session stays its owner's, who may delete it at any time; but a sender that is destroyed deletes a
+/// session that is then connected, and leaves one that is not. (That asymmetry is relied on: a connected session is
+/// handed over with the sender.)
+class QUALITYUTILITY_EXPORT CabinetSender3th : public CabinetSenderBase
+{
+    Q_OBJECT
+
+public:
+    explicit CabinetSender3th(QObject* parent = nullptr);
+    ~CabinetSender3th() override;
+
+    /// The process's ready sender, made at the first call by any thread, without a session.
+    static CabinetSender3th* getInstance();
+    /// Deletes it, as the destructor says; the next getInstance() makes a new one.
+    static void releaseInstance();
+
+    /// From now on commands go through `session`; null detaches. An earlier session is left alone.
+    void attachSession(ClientSession* session);
+
+    int getFineGrayConfig(const std::string& deviceId, unsigned long long cid, int& grayScaleSeries,
+                          int& chipEffectFlag) override;
+    int setGrayScaleTable(const CabinetTargetMap& targets, const QList<unsigned char>& rGrayCoeffs,
+                          const QList<unsigned char>& gGrayCoeffs, const QList<unsigned char>& bGrayCoeffs,
+                          const QList<unsigned char>& magnitude, int freq) override;
+    int uploadNiccData(const CabinetTargetMap& targets, const Model::ColorGamutInfo& info) override;
+    /// Sends nothing and returns 0: the hub corrects from the gamuts.
+    int setColorManageMode(const CabinetTargetMap& targets, const Model::ColorGamutInfo& info) override;
+    int uploadNiccMeasure(const CabinetTargetMap& targets, const Model::ColorGamutInfo& info) override;
+
+    /// Sends request bytes and checks the reply. 0 or 105.
+    int sendData(const QByteArray& request, QByteArray& reply, bool waitWithoutLimit);
+    /// Whether a reply is a JSON object whose "error" is 0; a value that is not a number counts as 0.
+    bool judgeResult(const QByteArray& reply);
+    /// {"lum", "cx", "cy"}
+    QJsonObject getLXYOb(const Model::LXY& point);
+
+private:
+    int sendCommand(int number, const QJsonObject& data);
+
+    QPointer<ClientSession> m_session;
+    QMutex m_mutex; ///< held by the destructor
+    static std::atomic<CabinetSender3th*> m_instance;
+};
+
+} // namespace CabinetSenderSpace

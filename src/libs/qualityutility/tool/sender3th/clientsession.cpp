@@ -1,0 +1,161 @@
+#include "clientsession.h"
+
+#include "hubframe_p.h"
+#include "hublog_p.h"
+
+#include <QTcpSocket>
+#include <QThread>
+
+#include <limits>
+
+namespace CabinetSenderSpace {
+
+ClientSession::ClientSession(QObject* parent)
+    : QObject(parent), m_socket(new QTcpSocket), m_receiver(std::make_unique<HubFrame::Receiver>())
+{
+    connect(m_socket, &QTcpSocket::connected, this, &ClientSession::slot_Connected);
+    connect(m_socket, &QTcpSocket::disconnected, this, &ClientSession::slot_DisConnect);
+    connect(m_socket, &QTcpSocket::readyRead, this, &ClientSession::slot_ReadMessage);
+    connect(m_socket, &QTcpSocket::errorOccurred, this, &ClientSession::slot_SocketError);
+    connect(&m_reconnectTimer, &QTimer::timeout, this, &ClientSession::slot_ReConnect);
+}
+
+ClientSession::~ClientSession()
+{
+    // Closing would call back into what is being taken down.
+    m_socket->disconnect(this);
+    disServerConnect();
+    m_socket->deleteLater();
+}
+
+bool ClientSession::connectToServer(QString host, unsigned short port)
+{
+    if (m_isConnected) {
+        logInfo("server ", host, "connected");
+        return true;
+    }
+    m_host = host;
+    m_port = port;
+    m_socket->connectToHost(m_host, m_port, QIODevice::ReadWrite, QAbstractSocket::AnyIPProtocol);
+    m_socket->waitForConnected(m_connectWait);
+    return true;
+}
+
+bool ClientSession::disServerConnect()
+{
+    if (m_socket->state() != QAbstractSocket::UnconnectedState)
+        m_socket->close();
+    m_isConnected = false;
+    return true;
+}
+
+bool ClientSession::isConnected() const
+{
+    return m_isConnected;
+}
+
+void ClientSession::setWaits(int connectWait, int readWait, int attempts)
+{
+    m_connectWait = connectWait;
+    m_readWait = readWait;
+    m_waitAttempts = attempts;
+}
+
+bool ClientSession::sendToServerSync(const QByteArray& request, QByteArray& reply, bool waitWithoutLimit)
+{
+    m_waitWithoutLimit = waitWithoutLimit;
+    if (!m_isConnected) {
+        qCritical() << "[ClientSession] please connect msghub server";
+        return false;
+    }
+    logInfo("send data ", request);
+    // One write: header and body sent apart would wait for each other's acknowledgement.
+    const QByteArray frame = GetCompletePack(request);
+    if (m_socket->write(frame) != HubFrame::headerLength + request.size()) {
+        logInfo("send data error");
+        return false;
+    }
+    QByteArray received;
+    const bool isAnswered = getResultFromCache(received);
+    if (isAnswered)
+        reply = received;
+    else
+        logInfo("get failed");
+    logInfo("recv data ", received);
+    initPackData();
+    return isAnswered;
+}
+
+bool ClientSession::getResultFromCache(QByteArray& result)
+{
+    const int attempts = m_waitWithoutLimit ? std::numeric_limits<int>::max() : m_waitAttempts;
+    if (attempts < 1)
+        return false;
+    for (int i = 0;;) {
+        logInfo("wait for ", i, "second...");
+        {
+            const QMutexLocker lock(&m_cacheMutex);
+            if (!m_resultCache.isEmpty()) {
+                result = m_resultCache.takeFirst();
+                break;
+            }
+        }
+        // A socket that is closed returns at once: a bounded wait is then over soon, an unbounded one must not spin.
+        if (!m_socket->waitForReadyRead(m_readWait) && m_waitWithoutLimit &&
+            m_socket->state() == QAbstractSocket::UnconnectedState)
+            QThread::msleep(static_cast<unsigned long>(m_readWait));
+        if (++i == attempts)
+            return false;
+    }
+    logInfo("success");
+    m_waitWithoutLimit = false;
+    return true;
+}
+
+QByteArray ClientSession::GetCompletePack(const QByteArray& payload)
+{
+    return HubFrame::pack(payload);
+}
+
+qint32 ClientSession::GetPackLength(const QByteArray& header)
+{
+    return HubFrame::payloadLength(header);
+}
+
+bool ClientSession::initPackData()
+{
+    m_receiver->reset();
+    return true;
+}
+
+void ClientSession::slot_ReadMessage()
+{
+    m_receiver->receive(*m_socket, [this](const QByteArray& payload) {
+        const QMutexLocker lock(&m_cacheMutex);
+        m_resultCache.append(payload);
+    });
+}
+
+void ClientSession::slot_SocketError(QAbstractSocket::SocketError socketErr)
+{
+    qCritical() << "socket error, errcode " << socketErr;
+}
+
+void ClientSession::slot_Connected()
+{
+    m_reconnectTimer.stop();
+    m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    m_isConnected = true;
+    logInfo("connected");
+}
+
+void ClientSession::slot_DisConnect()
+{
+    // The connected flag stays: callers take it for "was connected and not given up".
+    m_reconnectTimer.start(m_reconnectInterval);
+}
+
+// The timer goes on until a connection stops it; connecting anew is the owner's decision.
+void ClientSession::slot_ReConnect() {}
+
+} // namespace CabinetSenderSpace

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <QAbstractSocket>
+#include <QByteArray>
+#include <QList>
+#include <QMutex>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+#include <qualityutility/qualityutility_export.h>
+
+#include <memory>
+
+class QTcpSocket;
+
+namespace HubFrame {
+class Receiver;
+}
+
+namespace CabinetSenderSpace {
+
+/// A TCP session with the message hub: one framed request at a time, answered by one framed reply. docs/message-hub.md
+/// has the frames.
+///
+/// Used on the thread that owns it; requests are serialised by the caller. Replies are paired with requests first in,
+/// first out: one that comes after its request has timed out answers the next request. That is how hubs and clients
+/// work together, so it stays.
+class QUALITYUTILITY_EXPORT ClientSession : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ClientSession(QObject* parent = nullptr);
+    /// Closes the connection.
+    ~ClientSession() override;
+
+    /// Connects, blocking for at most the connect wait (500 ms). Always true: whether it is connected isConnected()
+    /// says, also a little later. Does nothing when it is connected already.
+    bool connectToServer(QString host, unsigned short port);
+    /// Closes the connection. Always true.
+    bool disServerConnect();
+    /// True from the first connection to disServerConnect(); a connection that the hub closes does not change it.
+    bool isConnected() const;
+
+    /// Sends a request and blocks until a reply is there: for the wait attempts times the read wait (900 times 1000
+    /// ms), or without limit. False when it is not connected, when the request cannot be written, or when no reply
+    /// came; `reply` then stays as it was.
+    bool sendToServerSync(const QByteArray& request, QByteArray& reply, bool waitWithoutLimit);
+
+    /// Shortens the waits, for tests and impatient hosts: of connectToServer, of one look for a reply (both ms), and
+    /// how many looks there are.
+    void setWaits(int connectWait, int readWait, int attempts);
+
+    /// The frame of a payload: its length in four bytes, little-endian, and the payload.
+    QByteArray GetCompletePack(const QByteArray& payload);
+    /// The length that a header of exactly four bytes announces, negative as 0; otherwise 0.
+    qint32 GetPackLength(const QByteArray& header);
+    /// Takes the oldest reply, waiting for one as sendToServerSync does.
+    bool getResultFromCache(QByteArray& result);
+    /// Forgets the frame that is being received. Always true.
+    bool initPackData();
+
+Q_SIGNALS:
+    /// Declared for listeners; never emitted by the session.
+    void recvmsgdata(QString msgHubCommunication);
+
+private Q_SLOTS:
+    void slot_ReadMessage();
+    void slot_SocketError(QAbstractSocket::SocketError socketErr);
+    void slot_Connected();
+    void slot_DisConnect();
+    void slot_ReConnect();
+
+private:
+    QTcpSocket* m_socket;
+    bool m_isConnected = false;
+    QString m_host;
+    quint16 m_port = 0;
+    QTimer m_reconnectTimer;
+    std::unique_ptr<HubFrame::Receiver> m_receiver;
+    QList<QByteArray> m_resultCache; ///< oldest first
+    QMutex m_cacheMutex;             ///< guards the cache; never held across a wait
+    int m_reconnectInterval = 5000;
+    int m_connectWait = 500;
+    int m_readWait = 1000;
+    int m_waitAttempts = 900;
+    bool m_waitWithoutLimit = false;
+};
+
+} // namespace CabinetSenderSpace

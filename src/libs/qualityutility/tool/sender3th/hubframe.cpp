@@ -1,0 +1,88 @@
+#include "hubframe_p.h"
+#include "hublog_p.h"
+
+#include <QtEndian>
+
+#include <algorithm>
+
+namespace HubFrame {
+
+namespace {
+
+/// Appends the bytes up to the first zero, decoded as UTF-8 and encoded again; gives the number of characters. ASCII,
+/// as payloads are, is the same decoded and encoded.
+int appendText(const QByteArray& bytes, QByteArray& body)
+{
+    const int length = static_cast<int>(qstrnlen(bytes.constData(), static_cast<uint>(bytes.size())));
+    const bool isAscii =
+        std::all_of(bytes.constData(), bytes.constData() + length, [](char c) { return (c & 0x80) == 0; });
+    if (isAscii) {
+        body.append(bytes.constData(), length);
+        return length;
+    }
+    const QString text = QString::fromUtf8(bytes.constData(), length);
+    body += text.toUtf8();
+    return text.size();
+}
+
+} // namespace
+
+QByteArray pack(const QByteArray& payload)
+{
+    QByteArray frame(headerLength, Qt::Uninitialized);
+    qToLittleEndian(static_cast<qint32>(payload.size()), frame.data());
+    return frame + payload;
+}
+
+qint32 payloadLength(const QByteArray& header)
+{
+    return header.size() == headerLength ? qMax(0, qFromLittleEndian<qint32>(header.constData())) : 0;
+}
+
+void Receiver::reset()
+{
+    m_headerMissing = headerLength;
+    m_bodyExpected = 0;
+    m_header.clear();
+    m_body.clear();
+}
+
+void Receiver::receive(QIODevice& device, const std::function<void(const QByteArray& payload)>& complete)
+{
+    while (m_headerMissing > 0 ? receiveHeader(device) : receiveBody(device, complete)) {
+    }
+}
+
+bool Receiver::receiveHeader(QIODevice& device)
+{
+    const QByteArray part = device.read(m_headerMissing);
+    m_headerMissing -= part.size();
+    m_header += part;
+    if (m_header.size() != headerLength)
+        return false;
+    logInfo("pack header read success");
+    m_bodyExpected = payloadLength(m_header);
+    logInfo("data length", m_bodyExpected);
+    if (m_bodyExpected > 0)
+        return true;
+    reset(); // a frame without payload is dropped
+    return false;
+}
+
+bool Receiver::receiveBody(QIODevice& device, const std::function<void(const QByteArray& payload)>& complete)
+{
+    const int characters = appendText(device.readAll(), m_body);
+    if (characters == 0) {
+        logInfo("recv empty");
+        return false;
+    }
+    if (m_bodyExpected != characters) {
+        m_bodyExpected -= characters;
+        return true;
+    }
+    complete(m_body);
+    reset();
+    return true;
+}
+
+} // namespace HubFrame

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QDebug>
+#include <QLoggingCategory>
+
+/// A line at info level in the default category. Nothing is formatted when that level is off.
+template <typename... Items>
+void logInfo(const Items&... items)
+{
+    if (QLoggingCategory::defaultCategory()->isInfoEnabled())
+        (qInfo() << ... << items);
+}
