@@ -4,6 +4,8 @@
 #include <QJsonObject>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -30,7 +32,7 @@ QProcess* start(const QStringList& arguments, QObject* parent)
 
 Run finish(QProcess* process)
 {
-    if (!process->waitForFinished(60000))
+    if (process->state() != QProcess::NotRunning && !process->waitForFinished(60000))
         qFatal("qualityctl does not end");
     return {process->exitStatus() == QProcess::NormalExit ? process->exitCode() : -1,
             QString::fromUtf8(process->readAllStandardOutput()), QString::fromUtf8(process->readAllStandardError())};
@@ -174,6 +176,9 @@ private Q_SLOTS:
         row("gray write --calibration gray-calibration.json --out wall.json", 73, "expected a folder, found a file");
         row("settings set Speed 3", 64, "the library writes only freq and open-path");
         row("settings set freq fast", 64, "freq: expected a frequency in Hz above 0, found \"fast\"");
+        row("hub ping --host 127.0.0.1", 64, "--host: needs --port");
+        row("hub ping --port 65536", 64, "--port");
+        row("hub send gray --table absent.csv", 66, "gray table absent.csv: no such file");
         row("doc check absent.gray", 66, "document absent.gray: no such file");
         row("doc check gray-table.csv", 65, "not JSON");
         row("doc show wall.json", 65, "not a picture-quality document");
@@ -224,6 +229,68 @@ private Q_SLOTS:
         QCOMPARE(shown["settings"]["frequency_hz"].toDouble(), 60.0); // the shipped file, beside the executable
         QVERIFY(QFile::exists(shown["file"].toString()));
         QVERIFY(QFile::exists(m_folder.filePath("company/qualityadjust/data/defaultcolorgamut.cfg")));
+    }
+
+    void hubCommandsTalkToAHub()
+    {
+        const Run alone = run({"hub", "ping", "--json"});
+        QCOMPARE(alone.exitCode, 0);
+        QVERIFY2(alone.err.startsWith("qualityctl: no address: using a simulated hub"), qPrintable(alone.err));
+        QCOMPARE(alone.json()["level"].toInt(), 14);
+        QCOMPARE(run({"hub", "send", "gray", "--table", "gray-table.csv"}).exitCode, 0);
+        QCOMPARE(run({"hub", "send", "gamut", "--gamut", "rec709"}).exitCode, 0);
+        QCOMPARE(run({"hub", "send", "measure", "--gamut", "measured-gamut.json"}).exitCode, 0);
+
+        QObject owner;
+        QProcess* server = start({"hub", "serve"}, &owner);
+        server->setReadChannel(QProcess::StandardError);
+        QVERIFY(server->waitForReadyRead(10000));
+        const QString port = QString::fromUtf8(server->readLine()).section(':', 2).section(';', 0, 0);
+        const Run there = run({"hub", "fine-gray", "--port", port});
+        QVERIFY2(there.exitCode == 0 && there.out.contains("level 14, mode 1"), qPrintable(there.err));
+        ::kill(static_cast<pid_t>(server->processId()), SIGINT);
+        const Run served = finish(server);
+        QCOMPARE(served.exitCode, 0);
+        QCOMPARE(served.out, QString("served 1 requests\n"));
+        const Run refused = run({"hub", "ping", "--port", port});
+        QCOMPARE(refused.exitCode, 69);
+        QVERIFY2(refused.err.contains("connection refused"), qPrintable(refused.err));
+    }
+
+    void hubFailuresAreToldApart_data()
+    {
+        QTest::addColumn<QByteArray>("answer"); ///< raw bytes; "close" closes the connection
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("silence") << QByteArray() << 75 << "no reply within 0.5 s";
+        QTest::newRow("closed") << QByteArray("close") << 69 << "the connection was closed before the reply";
+        QTest::newRow("not the protocol") << QByteArray("\x05\0\0\0hello", 9) << 76 << "not the hub's protocol";
+        QTest::newRow("error number") << QByteArray("\x0b\0\0\0{\"error\":7}", 15) << 69 << "error number 7";
+    }
+
+    void hubFailuresAreToldApart()
+    {
+        QFETCH(QByteArray, answer);
+        QFETCH(QString, message);
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        connect(&server, &QTcpServer::newConnection, [&] {
+            QTcpSocket* socket = server.nextPendingConnection();
+            connect(socket, &QTcpSocket::readyRead, [socket, answer] {
+                socket->readAll();
+                if (answer == "close")
+                    socket->close();
+                else
+                    socket->write(answer);
+            });
+        });
+        QObject owner;
+        QProcess* process =
+            start({"hub", "ping", "--timeout", "0.5", "--port", QString::number(server.serverPort())}, &owner);
+        QTRY_COMPARE_WITH_TIMEOUT(process->state(), QProcess::NotRunning, 10000); // this test's event loop is the hub
+        const Run done = finish(process);
+        QTEST(done.exitCode, "exitCode");
+        QVERIFY2(done.err.contains(message), qPrintable(done.err));
     }
 
     void aFaultyDocumentIsToldByPath_data()

@@ -11,4 +11,5 @@ void addWallCommands(CLI::App& app, Command& chosen);
 void addDocCommands(CLI::App& app, Command& chosen);
 void addGrayCommands(CLI::App& app, Command& chosen);
 void addSettingsCommands(CLI::App& app, Command& chosen);
+void addHubCommands(CLI::App& app, Command& chosen);
 void addSendCommands(CLI::App& app, Command& chosen);

@@ -9,6 +9,7 @@
 namespace {
 
 bool s_isQuiet = false;
+QString s_criticalLine;
 
 void writeLine(const char* text, size_t size)
 {
@@ -18,6 +19,8 @@ void writeLine(const char* text, size_t size)
 
 void qtMessage(QtMsgType type, const QMessageLogContext&, const QString& text)
 {
+    if (type == QtCriticalMsg)
+        s_criticalLine = text;
     const QByteArray utf8 = text.toUtf8();
     if (type != QtDebugMsg && type != QtInfoMsg)
         writeLine(utf8.constData(), static_cast<size_t>(utf8.size()));
@@ -66,4 +69,9 @@ void HostLog::install(bool quiet)
 QString HostLog::takeErrorText()
 {
     return errorSink()->takeErrorText();
+}
+
+QString HostLog::takeCriticalLine()
+{
+    return std::exchange(s_criticalLine, {});
 }

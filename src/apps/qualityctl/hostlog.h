@@ -12,4 +12,7 @@ void install(bool quiet);
 /// Takes the last error text; empty when there was none since the last call.
 QString takeErrorText();
 
+/// Takes the last critical line of Qt's log; empty when there was none since the last call.
+QString takeCriticalLine();
+
 } // namespace HostLog
