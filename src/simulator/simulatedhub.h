@@ -3,11 +3,11 @@
 #include "hubcommands.h"
 
 #include <QList>
-#include <QMutex>
 #include <QThread>
 
 #include <functional>
 #include <memory>
+#include <mutex>
 
 class QTcpServer;
 class QTcpSocket;
@@ -58,7 +58,7 @@ private:
     QThread m_thread;
     QTcpServer* m_server = nullptr; ///< lives on the thread
     quint16 m_port = 0;
-    mutable QMutex m_mutex; ///< guards what follows
+    mutable std::mutex m_mutex; ///< guards what follows
     HubCommands m_commands;
     Script m_script;
     QList<QByteArray> m_requests;

@@ -6,7 +6,6 @@
 #include <QElapsedTimer>
 #include <QJsonDocument>
 #include <QProcess>
-#include <QRegularExpression>
 #include <QTest>
 #include <qualityutility/tool/sender3th/cabinetsender3th.h>
 
@@ -32,9 +31,16 @@ Model::ColorGamutInfo gamut()
 std::unique_ptr<ClientSession> connected(quint16 port)
 {
     auto session = std::make_unique<ClientSession>();
-    session->setWaits(2000, 50, 4);
+    session->setWaits(2000, 5, 60); // every arrival is one of the sixty looks
     session->connectToServer("127.0.0.1", port);
     return session;
+}
+
+QByteArray nextLine(QProcess& process)
+{
+    while (!process.canReadLine() && process.waitForReadyRead(20000)) {
+    }
+    return process.readLine().trimmed();
 }
 
 } // namespace
@@ -208,8 +214,7 @@ private Q_SLOTS:
     void aLateReplyAnswersTheNextRequest()
     {
         // A hub that is one reply behind: every request but the first gets the reply to the one before it.
-        QByteArray before;
-        m_hub->setScript([&before](const QByteArray& request, const QByteArray&) {
+        m_hub->setScript([before = QByteArray()](const QByteArray& request, const QByteArray&) mutable {
             const QByteArray late = std::exchange(before, "reply to " + request);
             return late.isEmpty() ? HubAnswer() : HubAnswer{{hubFrame(late)}};
         });
@@ -316,8 +321,7 @@ private Q_SLOTS:
         python.start("python3", {EXAMPLES "/hub_server.py"});
         if (!python.waitForStarted())
             QSKIP("python3 is not here");
-        QVERIFY(python.waitForReadyRead(20000));
-        const quint16 port = python.readLine().trimmed().toUShort();
+        const quint16 port = nextLine(python).toUShort();
         const auto session = connected(port);
         CabinetSender3th::getInstance()->attachSession(session.get());
         int level = -1;
@@ -325,8 +329,7 @@ private Q_SLOTS:
         QCOMPARE(CabinetSender3th::getInstance()->getFineGrayConfig("a", 1, level, mode), 0);
         QCOMPARE(level, 4);
         QCOMPARE(mode, 1);
-        QVERIFY(python.waitForReadyRead(20000));
-        QCOMPARE(python.readLine().trimmed(), QByteArray("12000000 7b0a2020202022636d64223a2031370a7d0a"));
+        QCOMPARE(nextLine(python), QByteArray("12000000 7b0a2020202022636d64223a2031370a7d0a"));
         session->disServerConnect();
         QVERIFY(python.waitForFinished(20000));
     }
