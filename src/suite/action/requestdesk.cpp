@@ -72,25 +72,20 @@ void Mailbox::transportLost(std::uint64_t generation)
         wake();
 }
 
+// One event per answer, never one for several: a nested event loop begins with what is posted from then on, and may
+// pass over an event that was waiting before.
 void Mailbox::wake()
 {
-    if (m_isAwake)
-        return;
-    m_isAwake = true;
     QCoreApplication::postEvent(m_desk, new QEvent(wakeEventType()));
 }
 
 std::optional<Answer> Mailbox::take()
 {
     const std::lock_guard lock(m_mutex);
-    m_isAwake = false;
     if (m_answers.empty())
         return std::nullopt;
     Answer oldest = std::move(m_answers.front());
     m_answers.pop_front();
-    // The oldest answer's callback may wait in an event loop of its own for the next one.
-    if (!m_answers.empty())
-        wake();
     return oldest;
 }
 

@@ -33,7 +33,7 @@ public:
     /// Tells the desk that requests over transports before `generation` get no answer any more.
     void transportLost(std::uint64_t generation);
 
-    /// The oldest answer left here, if there is one. Wakes the desk again when more are left.
+    /// The oldest answer left here, if there is one.
     std::optional<Answer> take();
     std::uint64_t lostBefore();
     /// The asking thread is done: answers are dropped from now on.
@@ -47,7 +47,6 @@ private:
     const std::thread::id m_owner;
     std::deque<Answer> m_answers;
     std::uint64_t m_lostBefore = 0;
-    bool m_isAwake = false; ///< a wake-up is on its way
 };
 
 /// The requests in flight of one asking thread. A request stands in its table until it ends: it is taken out first,

@@ -3,7 +3,9 @@
 #include <suite/action/action.h>
 
 #include <QCoreApplication>
+#include <QEventLoop>
 #include <QTest>
+#include <QTimer>
 
 #include <thread>
 
@@ -249,6 +251,38 @@ private Q_SLOTS:
         m_transport->responders[1].reply({});
         QTRY_VERIFY(first->isEnded() && order.size() == 3);
         QCOMPARE(order, QStringList({"first begins", "second", "first ends"}));
+    }
+
+    void aWaitThatBeginsBeforeAnAnswerIsDeliveredLosesNeither()
+    {
+        // The outer answer is on its way when an event of the application begins an inner wait, whose answer is there
+        // at once.
+        m_transport->insideCall = [](const Action::Responder& responder) {
+            std::thread([&] { responder.reply(numbered(1)); }).join();
+        };
+        Endings outer;
+        Endings inner;
+        const auto waitFor = [](Endings& endings) {
+            QEventLoop loop;
+            const auto handle = Action::put(
+                "Device_Test", "left", {},
+                [&](const Parameters&, const std::string&) {
+                    endings.add("reply");
+                    loop.quit();
+                },
+                [&](const QString& text) {
+                    endings.add(text);
+                    loop.quit();
+                },
+                true, PackagePriority::Normal);
+            if (!handle->isEnded())
+                loop.exec();
+        };
+        Action::setTimeoutUnit(100ms); // 3 s: a lost answer shows as a timeout
+        QTimer::singleShot(0, [&] { waitFor(inner); });
+        waitFor(outer);
+        QCOMPARE(outer.texts, QStringList("reply"));
+        QCOMPARE(inner.texts, QStringList("reply"));
     }
 
     void theEndOfTheAskingThreadEndsItsRequestsThere()
