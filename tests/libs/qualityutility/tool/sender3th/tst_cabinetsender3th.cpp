@@ -36,6 +36,15 @@ std::unique_ptr<ClientSession> connected(quint16 port)
     return session;
 }
 
+/// Skips the test when python3 is not here.
+bool isStarted(QProcess& python)
+{
+    if (python.waitForStarted())
+        return true;
+    QTest::qSkip("python3 is not here", __FILE__, __LINE__);
+    return false;
+}
+
 QByteArray nextLine(QProcess& process)
 {
     while (!process.canReadLine() && process.waitForReadyRead(20000)) {
@@ -307,8 +316,8 @@ private Q_SLOTS:
     {
         QProcess python;
         python.start("python3", {EXAMPLES "/hub_client.py", QString::number(m_hub->port())});
-        if (!python.waitForStarted())
-            QSKIP("python3 is not here");
+        if (!isStarted(python))
+            return;
         QVERIFY(python.waitForFinished(20000));
         QVERIFY2(python.exitCode() == 0, python.readAllStandardError().constData());
         QCOMPARE(python.readAllStandardOutput(), QByteArray("level 14, mode 1\nerror 2: unknown command 99\n"));
@@ -319,8 +328,8 @@ private Q_SLOTS:
     {
         QProcess python;
         python.start("python3", {EXAMPLES "/hub_server.py"});
-        if (!python.waitForStarted())
-            QSKIP("python3 is not here");
+        if (!isStarted(python))
+            return;
         const quint16 port = nextLine(python).toUShort();
         const auto session = connected(port);
         CabinetSender3th::getInstance()->attachSession(session.get());
