@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cmath>
 
 namespace Colour {
 
@@ -68,6 +69,15 @@ inline std::array<double, 3> luminanceShares(const Primaries& primaries)
     const double red = ((w[0] - b[0]) * (g[1] - b[1]) - (g[0] - b[0]) * (w[1] - b[1])) / det;
     const double green = ((r[0] - b[0]) * (w[1] - b[1]) - (w[0] - b[0]) * (r[1] - b[1])) / det;
     return {red, green, 1.0 - red - green};
+}
+
+/// Whether the primaries span no triangle, or are not numbers.
+inline bool isOnOneLine(const Primaries& p)
+{
+    constexpr double minTwiceArea = 1e-9;
+    const double twiceArea =
+        (p.green.x - p.red.x) * (p.blue.y - p.red.y) - (p.blue.x - p.red.x) * (p.green.y - p.red.y);
+    return !(std::abs(twiceArea) > minTwiceArea);
 }
 
 } // namespace Colour

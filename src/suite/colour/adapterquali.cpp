@@ -1,0 +1,56 @@
+#include "adapterquali.h"
+
+#include "colourdifference.h"
+#include "correction.h"
+#include "coverage.h"
+
+#include <algorithm>
+
+namespace {
+
+Colour::Primaries primaries(const ColorGamutPARM& gamut, const OnePointLxy& white = {})
+{
+    return {{gamut.redX, gamut.redY}, {gamut.greenX, gamut.greenY}, {gamut.blueX, gamut.blueY}, {white.x, white.y}};
+}
+
+bool hasZeroY(const ColorGamutPARM& gamut)
+{
+    return gamut.redY == 0.0 || gamut.greenY == 0.0 || gamut.blueY == 0.0;
+}
+
+Colour::Vector3 toXyz(const OnePointLxy& point)
+{
+    return {point.L * point.x / point.y, point.L, point.L * (1.0 - point.x - point.y) / point.y};
+}
+
+} // namespace
+
+void AdapterQuali::MICCMatrixCoef(short* coefficients, double* whiteLumRatio, const ColorGamutPARM& target,
+                                  const ColorGamutPARM& source, OnePointLxy targetWhite, OnePointLxy sourceWhite) const
+{
+    std::fill_n(coefficients, 9, short{0});
+    const auto correction = Colour::correctionMatrix(primaries(source, sourceWhite), primaries(target, targetWhite));
+    if (!correction)
+        return;
+    const auto scale = Colour::whiteScale(*correction, *whiteLumRatio, targetWhite.L, sourceWhite.L);
+    if (!scale)
+        return;
+    const auto fixed = Colour::quantised(Colour::scaled(*correction, *scale));
+    std::copy(fixed.begin(), fixed.end(), coefficients);
+}
+
+void AdapterQuali::MICCGamutCoverge(double* first, double* second, const ColorGamutPARM& source,
+                                    const ColorGamutPARM& target) const
+{
+    Colour::Coverage coverage;
+    if (!hasZeroY(source) && !hasZeroY(target))
+        coverage = Colour::coverage(primaries(source), primaries(target));
+    *first = coverage.ratio;
+    *second = coverage.covered;
+}
+
+double AdapterQuali::MDeltaE76Lxy(OnePointLxy first, OnePointLxy second, OnePointLxy white) const
+{
+    const Colour::Vector3 whiteXyz = toXyz(white);
+    return Colour::deltaE76(Colour::toLab(toXyz(first), whiteXyz), Colour::toLab(toXyz(second), whiteXyz));
+}

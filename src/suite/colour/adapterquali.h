@@ -1,0 +1,44 @@
+#pragma once
+
+#include <suite/colour/suite_colour_export.h>
+
+/// CIE 1931 chromaticities of the primaries.
+struct ColorGamutPARM
+{
+    double redX;
+    double redY;
+    double greenX;
+    double greenY;
+    double blueX;
+    double blueY;
+};
+
+/// One colour point: luminance in cd/m2 and CIE 1931 chromaticity.
+struct OnePointLxy
+{
+    double L;
+    double x;
+    double y;
+};
+
+/// The suite's door to its colour science. Stateless: any thread, nothing is allocated, nothing throws.
+class SUITE_COLOUR_EXPORT AdapterQuali
+{
+public:
+    /// The nine coefficients that make a wall of `source` primaries and white show `target` content: a 3 x 3 matrix,
+    /// row-major, LED channels in rows, content channels in columns, signed Q1.14 (1.0 is 16384). `whiteLumRatio`
+    /// (0..1) goes from "white as bright as every channel allows" (0) to "white as bright as the target's white" (1).
+    /// Nine zeros for input that has no correction: a y of zero, three points on a line, a number that is not finite, a
+    /// source white on its triangle's edge. docs/colour.md has the derivation.
+    void MICCMatrixCoef(short* coefficients, double* whiteLumRatio, const ColorGamutPARM& target,
+                        const ColorGamutPARM& source, OnePointLxy targetWhite, OnePointLxy sourceWhite) const;
+
+    /// `first` = area(source) / area(target), `second` = area(source and target) / area(target), CIE 1931 xy,
+    /// fractions. Both zero for a triangle without area, a y of zero or a number that is not finite.
+    void MICCGamutCoverge(double* first, double* second, const ColorGamutPARM& source,
+                          const ColorGamutPARM& target) const;
+
+    /// CIE 1976 colour difference of two points beside the same white, whose luminance is L* 100. NaN where a y or the
+    /// white's luminance is zero.
+    double MDeltaE76Lxy(OnePointLxy first, OnePointLxy second, OnePointLxy white) const;
+};

@@ -1,0 +1,142 @@
+#include "correction.h"
+
+#include "colourdifference.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace Colour {
+
+namespace {
+
+bool isUsable(const Chromaticity& c)
+{
+    return std::isfinite(c.x) && std::isfinite(c.y) && c.y != 0.0;
+}
+
+std::int64_t toFixedPoint(double value)
+{
+    constexpr double limit = 1e15; // far outside the type, well inside the integers
+    return std::llround(std::clamp(value * fullScale, -limit, limit));
+}
+
+std::int16_t limited(std::int64_t value)
+{
+    using Limits = std::numeric_limits<std::int16_t>;
+    return static_cast<std::int16_t>(std::clamp<std::int64_t>(value, Limits::min(), Limits::max()));
+}
+
+Chromaticity chromaticity(const Vector3& xyz)
+{
+    const double sum = rowSum(xyz);
+    return {xyz[0] / sum, xyz[1] / sum};
+}
+
+} // namespace
+
+std::optional<Matrix3> rgbToXyz(const Primaries& primaries)
+{
+    const std::array points{primaries.red, primaries.green, primaries.blue, primaries.white};
+    if (!std::all_of(points.begin(), points.end(), isUsable) || isOnOneLine(primaries))
+        return std::nullopt;
+    const auto shares = luminanceShares(primaries);
+    Matrix3 result{};
+    for (std::size_t column = 0; column < 3; ++column) {
+        const Chromaticity& c = points[column];
+        result[0][column] = shares[column] * c.x / c.y;
+        result[1][column] = shares[column];
+        result[2][column] = shares[column] * (1.0 - c.x - c.y) / c.y;
+    }
+    if (!isFinite(result))
+        return std::nullopt;
+    return result;
+}
+
+std::optional<Matrix3> correctionMatrix(const Primaries& source, const Primaries& target)
+{
+    const auto sourceToXyz = rgbToXyz(source);
+    const auto targetToXyz = rgbToXyz(target);
+    if (!sourceToXyz || !targetToXyz)
+        return std::nullopt;
+    const auto xyzToSource = inverse(*sourceToXyz);
+    if (!xyzToSource)
+        return std::nullopt;
+    const Matrix3 result = multiply(*xyzToSource, *targetToXyz);
+    if (!isFinite(result))
+        return std::nullopt;
+    return result;
+}
+
+std::optional<double> whiteScale(const Matrix3& correction, double ratio, double targetLuminance,
+                                 double sourceLuminance)
+{
+    const double fit = 1.0 / std::max({rowSum(correction[0]), rowSum(correction[1]), rowSum(correction[2])});
+    double keep = 1.0;
+    if (targetLuminance > 0.0 && sourceLuminance > 0.0 && std::isfinite(targetLuminance / sourceLuminance))
+        keep = targetLuminance / sourceLuminance;
+    const double k = ratio > 0.0 ? std::min(ratio, 1.0) : 0.0;
+    const double scale = fit + k * (keep - fit);
+    if (!(fit > 0.0) || !(scale > 0.0) || !std::isfinite(scale))
+        return std::nullopt;
+    return scale;
+}
+
+Coefficients quantised(const Matrix3& correction)
+{
+    Coefficients result{};
+    for (std::size_t row = 0; row < 3; ++row) {
+        const Vector3& exact = correction[row];
+        std::array<std::int64_t, 3> rounded{};
+        std::transform(exact.begin(), exact.end(), rounded.begin(), toFixedPoint);
+        const auto largest =
+            std::max_element(exact.begin(), exact.end(), [](double a, double b) { return std::abs(a) < std::abs(b); });
+        rounded[static_cast<std::size_t>(largest - exact.begin())] +=
+            toFixedPoint(rowSum(exact)) - (rounded[0] + rounded[1] + rounded[2]);
+        std::transform(rounded.begin(), rounded.end(), result.data() + 3 * row, limited);
+    }
+    return result;
+}
+
+std::optional<ReachedGamut> reachedGamut(const Primaries& source, const Coefficients& coefficients)
+{
+    const auto toXyz = rgbToXyz(source);
+    if (!toXyz)
+        return std::nullopt;
+    ReachedGamut result;
+    for (std::size_t colour = 0; colour < 4; ++colour) {
+        Vector3 drive{};
+        for (std::size_t channel = 0; channel < 3; ++channel) {
+            const std::int16_t* row = coefficients.data() + 3 * channel;
+            const int wanted = colour < 3 ? row[colour] : row[0] + row[1] + row[2];
+            const int shown = std::clamp(wanted, 0, fullScale);
+            drive[channel] = static_cast<double>(shown) / fullScale;
+            result.outOfReach[colour] = result.outOfReach[colour] || shown != wanted;
+        }
+        result.xyz[colour] = multiply(*toXyz, drive);
+        if (!(rowSum(result.xyz[colour]) > 0.0) || !(result.xyz[colour][1] > 0.0))
+            return std::nullopt;
+    }
+    result.primaries = {chromaticity(result.xyz[0]), chromaticity(result.xyz[1]), chromaticity(result.xyz[2]),
+                        chromaticity(result.xyz[3])};
+    result.whiteKept = result.xyz[3][1];
+    return result;
+}
+
+std::optional<std::array<double, 4>> differences(const ReachedGamut& reached, const Primaries& target)
+{
+    const auto toXyz = rgbToXyz(target);
+    if (!toXyz)
+        return std::nullopt;
+    const Vector3 white = multiply(*toXyz, Vector3{1.0, 1.0, 1.0});
+    const std::array<Vector3, 4> content{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 1, 1}}};
+    std::array<double, 4> result{};
+    for (std::size_t colour = 0; colour < 4; ++colour) {
+        Vector3 shown = reached.xyz[colour];
+        for (double& value : shown)
+            value /= reached.whiteKept;
+        result[colour] = ciede2000(toLab(multiply(*toXyz, content[colour]), white), toLab(shown, white));
+    }
+    return result;
+}
+
+} // namespace Colour

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <suite/colour/matrix.h>
+#include <suite/colour/primaries.h>
+#include <suite/colour/suite_colour_export.h>
+
+#include <array>
+#include <cstdint>
+#include <optional>
+
+namespace Colour {
+
+/// Nine coefficients of a correction, row-major: rows are LED channels, columns content channels (red, green, blue in
+/// both). Signed Q1.14: `fullScale` is 1.0.
+using Coefficients = std::array<std::int16_t, 9>;
+inline constexpr int fullScale = 16384;
+
+/// Linear RGB to CIE XYZ: the columns are the XYZ of red, green and blue, scaled so that (1, 1, 1) gives white with
+/// Y = 1 (SMPTE RP 177). Nothing for primaries that make no RGB system: a y of zero, three points on a line, a number
+/// that is not finite.
+SUITE_COLOUR_EXPORT std::optional<Matrix3> rgbToXyz(const Primaries& primaries);
+
+/// Linear target RGB to linear LED drive, N_source^-1 * N_target: equal luminance of white, no chromatic adaptation,
+/// not yet scaled to what a wall can show. Its row sums are the drive of target white. Nothing where either system is
+/// none, or where the source cannot be inverted (its white lies on its triangle's edge).
+SUITE_COLOUR_EXPORT std::optional<Matrix3> correctionMatrix(const Primaries& source, const Primaries& target);
+
+/// The factor for a correction matrix, s_fit + k (s_keep - s_fit) with k = `ratio` limited to 0..1. At 0, s_fit =
+/// 1 / largest row sum: white is as bright as it can be without any channel above full scale. At 1, s_keep = target's
+/// over source's luminance of white (cd/m2; 1 where either is not positive and finite). Nothing where no positive
+/// factor exists.
+SUITE_COLOUR_EXPORT std::optional<double> whiteScale(const Matrix3& correction, double ratio, double targetLuminance,
+                                                     double sourceLuminance);
+
+/// A scaled correction in fixed point: each entry rounded to nearest, the largest of each row then adjusted so that the
+/// row sums to its own rounded sum (white is what the eye sees), then limited to the type.
+SUITE_COLOUR_EXPORT Coefficients quantised(const Matrix3& correction);
+
+/// What coefficients make of full red, green, blue and white of the content.
+struct ReachedGamut
+{
+    Primaries primaries;
+    double whiteKept = 0.0; ///< luminance of white over the source's luminance of white
+    /// XYZ of red, green, blue and white; Y = 1 is the source's white.
+    std::array<Vector3, 4> xyz{};
+    /// Whether red, green, blue, white needs a channel below zero or above full scale, where a wall stops.
+    std::array<bool, 4> outOfReach{};
+};
+
+/// The gamut that a wall of the primaries `source` really shows with these coefficients; channels are limited to
+/// 0..full scale, as a wall limits them. Nothing where the source is no RGB system or where red, green, blue or white
+/// comes out without light.
+SUITE_COLOUR_EXPORT std::optional<ReachedGamut> reachedGamut(const Primaries& source, const Coefficients& coefficients);
+
+/// CIEDE2000 of red, green, blue and white between a reached gamut and the target. Luminance is relative to each one's
+/// own white, so that a wall that is only dimmer differs by nothing; L*a*b* is taken beside the target's white. Nothing
+/// where the target is no RGB system.
+SUITE_COLOUR_EXPORT std::optional<std::array<double, 4>> differences(const ReachedGamut& reached,
+                                                                     const Primaries& target);
+
+} // namespace Colour

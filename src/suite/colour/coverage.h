@@ -1,0 +1,33 @@
+#pragma once
+
+#include <suite/colour/primaries.h>
+#include <suite/colour/suite_colour_export.h>
+
+namespace Colour {
+
+/// How a gamut's triangle relates to another's. Fractions.
+struct Coverage
+{
+    double ratio = 0.0;   ///< area(gamut) / area(against), 0 or more
+    double covered = 0.0; ///< area(gamut and against) / area(against), 0..1
+};
+
+/// CIE 1976 u', v' = 4x, 9y over -2x + 12y + 3.
+constexpr Chromaticity uvPrime(const Chromaticity& xy)
+{
+    const double divisor = -2.0 * xy.x + 12.0 * xy.y + 3.0;
+    return {4.0 * xy.x / divisor, 9.0 * xy.y / divisor};
+}
+
+/// The primaries and white in u'v'.
+constexpr Primaries uvPrime(const Primaries& xy)
+{
+    return {uvPrime(xy.red), uvPrime(xy.green), uvPrime(xy.blue), uvPrime(xy.white)};
+}
+
+/// Areas in the plane in which the primaries are given; the turn of either triangle does not matter, nor does white.
+/// Intersection by Sutherland-Hodgman clipping, area by the shoelace formula. Both figures are zero where either
+/// set of primaries is on one line or not finite.
+SUITE_COLOUR_EXPORT Coverage coverage(const Primaries& gamut, const Primaries& against);
+
+} // namespace Colour

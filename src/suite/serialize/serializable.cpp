@@ -1,0 +1,110 @@
+#include "serializable.h"
+
+#include <QDebug>
+#include <QMetaProperty>
+
+namespace Xq::Serialize {
+
+namespace {
+
+bool isNumber(int type)
+{
+    switch (type) {
+    case QMetaType::Char:
+    case QMetaType::SChar:
+    case QMetaType::UChar:
+    case QMetaType::Short:
+    case QMetaType::UShort:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::Long:
+    case QMetaType::ULong:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Float:
+    case QMetaType::Double:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// `value` as a number of `type`; invalid where that would change it. Numbers between integers and floating point go
+/// through JSON documents as doubles, so 3.0 is an integer and 3.5 is not.
+QVariant withoutLoss(const QVariant& value, int type)
+{
+    constexpr double maxExact = 9007199254740992.0; // 2^53: beyond it a double is not one integer
+    const double number = value.toDouble();
+    if (type == QMetaType::Double || type == QMetaType::Float)
+        return number;
+    if (!(number >= -maxExact && number <= maxExact))
+        return {};
+    QVariant converted(static_cast<qlonglong>(number));
+    if (converted.toDouble() != number || !converted.convert(type) || converted.toDouble() != number)
+        return {};
+    return converted;
+}
+
+/// `value` as the property's type; invalid where it is none.
+QVariant fitted(const QVariant& value, const QMetaProperty& property)
+{
+    const int type = property.userType();
+    if (type == QMetaType::QVariant || value.userType() == type)
+        return value;
+    if (isNumber(type) && isNumber(value.userType()))
+        return withoutLoss(value, type);
+    return {};
+}
+
+} // namespace
+
+Serializable::Serializable(Serializable* parent) : QObject(parent) {}
+
+Serializable::Serializable(const Serializable& other) : QObject(nullptr), m_attribute(other.m_attribute) {}
+
+QVariantMap Serializable::serialize(const Serializable* object, quint32 /*attribute*/)
+{
+    QVariantMap map;
+    if (!object)
+        return map;
+    const QMetaObject& meta = *object->metaObject();
+    for (int i = staticMetaObject.propertyCount(); i < meta.propertyCount(); ++i)
+        map.insert(QString::fromLatin1(meta.property(i).name()), meta.property(i).read(object));
+    return map;
+}
+
+bool Serializable::deserialize(const QVariantMap& map, quint32 /*attribute*/)
+{
+    const QMetaObject& meta = *metaObject();
+    bool isWhole = true;
+    for (auto it = map.begin(); it != map.end(); ++it) {
+        const int index = meta.indexOfProperty(it.key().toLatin1().constData());
+        if (index < staticMetaObject.propertyCount()) {
+            qWarning() << meta.className() << "has no property" << it.key();
+            isWhole = false;
+            continue;
+        }
+        const QMetaProperty property = meta.property(index);
+        const QVariant value = fitted(it.value(), property);
+        if (!value.isValid() || !property.write(this, value)) {
+            qWarning() << meta.className() << "property" << it.key() << "expected" << property.typeName() << "found"
+                       << it.value();
+            isWhole = false;
+        }
+    }
+    return isWhole;
+}
+
+QVariant Serializable::packObjByAttribute(const QVariantMap& map, quint32 /*attribute*/)
+{
+    return map;
+}
+
+QVariantMap Serializable::unpackObjByAttribute(const QVariant& value, quint32 /*attribute*/)
+{
+    if (value.userType() != QMetaType::QVariantMap)
+        qWarning() << "a nested object expected a map, found" << value;
+    return value.toMap();
+}
+
+} // namespace Xq::Serialize
