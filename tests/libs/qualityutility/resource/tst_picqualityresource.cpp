@@ -1,4 +1,5 @@
 #include "support/logcapture.h"
+#include "support/threadedinstances.h"
 
 #include <sys/resource.h>
 
@@ -18,8 +19,6 @@
 
 #include <algorithm>
 #include <csignal>
-#include <set>
-#include <thread>
 
 using Resource = PicQualityResource;
 
@@ -422,22 +421,12 @@ private Q_SLOTS:
 
     void sixteenThreadsGetOneInstance()
     {
-        std::atomic<bool> go{false};
-        std::array<Resource*, 16> found{};
-        std::vector<std::thread> threads;
-        for (Resource*& slot : found) {
-            threads.emplace_back([&go, &slot] {
-                while (!go)
-                    std::this_thread::yield();
-                slot = Resource::getInstance();
-                if (slot->getFineGrayCacheFile().isEmpty()) // what is reached through it is complete
-                    slot = nullptr;
-            });
-        }
-        go = true;
-        for (std::thread& thread : threads)
-            thread.join();
-        QCOMPARE(std::set<Resource*>(found.begin(), found.end()), std::set<Resource*>{Resource::getInstance()});
+        const auto found = threadedInstances([] {
+            Resource* resource = Resource::getInstance();
+            // What is reached through it is complete.
+            return resource->getFineGrayCacheFile().isEmpty() ? nullptr : resource;
+        });
+        QCOMPARE(found, std::set<Resource*>{Resource::getInstance()});
     }
 
     void twoHundredStartsAndReleases()

@@ -1,10 +1,10 @@
 #include "clientsession.h"
 
 #include "hubframe_p.h"
-#include "hublog_p.h"
 
 #include <QTcpSocket>
 #include <QThread>
+#include <qualityutility/infolog_p.h>
 
 #include <limits>
 

@@ -1,7 +1,7 @@
 #include "hubframe_p.h"
-#include "hublog_p.h"
 
 #include <QtEndian>
+#include <qualityutility/infolog_p.h>
 
 #include <algorithm>
 

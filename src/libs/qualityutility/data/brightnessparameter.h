@@ -1,0 +1,103 @@
+#pragma once
+
+#include <QList>
+#include <QMap>
+#include <QString>
+#include <qualityutility/data/colortemperturepara.h>
+
+namespace ReceivingCard {
+
+/// Brightness, gamma and gain of a receiving card, with its colour temperature.
+///
+/// Brightness and gains are kept in 16 bits: what is set below 0 becomes 0, above 65535 becomes 65535.
+class QUALITYUTILITY_EXPORT BrightnessParameter : public Xq::Serialize::Serializable
+{
+    Q_OBJECT
+    Q_PROPERTY(bool ISEnable18BitModel MEMBER m_isEnable18BitModel)
+    Q_PROPERTY(int Brightness READ brightness WRITE setBrightness)
+    Q_PROPERTY(double RedGamma MEMBER m_redGamma)
+    Q_PROPERTY(double GreenGamma MEMBER m_greenGamma)
+    Q_PROPERTY(double BlueGamma MEMBER m_blueGamma)
+    Q_PROPERTY(bool IsCustomGamma MEMBER m_isCustomGamma)
+    Q_PROPERTY(bool IsSupportCurrentGain MEMBER m_isSupportCurrentGain)
+    Q_PROPERTY(int RedGain READ redGain WRITE setRedGain)
+    Q_PROPERTY(int GreenGain READ greenGain WRITE setGreenGain)
+    Q_PROPERTY(int BlueGain READ blueGain WRITE setBlueGain)
+    Q_PROPERTY(int MinGain READ minGain WRITE setMinGain)
+    Q_PROPERTY(int MaxGain READ maxGain WRITE setMaxGain)
+    Q_PROPERTY(QMap<int, QString> GainMap MEMBER m_gainMap)
+    Q_PROPERTY(QList<int> RedGammaTable MEMBER m_redGammaTable)
+    Q_PROPERTY(QList<int> GreenGammaTable MEMBER m_greenGammaTable)
+    Q_PROPERTY(QList<int> BlueGammaTable MEMBER m_blueGammaTable)
+    Q_PROPERTY(QVariant ColorTemperturePara READ _getColorTemperturePara WRITE _setColorTemperturePara)
+
+public:
+    explicit BrightnessParameter(Serializable* parent = nullptr);
+    BrightnessParameter(const BrightnessParameter& other) = default;
+
+    /// A copy of everything, the colour temperature included, without a parent; owned by the caller.
+    BrightnessParameter* clone() const { return new BrightnessParameter(*this); }
+
+    bool isEnable18BitModel() const { return m_isEnable18BitModel; }
+    void setEnable18BitModel(bool enable) { m_isEnable18BitModel = enable; }
+    int brightness() const { return m_brightness; }
+    void setBrightness(int value) { m_brightness = limited(value); }
+    double redGamma() const { return m_redGamma; }
+    void setRedGamma(double gamma) { m_redGamma = gamma; }
+    double greenGamma() const { return m_greenGamma; }
+    void setGreenGamma(double gamma) { m_greenGamma = gamma; }
+    double blueGamma() const { return m_blueGamma; }
+    void setBlueGamma(double gamma) { m_blueGamma = gamma; }
+    bool isCustomGamma() const { return m_isCustomGamma; }
+    void setCustomGamma(bool custom) { m_isCustomGamma = custom; }
+    bool isSupportCurrentGain() const { return m_isSupportCurrentGain; }
+    void setSupportCurrentGain(bool support) { m_isSupportCurrentGain = support; }
+    int redGain() const { return m_redGain; }
+    void setRedGain(int value) { m_redGain = limited(value); }
+    int greenGain() const { return m_greenGain; }
+    void setGreenGain(int value) { m_greenGain = limited(value); }
+    int blueGain() const { return m_blueGain; }
+    void setBlueGain(int value) { m_blueGain = limited(value); }
+    int minGain() const { return m_minGain; }
+    void setMinGain(int value) { m_minGain = limited(value); }
+    int maxGain() const { return m_maxGain; }
+    void setMaxGain(int value) { m_maxGain = limited(value); }
+    /// Gain steps and what a user is shown for each.
+    const QMap<int, QString>& gainMap() const { return m_gainMap; }
+    void setGainMap(const QMap<int, QString>& map) { m_gainMap = map; }
+    const QList<int>& redGammaTable() const { return m_redGammaTable; }
+    void setRedGammaTable(const QList<int>& table) { m_redGammaTable = table; }
+    const QList<int>& greenGammaTable() const { return m_greenGammaTable; }
+    void setGreenGammaTable(const QList<int>& table) { m_greenGammaTable = table; }
+    const QList<int>& blueGammaTable() const { return m_blueGammaTable; }
+    void setBlueGammaTable(const QList<int>& table) { m_blueGammaTable = table; }
+
+    const class ColorTemperturePara& colorTemperturePara() const { return m_colorTemperturePara; }
+    class ColorTemperturePara& colorTemperturePara() { return m_colorTemperturePara; }
+
+    QVariant _getColorTemperturePara() const;
+    void _setColorTemperturePara(const QVariant& value);
+
+private:
+    static quint16 limited(int value);
+
+    bool m_isEnable18BitModel = false;
+    quint16 m_brightness = 255;
+    double m_redGamma = 2.8;
+    double m_greenGamma = 2.8;
+    double m_blueGamma = 2.8;
+    bool m_isCustomGamma = false;
+    bool m_isSupportCurrentGain = false;
+    quint16 m_redGain = 255;
+    quint16 m_greenGain = 255;
+    quint16 m_blueGain = 255;
+    quint16 m_minGain = 0;
+    quint16 m_maxGain = 255;
+    QMap<int, QString> m_gainMap;
+    QList<int> m_redGammaTable;
+    QList<int> m_greenGammaTable;
+    QList<int> m_blueGammaTable;
+    class ColorTemperturePara m_colorTemperturePara;
+};
+
+} // namespace ReceivingCard

@@ -1,0 +1,7 @@
+#include "colortemperturepara.h"
+
+namespace ReceivingCard {
+
+ColorTemperturePara::ColorTemperturePara(Serializable* parent) : Serializable(parent) {}
+
+} // namespace ReceivingCard

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <suite/serialize/serializable.h>
+
+#include <qualityutility/qualityutility_export.h>
+
+namespace ReceivingCard {
+
+/// Selector of the kind of gamut coefficients that a receiving card uses.
+class QUALITYUTILITY_EXPORT NiccCoeffs : public Xq::Serialize::Serializable
+{
+    Q_OBJECT
+    Q_PROPERTY(unsigned char index MEMBER m_index)
+
+public:
+    explicit NiccCoeffs(Serializable* parent = nullptr);
+    NiccCoeffs(const NiccCoeffs& other) = default;
+
+    /// A copy without a parent, owned by the caller.
+    NiccCoeffs* clone() const { return new NiccCoeffs(*this); }
+
+    /// The bit of the index: 2^(index - 1) for 1 to 12, 1 for every other index.
+    int getType() const;
+    /// Stores the index, whatever it is, and gives its type.
+    int getTypeByIndex(unsigned char index);
+
+private:
+    unsigned char m_index = 1;
+};
+
+} // namespace ReceivingCard
