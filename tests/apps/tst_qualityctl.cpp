@@ -171,6 +171,8 @@ private Q_SLOTS:
         row("send gamut --gamut 0.6,0.3:0.3,0.6:0.1,0:0.3,0.3", 65, "blue: y must be above 0");
         row("send gamut --gamut 0.6,0.3:0.5,0.35:0.4,0.4:0.3,0.3", 65, "one line");
         row("send gamut --gamut 0.8,0.3:0.3,0.6:0.1,0.1:0.3,0.3", 65, "red: (0.8, 0.3) lies outside");
+        row("gamut coverage rec709 0.6,0.3:0.3,0.6:0.1,0.1:0.7,0.2", 65, "white (0.7, 0.2) lies outside the triangle");
+        row("gamut coefficients rec709", 64, "target is required");
         row("gray write --calibration absent.json --out x", 66, "gray calibration absent.json: no such file");
         row("gray write --calibration wall.json --out x", 65, "red: expected an array");
         row("gray write --calibration gray-calibration.json --out wall.json", 73, "expected a folder, found a file");
@@ -197,6 +199,26 @@ private Q_SLOTS:
         QTEST(json.exitCode, "exitCode");
         QVERIFY2(json.json().value("error")["message"].toString().contains(message), qPrintable(json.out));
         QCOMPARE(json.json().value("error")["code"].toInt(), json.exitCode);
+    }
+
+    void gamutFiguresAreFractionsAndComeFromTheIntegers()
+    {
+        const QJsonObject coverage = run({"gamut", "coverage", "p3-d65", "bt2020", "--json"}).json();
+        QVERIFY(qAbs(coverage["ratio_xy"].toDouble() - 0.7174329118) < 1e-9);
+        QVERIFY(qAbs(coverage["coverage_uv"].toDouble() - 0.7284919140) < 1e-9);
+        QCOMPARE(coverage["target"].toString(), QString("BT.2020"));
+        const Run done = run({"gamut", "coefficients", "measured-gamut.json", "rec709", "--json"});
+        QCOMPARE(done.json()["coefficients"],
+                 QJsonValue(QJsonArray{10264, 5297, 823, 960, 16216, -1006, 99, 365, 11230}));
+        QCOMPARE(done.json()["source"].toString(), QString("Panel 2026-11"));
+        const QJsonObject reached = done.json()["reached"].toObject();
+        QVERIFY(reached["blue"]["out_of_reach"].toBool() && reached["blue"]["ciede2000"].toDouble() > 5.0);
+        QVERIFY(!reached["green"]["out_of_reach"].toBool() && reached["white"]["ciede2000"].toDouble() < 0.02);
+        QVERIFY(qAbs(reached["white"]["x"].toDouble() - 0.3127) < 2e-4);
+        QVERIFY(qAbs(done.json()["white_kept"].toDouble() - 0.95365) < 1e-4);
+        const Run explained = run({"gamut", "explain", "--source", "measured-gamut.json", "--target", "rec709"});
+        QVERIFY2(explained.out.contains("0.95365319") && explained.out.contains("[SMPTE RP 177]"),
+                 qPrintable(explained.out));
     }
 
     void aGrayCalibrationIsWrittenAndReadBack()

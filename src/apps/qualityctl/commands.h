@@ -9,6 +9,7 @@ class App;
 // Each adds its sub-commands to `app`; when one is parsed it is left in `chosen`.
 void addWallCommands(CLI::App& app, Command& chosen);
 void addDocCommands(CLI::App& app, Command& chosen);
+void addGamutCommands(CLI::App& app, Command& chosen);
 void addGrayCommands(CLI::App& app, Command& chosen);
 void addSettingsCommands(CLI::App& app, Command& chosen);
 void addHubCommands(CLI::App& app, Command& chosen);

@@ -3,11 +3,10 @@
 #include "inputfile.h"
 #include "output.h"
 
-#include <suite/colour/primaries.h>
-
 #include <QFileInfo>
 #include <QStringList>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -104,23 +103,34 @@ void checkLuminance(const Model::LXY& point, const QString& role, const QString&
 
 Model::ColorGamutInfo checked(Model::ColorGamutInfo gamut, const QString& text)
 {
-    constexpr double minArea = 1e-6;
+    constexpr double minShare = 1e-6; // of a primary in the luminance of white
     const std::pair<const Model::LXY*, QString> points[] = {{&gamut.rLxy, QStringLiteral("red")},
                                                             {&gamut.gLxy, QStringLiteral("green")},
                                                             {&gamut.bLxy, QStringLiteral("blue")},
                                                             {&gamut.wLxy, QStringLiteral("white")}};
     for (const auto& [point, role] : points)
         checkChromaticity(*point, role, text);
-    const auto& [r, g, b] = std::tie(gamut.rLxy, gamut.gLxy, gamut.bLxy);
-    const double area = 0.5 * std::abs((g.x - r.x) * (b.y - r.y) - (b.x - r.x) * (g.y - r.y));
-    if (!(area > minArea))
+    if (Colour::isOnOneLine(primariesOf(gamut)))
         refuse(text, QStringLiteral("the primaries lie on one line"));
+    const auto shares = Colour::luminanceShares(primariesOf(gamut));
+    if (!std::all_of(shares.begin(), shares.end(), [](double share) { return share > minShare; }))
+        refuse(text, QStringLiteral("white (%1, %2) lies outside the triangle").arg(gamut.wLxy.x).arg(gamut.wLxy.y));
     for (const auto& [point, role] : points)
-        checkLuminance(*point, role, text); // a white outside the triangle shows as a primary of negative luminance
+        checkLuminance(*point, role, text);
+    if (gamut.name.empty())
+        gamut.name = text.toStdString();
     return gamut;
 }
 
 } // namespace
+
+Colour::Primaries primariesOf(const Model::ColorGamutInfo& gamut)
+{
+    return {{gamut.rLxy.x, gamut.rLxy.y},
+            {gamut.gLxy.x, gamut.gLxy.y},
+            {gamut.bLxy.x, gamut.bLxy.y},
+            {gamut.wLxy.x, gamut.wLxy.y}};
+}
 
 Model::ColorGamutInfo parseGamut(const std::string& text)
 {

@@ -14,6 +14,8 @@ constexpr char footer[] = R"(Examples:
   qualityctl send gray --table examples/gray-table.csv --frequency 60
   qualityctl send mode --gamut on --json
   qualityctl send gamut --gamut rec709 --device left --cabinet 1-4 --dry-run
+  qualityctl gamut coverage p3-d65 bt2020
+  qualityctl gamut coefficients examples/measured-gamut.json rec709 --json
   qualityctl gray write --calibration examples/gray-calibration.json --out out
   qualityctl doc show out/fine-gray.gray
 
@@ -50,6 +52,7 @@ int run(int argc, char** argv)
     Command chosen;
     addWallCommands(app, chosen);
     addSendCommands(app, chosen);
+    addGamutCommands(app, chosen);
     addGrayCommands(app, chosen);
     addDocCommands(app, chosen);
     addHubCommands(app, chosen);
