@@ -3,6 +3,7 @@
 #include "graytabletext_p.h"
 #include "settingswriteback_p.h"
 
+#include <suite/common/filehelper.h>
 #include <suite/service/systemservice.h>
 
 #include <QCoreApplication>
@@ -96,7 +97,7 @@ void PicQualityResource::initCacheFile()
     const QString data =
         Service::SystemService::getRoamingCompanyPath() + QStringLiteral("/%1/%2/").arg(m_moduleFolder, m_dataFolder);
     if (!QDir(data).exists())
-        QDir().mkpath(data);
+        Common::FileHelper::createDir(data);
     const QString application = QCoreApplication::applicationDirPath() + QLatin1Char('/') + m_moduleFolder;
 
     const auto inData = [&data](const QString& path) { return data + QFileInfo(path).fileName(); };

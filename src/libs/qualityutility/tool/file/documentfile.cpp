@@ -22,6 +22,16 @@ bool readExisting(const QString& path, QIODevice::OpenMode mode, QByteArray& con
     return false;
 }
 
+bool takeParsed(const QByteArray& content, const std::function<void(const QJsonObject& root)>& take)
+{
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(content, &error);
+    if (document.isNull() || error.error != QJsonParseError::NoError)
+        return false;
+    take(document.object());
+    return true;
+}
+
 } // namespace
 
 void DocumentFile::logFailure(const QString& path, const char* text)
@@ -29,9 +39,22 @@ void DocumentFile::logFailure(const QString& path, const char* text)
     qCritical() << "file" << path << text;
 }
 
+bool DocumentFile::isPresent(const QString& path)
+{
+    if (QFile::exists(path))
+        return true;
+    logFailure(path, "can not find!!!");
+    return false;
+}
+
 bool DocumentFile::write(const QString& path, const QJsonObject& root)
 {
-    switch (replaceWholeFile(path, QJsonDocument(root).toJson(QJsonDocument::Indented))) {
+    return write(path, QJsonDocument(root).toJson(QJsonDocument::Indented));
+}
+
+bool DocumentFile::write(const QString& path, const QByteArray& content)
+{
+    switch (replaceWholeFile(path, content)) {
     case WholeFileResult::Written:
         return true;
     case WholeFileResult::OpenFailed:
@@ -61,16 +84,15 @@ bool DocumentFile::update(const QString& path, const QJsonObject& initial,
 
 bool DocumentFile::read(const QString& path, const std::function<void(const QJsonObject& root)>& take)
 {
-    if (!QFile::exists(path)) {
-        logFailure(path, "can not find!!!");
-        return false;
-    }
     QByteArray content;
-    if (!readExisting(path, QIODevice::ReadOnly, content))
+    if (!isPresent(path) || !readExisting(path, QIODevice::ReadOnly, content))
         return false;
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(content, &error);
-    if (!document.isNull() && error.error == QJsonParseError::NoError)
-        take(document.object());
+    takeParsed(content, take);
     return true;
+}
+
+bool DocumentFile::readJson(const QString& path, const std::function<void(const QJsonObject& root)>& take)
+{
+    QByteArray content;
+    return isPresent(path) && readExisting(path, QIODevice::ReadOnly, content) && takeParsed(content, take);
 }

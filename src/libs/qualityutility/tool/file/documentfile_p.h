@@ -5,7 +5,7 @@
 
 #include <functional>
 
-/// The three ways in which a picture-quality document is opened, parsed, written and complained about. All log their
+/// The ways in which a picture-quality document is opened, parsed, written and complained about. All log their
 /// failures as critical lines: `file "<path>" <text>`.
 namespace DocumentFile {
 
@@ -14,7 +14,11 @@ namespace DocumentFile {
 void logFailure(const QString& path, const char* text);
 
 /// Replaces the document whole.
+bool write(const QString& path, const QByteArray& content);
 bool write(const QString& path, const QJsonObject& root);
+
+/// Whether the file is there; logs that it is not.
+bool isPresent(const QString& path);
 
 /// Lets `change` work on the document's root and replaces the document whole. A missing file starts as `initial`; an
 /// empty one is refused; what is not a JSON object counts as an empty one.
@@ -23,5 +27,8 @@ bool update(const QString& path, const QJsonObject& initial, const std::function
 /// Hands the document's root to `take`; when the content is not JSON, `take` is not called and the result is true all
 /// the same.
 bool read(const QString& path, const std::function<void(const QJsonObject& root)>& take);
+
+/// As read(), but content that is not JSON is a failure, without a log line.
+bool readJson(const QString& path, const std::function<void(const QJsonObject& root)>& take);
 
 } // namespace DocumentFile

@@ -7,13 +7,16 @@
 #include <QList>
 #include <QMap>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 #include <qualityutility/qualityutility_export.h>
 
 #include <map>
+#include <string>
 #include <vector>
 
 namespace Model {
+struct ColorGamutInfo;
 struct FineGrayAdvanceParam;
 struct FineGrayCoeffs;
 class GrayDetailPara;
@@ -141,6 +144,54 @@ public:
     /// When the stored "grayAdvance" of `root` has more white measurements than `advance`, they are kept in `root`
     /// under the first free key of "wMeasure1" to "wMeasure9"; with none free they are dropped.
     static void judgeWUpdate(QJsonObject& root, QJsonObject& advance);
+
+    // NICC configuration: measured and target gamut, and whether the correction is on. The version and the day of
+    // management are NICCData's.
+
+    /// Writer: "IsOpen" and "UsedIndex" are dropped.
+    static bool writeNiccConfig(const QString& path, const Model::ColorGamutInfo& led,
+                                const Model::ColorGamutInfo& target);
+    /// The document's bytes.
+    static void writeNicc(const Model::ColorGamutInfo& led, const Model::ColorGamutInfo& target, QByteArray& out);
+    /// As the other readers, but content that is not JSON is false, without a log line. Also sets NICCData's day of
+    /// management (an invalid one for a document without it). When the document's version is not NICCData's, a standard
+    /// gamut that it names by "UsedIndex" becomes the target and switches the correction on; the user's own switches it
+    /// off.
+    static bool readNiccConfig(const QString& path, Model::ColorGamutInfo& led, Model::ColorGamutInfo& target,
+                               bool& isOpen, bool& versionChanged);
+    /// Updater, but a missing file is refused: "can not find!!!".
+    static bool updateNiccOpenConfig(const QString& path, bool isOpen);
+    /// The four points, and the name unless `isLed`. Coverage and coefficients are not written.
+    static QJsonObject ColorGamutToJson(const Model::ColorGamutInfo& gamut, bool isLed);
+    /// A record from the four points (0 for missing ones), and "name", "Cover" and "OrgCover" where they are given.
+    static Model::ColorGamutInfo getColorGamut(const QMap<QString, QVariant>& map);
+
+    // New-NICC document: the chosen target only. `temperature` is in kelvin; a `fromInput` other than 0 says that the
+    // user typed the target in.
+
+    static void writeNewNicc(const std::string& name, int temperature, int fromInput, QByteArray& out);
+    /// As readNiccConfig. The name becomes "From input" when `fromInput` is not 0, read or as given.
+    static bool readNewNicc(const QString& path, std::string& name, int& temperature, int& fromInput);
+
+    // Project archives: a flat zip file of a project's documents. docs/archives.md says what is refused.
+
+    /// Packs the files that exist, in the order NICC, cabinet configuration, gray, others, and moves the archive to its
+    /// place whole. A missing one of the first three is logged at info level. Always true; a pack that fails is logged
+    /// as "write failed!!!" and leaves an earlier archive as it was.
+    static bool packProConfig(const QString& archive, const QString& nicc, const QString& gray,
+                              const QString& cabinetConfig, const QStringList& others);
+    /// Extracts an archive into its temporary folder, replacing what was there, and sorts the files by suffix: "nicc",
+    /// "gray", "nrf" (exactly so; the last of each wins), and all others, which are appended. Outputs without a file
+    /// stay as they were. False with a critical line, and nothing changed, for a missing archive and for one that is
+    /// refused.
+    static bool unpackProConfig(const QString& archive, QString& nicc, QString& gray, QString& cabinetConfig,
+                                QStringList& others);
+    /// Deletes an archive's temporary folder: the system's temporary location, "/", and the archive's name up to its
+    /// first dot. False with a critical line for a missing archive and for a folder that is not an archive's own.
+    static bool removeTempProConfig(const QString& archive);
+
+    /// Replaces a receiving-card configuration file whole. False when it cannot be written.
+    static bool writeRvcardConfig(const QString& path, const QByteArray& content);
 };
 
 /// A point from its members "lum", "x" and "y", each converted as QVariant::toDouble does; 0 for a missing one. The

@@ -1,0 +1,66 @@
+// The project archives of PicQualityFileTool.
+
+#include "documentfile_p.h"
+#include "picqualityfiletool.h"
+#include "projectarchive_p.h"
+#include "wholefile_p.h"
+
+#include <QDebug>
+#include <QFile>
+#include <QFileInfo>
+#include <qualityutility/latin1_p.h>
+
+#include <algorithm>
+#include <iterator>
+
+bool PicQualityFileTool::packProConfig(const QString& archive, const QString& nicc, const QString& gray,
+                                       const QString& cabinetConfig, const QStringList& others)
+{
+    QStringList files;
+    const auto addRole = [&files](const QString& path, const char* missing) {
+        if (QFile::exists(path))
+            files << path;
+        else
+            qInfo() << missing << path;
+    };
+    addRole(nicc, "nicc not find");
+    addRole(cabinetConfig, "cab config not find"); // before the gray file, against the order of the arguments
+    addRole(gray, "gray not find");
+    std::copy_if(others.begin(), others.end(), std::back_inserter(files),
+                 [](const QString& path) { return QFile::exists(path); });
+    if (!ProjectArchive::pack(archive, files))
+        DocumentFile::logFailure(archive, "write failed!!!");
+    return true;
+}
+
+bool PicQualityFileTool::unpackProConfig(const QString& archive, QString& nicc, QString& gray, QString& cabinetConfig,
+                                         QStringList& others)
+{
+    if (!DocumentFile::isPresent(archive))
+        return false;
+    const auto files = ProjectArchive::unpack(archive);
+    if (!files)
+        return false;
+    for (const QString& file : *files) {
+        const QString suffix = QFileInfo(file).suffix();
+        if (suffix == latin1("nicc"))
+            nicc = file;
+        else if (suffix == latin1("gray"))
+            gray = file;
+        else if (suffix == latin1("nrf"))
+            cabinetConfig = file;
+        else
+            others << file;
+    }
+    return true;
+}
+
+bool PicQualityFileTool::removeTempProConfig(const QString& archive)
+{
+    return DocumentFile::isPresent(archive) && ProjectArchive::removeTemporaryFolder(archive);
+}
+
+bool PicQualityFileTool::writeRvcardConfig(const QString& path, const QByteArray& content)
+{
+    return replaceWholeFile(path, content) == WholeFileResult::Written;
+}
