@@ -1,20 +1,12 @@
 #include "commands.h"
 #include "gamutargument.h"
-#include "graytablefile.h"
-#include "inputfile.h"
 #include "sendrun.h"
+#include "sendsteps.h"
 
 #include <CLI/CLI.hpp>
 
-#include <qualityutility/tool/sender4th/cabinetsender.h>
-
 namespace {
 
-using CabinetSenderSpace::CabinetSender;
-using CabinetSenderSpace::CabinetTargetMap;
-using Simulator::CabinetState;
-
-constexpr int gamutCorrectionBit = 8;
 constexpr size_t coefficientCount = 9;
 
 /// What the send commands take; each uses its part.
@@ -31,119 +23,37 @@ struct SendArguments
     bool exclusive = false;
 };
 
-SendStep grayStep(const SendArguments& arguments)
+// A step from the arguments that it needs.
+
+SendStep givenGray(const SendArguments& arguments)
 {
-    const QString path = QString::fromStdString(arguments.table);
-    const auto table = std::make_shared<const GrayTableFile>(readGrayTable(path));
-    const int frequency = arguments.frequency;
-    SendStep step;
-    step.name = QStringLiteral("gray");
-    step.summary = QStringLiteral("gray table %1, %2 levels, %3 Hz").arg(path).arg(table->red.size()).arg(frequency);
-    step.send = [table, frequency](const CabinetTargetMap& targets) {
-        return CabinetSender::setGrayScaleTable(targets, table->red, table->green, table->blue, table->magnitude,
-                                                frequency);
-    };
-    step.hasArrived = [table, frequency](const CabinetState&, const CabinetState& now) {
-        const auto equal = [](const QList<unsigned char>& sent, const std::vector<unsigned char>& held) {
-            return std::equal(sent.begin(), sent.end(), held.begin(), held.end());
-        };
-        return now.grayTable && now.grayTable->freq == frequency && equal(table->red, now.grayTable->red) &&
-               equal(table->green, now.grayTable->green) && equal(table->blue, now.grayTable->blue) &&
-               equal(table->magnitude, now.grayTable->magnitude);
-    };
-    return step;
+    return grayStep(QString::fromStdString(arguments.table), arguments.frequency);
 }
 
-bool holdsPoints(const std::shared_ptr<const Model::ColorGamutInfo>& held, const Model::ColorGamutInfo& sent)
+SendStep givenGamut(const SendArguments& arguments)
 {
-    return held && held->rLxy == sent.rLxy && held->gLxy == sent.gLxy && held->bLxy == sent.bLxy &&
-           held->wLxy == sent.wLxy;
+    return gamutStep(parseGamut(arguments.gamut));
 }
 
-QString pointsText(const Model::ColorGamutInfo& gamut)
+SendStep givenMeasure(const SendArguments& arguments)
 {
-    const auto point = [](const Model::LXY& p) { return QStringLiteral("(%1, %2)").arg(p.x).arg(p.y); };
-    return QStringLiteral("R%1 G%2 B%3 W%4")
-        .arg(point(gamut.rLxy), point(gamut.gLxy), point(gamut.bLxy), point(gamut.wLxy));
+    return measureStep(parseGamut(arguments.measured));
 }
 
-SendStep gamutStep(const SendArguments& arguments)
+SendStep givenCoefficients(const SendArguments& arguments)
 {
-    const auto gamut = parseGamut(arguments.gamut);
-    SendStep step;
-    step.name = QStringLiteral("gamut");
-    step.summary = QStringLiteral("target gamut %1, %2").arg(QString::fromStdString(gamut.name), pointsText(gamut));
-    step.send = [gamut](const CabinetTargetMap& targets) { return CabinetSender::uploadNiccData(targets, gamut); };
-    step.hasArrived = [gamut](const CabinetState&, const CabinetState& now) {
-        return holdsPoints(now.targetGamut, gamut) && now.targetGamut->name == gamut.name;
-    };
-    return step;
+    // Two's complement.
+    return coefficientsStep({arguments.coefficients.begin(), arguments.coefficients.end()});
 }
 
-SendStep measureStep(const SendArguments& arguments)
+SendStep givenMode(const SendArguments& arguments)
 {
-    const auto gamut = parseGamut(arguments.measured);
-    SendStep step;
-    step.name = QStringLiteral("measure");
-    step.summary = QStringLiteral("measured gamut %1").arg(pointsText(gamut));
-    step.send = [gamut](const CabinetTargetMap& targets) { return CabinetSender::uploadNiccMeasure(targets, gamut); };
-    step.hasArrived = [gamut](const CabinetState&, const CabinetState& now) {
-        return holdsPoints(now.measuredGamut, gamut);
-    };
-    return step;
+    return modeStep(arguments.correction == "on", !arguments.exclusive);
 }
 
-SendStep coefficientsStep(const SendArguments& arguments)
+SendStep givenBin(const SendArguments& arguments)
 {
-    std::vector<unsigned short> bits;
-    for (const int value : arguments.coefficients)
-        bits.push_back(static_cast<unsigned short>(value)); // two's complement
-    Model::ColorGamutInfo gamut;
-    gamut.coeff.setCoeffs(bits);
-    SendStep step;
-    step.name = QStringLiteral("coefficients");
-    step.summary = QStringLiteral("9 correction coefficients");
-    step.send = [gamut](const CabinetTargetMap& targets) { return CabinetSender::setColorManageMode(targets, gamut); };
-    step.hasArrived = [bits](const CabinetState&, const CabinetState& now) { return now.coefficients == bits; };
-    return step;
-}
-
-SendStep modeStep(const SendArguments& arguments)
-{
-    const bool isOn = arguments.correction == "on";
-    const bool keepOthers = !arguments.exclusive;
-    SendStep step;
-    step.name = QStringLiteral("mode");
-    step.summary = QStringLiteral("gamut correction %1%2")
-                       .arg(QString::fromStdString(arguments.correction),
-                            keepOthers ? QString() : QStringLiteral(", all other corrections off"));
-    step.send = [isOn, keepOthers](const CabinetTargetMap& targets) {
-        return CabinetSender::gamutCorrectEffectMode(targets, isOn, keepOthers);
-    };
-    step.hasArrived = [isOn, keepOthers](const CabinetState& before, const CabinetState& now) {
-        const int others = keepOthers ? before.mode & ~gamutCorrectionBit : 0;
-        return now.mode == (others | (isOn ? gamutCorrectionBit : 0));
-    };
-    // One call gives all its cabinets the mode that follows from the first one's: cabinets that differ get calls of
-    // their own.
-    step.groupBy = [](const Model::Cabinet& cabinet) {
-        return static_cast<int>(cabinet.getDisplayEffectPara().getEffectMode());
-    };
-    return step;
-}
-
-SendStep binStep(const SendArguments& arguments)
-{
-    const QString path = QString::fromStdString(arguments.binary);
-    const QByteArray content = readInputFile(path, QStringLiteral("binary"));
-    SendStep step;
-    step.name = QStringLiteral("bin");
-    step.summary = QStringLiteral("receiving-card binary %1, %2 bytes").arg(path).arg(content.size());
-    step.send = [path](const CabinetTargetMap& targets) { return CabinetSender::sendRvcardBin(targets, path); };
-    step.hasArrived = [content](const CabinetState&, const CabinetState& now) {
-        return now.binary && *now.binary == content;
-    };
-    return step;
+    return binStep(QString::fromStdString(arguments.binary));
 }
 
 /// Everything that was given, in the order in which a cabinet should get it: the correction is switched on last.
@@ -151,17 +61,17 @@ std::vector<SendStep> allSteps(const SendArguments& arguments)
 {
     std::vector<SendStep> steps;
     if (!arguments.binary.empty())
-        steps.push_back(binStep(arguments));
+        steps.push_back(givenBin(arguments));
     if (!arguments.table.empty())
-        steps.push_back(grayStep(arguments));
+        steps.push_back(givenGray(arguments));
     if (!arguments.measured.empty())
-        steps.push_back(measureStep(arguments));
+        steps.push_back(givenMeasure(arguments));
     if (!arguments.gamut.empty())
-        steps.push_back(gamutStep(arguments));
+        steps.push_back(givenGamut(arguments));
     if (!arguments.coefficients.empty())
-        steps.push_back(coefficientsStep(arguments));
+        steps.push_back(givenCoefficients(arguments));
     if (!arguments.correction.empty())
-        steps.push_back(modeStep(arguments));
+        steps.push_back(givenMode(arguments));
     if (steps.empty())
         throw CommandError{
             ExitCode::Usage, QStringLiteral("send all: nothing to send"),
@@ -243,22 +153,22 @@ void addSendCommands(CLI::App& app, Command& chosen)
     const auto fresh = [] { return std::make_shared<SendArguments>(); };
 
     auto arguments = fresh();
-    addTable(*addSend(*send, chosen, "gray", "Send a gray-scale table", arguments, one(grayStep)), *arguments, true);
+    addTable(*addSend(*send, chosen, "gray", "Send a gray-scale table", arguments, one(givenGray)), *arguments, true);
     arguments = fresh();
-    addGamut(*addSend(*send, chosen, "gamut", "Send the target gamut", arguments, one(gamutStep)), arguments->gamut,
+    addGamut(*addSend(*send, chosen, "gamut", "Send the target gamut", arguments, one(givenGamut)), arguments->gamut,
              "--gamut", true);
     arguments = fresh();
     addCoefficients(
-        *addSend(*send, chosen, "coefficients", "Send correction coefficients", arguments, one(coefficientsStep)),
+        *addSend(*send, chosen, "coefficients", "Send correction coefficients", arguments, one(givenCoefficients)),
         *arguments, true);
     arguments = fresh();
-    addGamut(*addSend(*send, chosen, "measure", "Send the measured gamut", arguments, one(measureStep)),
+    addGamut(*addSend(*send, chosen, "measure", "Send the measured gamut", arguments, one(givenMeasure)),
              arguments->measured, "--gamut", true);
     arguments = fresh();
-    addCorrection(*addSend(*send, chosen, "mode", "Switch the gamut correction", arguments, one(modeStep)), *arguments,
+    addCorrection(*addSend(*send, chosen, "mode", "Switch the gamut correction", arguments, one(givenMode)), *arguments,
                   "--gamut", true);
     arguments = fresh();
-    addSend(*send, chosen, "bin", "Send a receiving-card binary", arguments, one(binStep))
+    addSend(*send, chosen, "bin", "Send a receiving-card binary", arguments, one(givenBin))
         ->add_option("--file", arguments->binary, "The binary")
         ->required();
 

@@ -1,13 +1,12 @@
 #include "sendrun.h"
 
+#include "dryrun.h"
 #include "hostlog.h"
 #include "interrupt.h"
 #include "progress.h"
 
-#include <simulator/recordingtransport.h>
 #include <suite/action/action.h>
 
-#include <QElapsedTimer>
 #include <QJsonArray>
 #include <QStringList>
 
@@ -16,130 +15,7 @@
 namespace {
 
 using CabinetSenderSpace::CabinetTargetMap;
-using CabinetList = std::vector<unsigned long long>;
 using Simulator::CabinetState;
-using States = std::map<std::pair<std::string, unsigned long long>, CabinetState>;
-
-/// What became of one step on one device.
-struct Outcome
-{
-    enum class Kind { NotSent, Answered, Failed, TimedOut, Unanswered };
-
-    QString step;
-    QString device;
-    size_t cabinets = 0;
-    Kind kind = Kind::NotSent;
-    int result = CabinetSenderSpace::ResultSkipped;
-    QString error;
-    double seconds = 0.0;
-    size_t arrived = 0; ///< cabinets that hold what was sent
-};
-
-QString describe(const Outcome& outcome)
-{
-    switch (outcome.kind) {
-    case Outcome::Kind::NotSent:
-        return QStringLiteral("not sent");
-    case Outcome::Kind::Answered:
-        return QStringLiteral("ok");
-    case Outcome::Kind::Failed:
-    case Outcome::Kind::TimedOut:
-        return outcome.error;
-    case Outcome::Kind::Unanswered:
-        return QStringLiteral("no answer when interrupted");
-    }
-    return {};
-}
-
-QJsonObject toJson(const Outcome& outcome)
-{
-    QJsonObject object{{QStringLiteral("step"), outcome.step},
-                       {QStringLiteral("device"), outcome.device},
-                       {QStringLiteral("cabinets"), static_cast<int>(outcome.cabinets)},
-                       {QStringLiteral("sent"), outcome.kind != Outcome::Kind::NotSent},
-                       {QStringLiteral("result"), outcome.result},
-                       {QStringLiteral("seconds"), outcome.seconds},
-                       {QStringLiteral("cabinets_holding_it"), static_cast<int>(outcome.arrived)}};
-    if (outcome.kind != Outcome::Kind::Answered)
-        object.insert(QStringLiteral("error"), describe(outcome));
-    return object;
-}
-
-States readBack(const Simulator::SimulatedWall& wall, const CabinetTargetMap& targets)
-{
-    States states;
-    for (const auto& [device, cids] : targets) {
-        for (const unsigned long long cid : cids) {
-            if (auto state = wall.cabinet(device, cid))
-                states.emplace(std::pair(device, cid), std::move(*state));
-        }
-    }
-    return states;
-}
-
-/// The calls that serve one device: the cabinets whose groups differ apart from each other.
-std::vector<CabinetList> callsFor(const SendStep& step, const std::string& device, const CabinetList& cids)
-{
-    if (!step.groupBy)
-        return {cids};
-    std::map<int, CabinetList> groups;
-    for (const unsigned long long cid : cids)
-        groups[step.groupBy(*Service::ModelService::getCabByCid(device, cid, true))].push_back(cid);
-    std::vector<CabinetList> calls;
-    for (auto& [key, group] : groups)
-        calls.push_back(std::move(group));
-    return calls;
-}
-
-Outcome::Kind kindOf(int result, const QString& error)
-{
-    if (result == CabinetSenderSpace::ResultSuccess)
-        return Outcome::Kind::Answered;
-    if (result == CabinetSenderSpace::ResultSkipped)
-        return Outcome::Kind::Unanswered;
-    return error.startsWith(QLatin1String(Action::timeoutErrorPrefix)) ? Outcome::Kind::TimedOut
-                                                                       : Outcome::Kind::Failed;
-}
-
-void sendToDevice(const SendStep& step, const std::string& device, const CabinetList& cids, Outcome& outcome)
-{
-    QElapsedTimer timer;
-    timer.start();
-    HostLog::takeErrorText();
-    for (const CabinetList& group : callsFor(step, device, cids)) {
-        outcome.result = step.send({{device, group}});
-        outcome.error = HostLog::takeErrorText();
-        outcome.kind = kindOf(outcome.result, outcome.error);
-        if (outcome.kind != Outcome::Kind::Answered)
-            break;
-    }
-    outcome.seconds = static_cast<double>(timer.nsecsElapsed()) / 1e9;
-}
-
-/// Sends everything; `arrivedAt` counts what arrived after each device's call.
-std::vector<Outcome> sendAll(const std::vector<SendStep>& steps, const CabinetTargetMap& targets, const Output& output,
-                             const Simulator::SimulatedWall* wall)
-{
-    std::vector<Outcome> outcomes;
-    Progress progress(static_cast<int>(steps.size() * targets.size()), output);
-    for (const SendStep& step : steps) {
-        for (const auto& [device, cids] : targets) {
-            Outcome outcome;
-            outcome.step = step.name;
-            outcome.device = QString::fromStdString(device);
-            outcome.cabinets = cids.size();
-            if (!Interrupt::isRequested()) {
-                const States before = wall ? readBack(*wall, {{device, cids}}) : States();
-                sendToDevice(step, device, cids, outcome);
-                for (const auto& [key, now] : wall ? readBack(*wall, {{device, cids}}) : States())
-                    outcome.arrived += step.hasArrived(before.at(key), now) ? 1 : 0;
-                progress.advance(QStringLiteral("%1 to %2").arg(step.name, outcome.device));
-            }
-            outcomes.push_back(outcome);
-        }
-    }
-    return outcomes;
-}
 
 QString describe(const CabinetState& state)
 {
@@ -186,7 +62,7 @@ QJsonObject toJson(const std::pair<std::string, unsigned long long>& cabinet, co
 }
 
 /// What the cabinets hold, one line per device and kind of content.
-QString holdings(const States& states)
+QString holdings(const CabinetStates& states)
 {
     std::map<std::pair<std::string, QString>, int> groups;
     for (const auto& [cabinet, state] : states)
@@ -200,126 +76,39 @@ QString holdings(const States& states)
     return text;
 }
 
-std::optional<CommandError> errorOf(const std::vector<Outcome>& outcomes)
+std::vector<SendOutcome> sendAll(const std::vector<SendStep>& steps, const CabinetTargetMap& targets,
+                                 const Output& output, const Simulator::SimulatedWall& wall)
 {
-    QStringList failed;
-    QStringList unsent;
-    ExitCode code = ExitCode::Unavailable;
-    for (const Outcome& outcome : outcomes) {
-        const QString subject = QStringLiteral("%1 to %2").arg(outcome.step, outcome.device);
-        if (outcome.kind == Outcome::Kind::NotSent) {
-            unsent << subject;
-        } else if (outcome.kind != Outcome::Kind::Answered) {
-            if (failed.isEmpty() && outcome.kind == Outcome::Kind::TimedOut)
-                code = ExitCode::Timeout;
-            failed << QStringLiteral("%1: %2").arg(subject, describe(outcome));
+    std::vector<SendOutcome> outcomes;
+    Progress progress(static_cast<int>(steps.size() * targets.size()), output);
+    for (const SendStep& step : steps) {
+        for (const auto& [device, cids] : targets) {
+            if (Interrupt::isRequested()) {
+                outcomes.push_back(notSent(step, device, cids.size()));
+                continue;
+            }
+            outcomes.push_back(sendToDevice(step, device, cids, &wall));
+            progress.advance(QStringLiteral("%1 to %2").arg(step.name, outcomes.back().device));
         }
     }
-    if (Interrupt::isRequested())
-        return CommandError{ExitCode::Interrupted,
-                            QStringLiteral("interrupted; failed: %1; not sent: %2")
-                                .arg(failed.isEmpty() ? QStringLiteral("none") : failed.join(QStringLiteral(", ")),
-                                     unsent.isEmpty() ? QStringLiteral("none") : unsent.join(QStringLiteral(", ")))};
-    if (!failed.isEmpty())
-        return CommandError{code, failed.join(QStringLiteral("; "))};
-    for (const Outcome& outcome : outcomes) {
-        if (outcome.arrived != outcome.cabinets)
-            return CommandError{ExitCode::Difference, QStringLiteral("%1 to %2: %3 of %4 cabinets hold it")
-                                                          .arg(outcome.step, outcome.device)
-                                                          .arg(outcome.arrived)
-                                                          .arg(outcome.cabinets)};
-    }
-    return std::nullopt;
+    return outcomes;
 }
 
-QString describeValue(const boost::any& value)
-{
-    if (const auto* number = boost::any_cast<int>(&value))
-        return QString::number(*number);
-    if (const auto* flag = boost::any_cast<bool>(&value))
-        return *flag ? QStringLiteral("true") : QStringLiteral("false");
-    if (const auto* real = boost::any_cast<double>(&value))
-        return QString::number(*real, 'g', 10);
-    if (const auto* text = boost::any_cast<std::string>(&value))
-        return text->size() <= 40 ? QStringLiteral("\"%1\"").arg(QString::fromStdString(*text))
-                                  : QStringLiteral("<%1 characters>").arg(text->size());
-    if (const auto* cids = boost::any_cast<CabinetList>(&value))
-        return QStringLiteral("<%1 cabinets>").arg(cids->size());
-    if (const auto* bytes = boost::any_cast<std::vector<unsigned char>>(&value))
-        return QStringLiteral("<%1 bytes>").arg(bytes->size());
-    if (const auto* words = boost::any_cast<std::vector<unsigned short>>(&value)) {
-        QStringList parts;
-        for (const unsigned short bits : *words)
-            parts << QString::number(static_cast<short>(bits));
-        return QStringLiteral("[%1]").arg(parts.join(QStringLiteral(", ")));
-    }
-    if (const auto* list = boost::any_cast<std::vector<Parameters>>(&value))
-        return QStringLiteral("<%1 records>").arg(list->size());
-    return QStringLiteral("?");
-}
-
-/// The values of a map, sorted by key.
-std::map<std::string, QString> describeItems(const ParameterMap& map)
-{
-    std::map<std::string, QString> items;
-    for (const auto& [key, value] : map.items())
-        items.emplace(key, describeValue(value));
-    return items;
-}
-
-CommandResult dryRun(const std::vector<SendStep>& steps, const CabinetTargetMap& targets, const Output& output)
-{
-    const auto recorder = std::make_shared<Simulator::RecordingTransport>();
-    Action::setTransport(recorder);
-    sendAll(steps, targets, output, nullptr);
-    QString text;
-    QJsonArray requests;
-    for (const auto& request : recorder->requests()) {
-        const bool isPut = request.method == Action::Request::Method::Put;
-        QJsonObject arguments;
-        QJsonObject request_options;
-        text += QStringLiteral("would %1 %2 to %3\n")
-                    .arg(isPut ? QStringLiteral("put") : QStringLiteral("post"), QString::fromStdString(request.action),
-                         QString::fromStdString(request.deviceId));
-        for (const auto& [key, value] : describeItems(request.parameters.arguments())) {
-            text += QStringLiteral("    %1 = %2\n").arg(QString::fromStdString(key), value);
-            arguments.insert(QString::fromStdString(key), value);
-        }
-        for (const auto& [key, value] : describeItems(request.parameters.options())) {
-            text += QStringLiteral("    (option) %1 = %2 s\n").arg(QString::fromStdString(key), value);
-            request_options.insert(QString::fromStdString(key), value);
-        }
-        requests.append(QJsonObject{{QStringLiteral("action"), QString::fromStdString(request.action)},
-                                    {QStringLiteral("method"), isPut ? QStringLiteral("put") : QStringLiteral("post")},
-                                    {QStringLiteral("device"), QString::fromStdString(request.deviceId)},
-                                    {QStringLiteral("arguments"), arguments},
-                                    {QStringLiteral("options"), request_options}});
-    }
-    Action::setTransport(nullptr);
-    return {text, {{QStringLiteral("dry_run"), true}, {QStringLiteral("requests"), requests}}};
-}
-
-CommandResult report(const std::vector<SendStep>& steps, const std::vector<Outcome>& outcomes, const States& before,
-                     const States& now)
+CommandResult report(const std::vector<SendStep>& steps, const std::vector<SendOutcome>& outcomes,
+                     const CabinetStates& before, const CabinetStates& now)
 {
     QString text = QStringLiteral("Sent:\n");
     for (const SendStep& step : steps)
         text += QStringLiteral("  %1: %2\n").arg(step.name, step.summary);
-    QList<QStringList> rows{{QStringLiteral("step"), QStringLiteral("device"), QStringLiteral("cabinets"),
-                             QStringLiteral("hold it"), QStringLiteral("time"), QStringLiteral("answer")}};
     QJsonArray results;
-    for (const Outcome& outcome : outcomes) {
-        rows.append(QStringList{outcome.step, outcome.device, QString::number(outcome.cabinets),
-                                QString::number(outcome.arrived),
-                                QStringLiteral("%1 s").arg(outcome.seconds, 0, 'f', 3), describe(outcome)});
+    for (const SendOutcome& outcome : outcomes)
         results.append(toJson(outcome));
-    }
     QJsonArray cabinets;
     for (const auto& [cabinet, state] : now)
         cabinets.append(toJson(cabinet, before.at(cabinet), state));
-    return {text + QLatin1Char('\n') + textTable(rows) + QLatin1Char('\n') + holdings(now),
+    return {text + QLatin1Char('\n') + textTable(outcomeRows(outcomes)) + QLatin1Char('\n') + holdings(now),
             {{QStringLiteral("results"), results}, {QStringLiteral("cabinets"), cabinets}},
-            errorOf(outcomes)};
+            errorOf(outcomes, Interrupt::isRequested())};
 }
 
 } // namespace
@@ -330,7 +119,7 @@ CommandResult runSend(const std::vector<SendStep>& steps, const SendOptions& opt
     const CabinetTargetMap targets = selectTargets(wall, options.wall);
     HostLog::install(output.quiet);
     if (options.dryRun)
-        return dryRun(steps, targets, output);
+        return dryRun(steps, targets);
 
     QString error;
     const auto simulation = Simulator::SimulatedWall::create(wall.wall, options.seed, error);
@@ -339,9 +128,9 @@ CommandResult runSend(const std::vector<SendStep>& steps, const SendOptions& opt
     output.note(QStringLiteral("qualityctl: simulated wall: %1").arg(wall.name));
     const Interrupt interrupt;
     Action::setTransport(simulation);
-    const States before = readBack(*simulation, targets);
-    const auto outcomes = sendAll(steps, targets, output, simulation.get());
-    const States now = readBack(*simulation, targets);
+    const CabinetStates before = readBack(*simulation, targets);
+    const auto outcomes = sendAll(steps, targets, output, *simulation);
+    const CabinetStates now = readBack(*simulation, targets);
     Action::setTransport(nullptr);
 
     CommandResult result = report(steps, outcomes, before, now);
