@@ -1,8 +1,8 @@
+#include "support/hostrun.h"
+
 #include <QFile>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -10,41 +10,6 @@
 #include <QTest>
 
 #include <csignal>
-
-namespace {
-
-struct Run
-{
-    int exitCode = -1;
-    QString out;
-    QString err;
-
-    QJsonObject json() const { return QJsonDocument::fromJson(out.toUtf8()).object(); }
-};
-
-QProcess* start(const QStringList& arguments, QObject* parent)
-{
-    auto* process = new QProcess(parent);
-    process->setWorkingDirectory(EXAMPLES);
-    process->start(QUALITYCTL, arguments);
-    return process;
-}
-
-Run finish(QProcess* process)
-{
-    if (process->state() != QProcess::NotRunning && !process->waitForFinished(60000))
-        qFatal("qualityctl does not end");
-    return {process->exitStatus() == QProcess::NormalExit ? process->exitCode() : -1,
-            QString::fromUtf8(process->readAllStandardOutput()), QString::fromUtf8(process->readAllStandardError())};
-}
-
-Run run(const QStringList& arguments)
-{
-    QObject owner;
-    return finish(start(arguments, &owner));
-}
-
-} // namespace
 
 class QualityctlTest : public QObject
 {

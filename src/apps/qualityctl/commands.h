@@ -2,6 +2,8 @@
 
 #include "output.h"
 
+struct HubAddress;
+
 namespace CLI {
 class App;
 }
@@ -14,3 +16,9 @@ void addGrayCommands(CLI::App& app, Command& chosen);
 void addSettingsCommands(CLI::App& app, Command& chosen);
 void addHubCommands(CLI::App& app, Command& chosen);
 void addSendCommands(CLI::App& app, Command& chosen);
+void addCalibrateCommands(CLI::App& app, Command& chosen);
+void addProjectCommands(CLI::App& app, Command& chosen);
+
+// The options of a hub's address, and what CLI11 cannot check of them; throws CLI::ValidationError.
+void addHubAddress(CLI::App& command, HubAddress& address);
+void checkHubAddress(const HubAddress& address);

@@ -1,7 +1,9 @@
 #include "commands.h"
 #include "gamutargument.h"
 #include "gamutfigures.h"
+#include "hostcharts.h"
 #include "hostlog.h"
+#include "outputfile.h"
 
 #include <CLI/CLI.hpp>
 
@@ -171,17 +173,43 @@ CommandResult explain(const GamutPair& pair, const Output& output)
     return result;
 }
 
+struct ChartArguments
+{
+    GamutPair pair;
+    std::string plane = "xy";
+    std::string out;
+    bool force = false;
+};
+
+CommandResult drawChart(const ChartArguments& arguments, const Output& output)
+{
+    const auto source = parseGamut(arguments.pair.source);
+    const auto target = parseGamut(arguments.pair.target);
+    const QString path = QString::fromStdString(arguments.out);
+    requireChartSuffix(path);
+    requireNewFile(path, arguments.force);
+    HostLog::install(output.quiet);
+    const auto plane = arguments.plane == "xy" ? Charts::Plane::Xy : Charts::Plane::UvPrime;
+    writeChart(correctionChart(computeFigures(source, target), plane), path);
+    return {QStringLiteral("%1\n").arg(path), {{QStringLiteral("file"), path}}};
+}
+
+void addPair(CLI::App& command, GamutPair& pair)
+{
+    command
+        .add_option("source,--source", pair.source,
+                    "The wall's gamut: a standard name, a JSON file, or rx,ry:gx,gy:bx,by:wx,wy[:cd_m2]")
+        ->required();
+    command.add_option("target,--target", pair.target, "The gamut that is wanted, given alike")->required();
+}
+
 using PairCommand = CommandResult (*)(const GamutPair&, const Output&);
 
 void addPairCommand(CLI::App& gamut, Command& chosen, const char* name, const char* help, PairCommand run)
 {
     CLI::App* command = gamut.add_subcommand(name, help);
     const auto pair = std::make_shared<GamutPair>();
-    command
-        ->add_option("source,--source", pair->source,
-                     "The wall's gamut: a standard name, a JSON file, or rx,ry:gx,gy:bx,by:wx,wy[:cd_m2]")
-        ->required();
-    command->add_option("target,--target", pair->target, "The gamut that is wanted, given alike")->required();
+    addPair(*command, *pair);
     command->callback(
         [&chosen, pair, run] { chosen = [pair, run](const Output& output) { return run(*pair, output); }; });
 }
@@ -198,4 +226,15 @@ void addGamutCommands(CLI::App& app, Command& chosen)
     addPairCommand(*gamut, chosen, "coefficients", "The correction's coefficients, and what they reach",
                    showCoefficients);
     addPairCommand(*gamut, chosen, "explain", "Every figure of a correction with its formula and source", explain);
+
+    CLI::App* chart = gamut->add_subcommand("chart", "Draw a wall's, a target's and the reached gamut");
+    const auto arguments = std::make_shared<ChartArguments>();
+    addPair(*chart, arguments->pair);
+    chart->add_option("--plane", arguments->plane, "xy: CIE 1931; uv: CIE 1976 u'v'")
+        ->check(CLI::IsMember({"xy", "uv"}))
+        ->capture_default_str();
+    chart->add_option("--out", arguments->out, "The chart's file, .svg or .png")->required();
+    chart->add_flag("--force", arguments->force, "Replace a file that is there");
+    chart->callback(
+        [&chosen, arguments] { chosen = [arguments](const Output& output) { return drawChart(*arguments, output); }; });
 }

@@ -3,7 +3,6 @@
 #include "gamutargument.h"
 #include "output.h"
 
-#include <QJsonArray>
 #include <qualityutility/data/computenicccoef.h>
 
 #include <algorithm>
@@ -13,14 +12,6 @@ namespace {
 std::array<Colour::Chromaticity, 4> points(const Colour::Primaries& p)
 {
     return {p.red, p.green, p.blue, p.white};
-}
-
-Colour::Coefficients signedCoefficients(const std::vector<unsigned short>& bits)
-{
-    Colour::Coefficients result{};
-    std::transform(bits.begin(), bits.begin() + std::min<std::ptrdiff_t>(9, static_cast<std::ptrdiff_t>(bits.size())),
-                   result.begin(), [](unsigned short value) { return static_cast<std::int16_t>(value); });
-    return result;
 }
 
 } // namespace
@@ -66,11 +57,24 @@ const QStringList& pointNames()
     return names;
 }
 
+Colour::Coefficients signedCoefficients(const std::vector<unsigned short>& bits)
+{
+    Colour::Coefficients result{};
+    std::transform(bits.begin(), bits.begin() + std::min<std::ptrdiff_t>(9, static_cast<std::ptrdiff_t>(bits.size())),
+                   result.begin(), [](unsigned short value) { return static_cast<std::int16_t>(value); });
+    return result;
+}
+
+QJsonArray coefficientsToJson(const Colour::Coefficients& coefficients)
+{
+    QJsonArray result;
+    for (const int coefficient : coefficients)
+        result.append(coefficient);
+    return result;
+}
+
 QJsonObject toJson(const GamutFigures& figures)
 {
-    QJsonArray coefficients;
-    for (const int coefficient : figures.coefficients)
-        coefficients.append(coefficient);
     QJsonObject reached;
     const auto reachedPoints = points(figures.reached.primaries);
     for (std::size_t i = 0; i < 4; ++i)
@@ -81,7 +85,7 @@ QJsonObject toJson(const GamutFigures& figures)
                                    {QStringLiteral("out_of_reach"), figures.reached.outOfReach[i]}});
     return {{QStringLiteral("source"), QString::fromStdString(figures.source.name)},
             {QStringLiteral("target"), QString::fromStdString(figures.target.name)},
-            {QStringLiteral("coefficients"), coefficients},
+            {QStringLiteral("coefficients"), coefficientsToJson(figures.coefficients)},
             {QStringLiteral("cover"), figures.target.cover},
             {QStringLiteral("org_cover"), figures.target.orgCover},
             {QStringLiteral("white_kept"), figures.reached.whiteKept},

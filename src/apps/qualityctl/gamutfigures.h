@@ -4,6 +4,7 @@
 #include <suite/colour/coverage.h>
 #include <suite/model/colorgamutinfo.h>
 
+#include <QJsonArray>
 #include <QJsonObject>
 #include <QList>
 #include <QStringList>
@@ -34,6 +35,10 @@ GamutFigures figuresOf(const Model::ColorGamutInfo& source, const Model::ColorGa
 
 /// Names of the four points, in the order of all figures: "red", "green", "blue", "white".
 const QStringList& pointNames();
+
+QJsonArray coefficientsToJson(const Colour::Coefficients& coefficients);
+/// Coefficients that are held as two's-complement bits.
+Colour::Coefficients signedCoefficients(const std::vector<unsigned short>& bits);
 
 QJsonObject toJson(const GamutFigures& figures);
 /// A row per point: reached and target chromaticity, difference, reach. For textTable().

@@ -1,6 +1,8 @@
 #include "commands.h"
 #include "graycalibration.h"
+#include "hostcharts.h"
 #include "hostlog.h"
+#include "outputfile.h"
 
 #include <CLI/CLI.hpp>
 #include <suite/model/finegray.h>
@@ -35,18 +37,11 @@ struct Paths
 Paths preparePaths(const GrayArguments& arguments)
 {
     const QString folder = QString::fromStdString(arguments.out);
-    if (QFileInfo::exists(folder) && !QFileInfo(folder).isDir())
-        throw CommandError{ExitCode::CannotCreate,
-                           QStringLiteral("--out %1: expected a folder, found a file").arg(folder)};
-    if (!QDir().mkpath(folder))
-        throw CommandError{ExitCode::CannotCreate, QStringLiteral("--out %1: the folder cannot be made").arg(folder)};
+    makeOutputFolder(folder);
     const Paths paths{QDir(folder).filePath(QStringLiteral("fine-gray.gray")),
                       QDir(folder).filePath(QStringLiteral("grayCache.gray"))};
-    for (const QString& path : {paths.config, paths.cache}) {
-        if (QFileInfo::exists(path) && !arguments.force)
-            throw CommandError{ExitCode::CannotCreate, QStringLiteral("%1 exists").arg(path),
-                               QStringLiteral("--force replaces it")};
-    }
+    for (const QString& path : {paths.config, paths.cache})
+        requireNewFile(path, arguments.force);
     return paths;
 }
 
@@ -142,6 +137,25 @@ CommandResult listTables(const Output& output)
     return {textTable(rows), {{QStringLiteral("tables"), tables}}};
 }
 
+struct ChartArguments
+{
+    std::string table;
+    std::string out;
+    bool force = false;
+};
+
+CommandResult drawChart(const ChartArguments& arguments, const Output& output)
+{
+    const QString path = QString::fromStdString(arguments.out);
+    const QString table = QString::fromStdString(arguments.table);
+    const GrayTableFile content = readGrayTable(table);
+    requireChartSuffix(path);
+    requireNewFile(path, arguments.force);
+    HostLog::install(output.quiet);
+    writeChart(grayTableChart(content, QFileInfo(table).fileName()), path);
+    return {QStringLiteral("%1\n").arg(path), {{QStringLiteral("file"), path}}};
+}
+
 } // namespace
 
 void addGrayCommands(CLI::App& app, Command& chosen)
@@ -161,4 +175,12 @@ void addGrayCommands(CLI::App& app, Command& chosen)
     write->callback([&chosen, arguments] {
         chosen = [arguments](const Output& output) { return writeDocuments(*arguments, output); };
     });
+
+    CLI::App* chart = gray->add_subcommand("chart", "Draw the curves of a gray table");
+    const auto drawn = std::make_shared<ChartArguments>();
+    chart->add_option("--table", drawn->table, "Gray table: text or CSV with red, green, blue, magnitude (0..255)")
+        ->required();
+    chart->add_option("--out", drawn->out, "The chart's file, .svg or .png")->required();
+    chart->add_flag("--force", drawn->force, "Replace a file that is there");
+    chart->callback([&chosen, drawn] { chosen = [drawn](const Output& output) { return drawChart(*drawn, output); }; });
 }

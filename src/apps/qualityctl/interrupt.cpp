@@ -18,7 +18,7 @@ extern "C" void onSignal(int signal)
 
 } // namespace
 
-Interrupt::Interrupt()
+Interrupt::Interrupt(What what)
 {
     std::signal(SIGINT, onSignal);
     std::signal(SIGTERM, onSignal);
@@ -26,7 +26,8 @@ Interrupt::Interrupt()
         if (isRequested())
             QCoreApplication::quit();
     });
-    m_poll.start(pollMs);
+    if (what == What::EndWaits)
+        m_poll.start(pollMs);
 }
 
 Interrupt::~Interrupt()

@@ -2,7 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include <QCoreApplication>
+#include <QApplication>
 
 #include <clocale>
 #include <cstring>
@@ -10,12 +10,15 @@
 namespace {
 
 constexpr char footer[] = R"(Examples:
+  qualityctl calibrate --measured examples/measured-gamut.json --target rec709 --out out
+  qualityctl verify out --max-de 3
   qualityctl wall show
   qualityctl send gray --table examples/gray-table.csv --frequency 60
   qualityctl send mode --gamut on --json
   qualityctl send gamut --gamut rec709 --device left --cabinet 1-4 --dry-run
   qualityctl gamut coverage p3-d65 bt2020
   qualityctl gamut coefficients examples/measured-gamut.json rec709 --json
+  qualityctl gamut chart examples/measured-gamut.json rec709 --out gamut.svg
   qualityctl gray write --calibration examples/gray-calibration.json --out out
   qualityctl doc show out/fine-gray.gray
 
@@ -50,11 +53,13 @@ int run(int argc, char** argv)
     app.fallthrough();
     app.footer(footer);
     Command chosen;
+    addCalibrateCommands(app, chosen);
     addWallCommands(app, chosen);
     addSendCommands(app, chosen);
     addGamutCommands(app, chosen);
     addGrayCommands(app, chosen);
     addDocCommands(app, chosen);
+    addProjectCommands(app, chosen);
     addHubCommands(app, chosen);
     addSettingsCommands(app, chosen);
     try {
@@ -75,7 +80,11 @@ int run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    const QCoreApplication application(argc, argv);
+    qputenv("QT_QPA_PLATFORM", "offscreen"); // charts are drawn without a display
+    qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext&, const QString&) {}); // about missing session folders
+    const QApplication application(argc, argv);
+    qInstallMessageHandler(nullptr);
     std::setlocale(LC_NUMERIC, "C"); // numbers use a point in every locale; Qt has set the user's
     try {
         return run(argc, argv);

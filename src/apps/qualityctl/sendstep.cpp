@@ -110,6 +110,21 @@ QJsonObject toJson(const SendOutcome& outcome)
     return object;
 }
 
+SendOutcome outcomeFromJson(const QJsonObject& object)
+{
+    SendOutcome outcome;
+    outcome.step = object.value(QStringLiteral("step")).toString();
+    outcome.device = object.value(QStringLiteral("device")).toString();
+    outcome.cabinets = object.value(QStringLiteral("cabinets")).toInt();
+    outcome.result = object.value(QStringLiteral("result")).toInt();
+    outcome.seconds = object.value(QStringLiteral("seconds")).toDouble();
+    outcome.arrived = object.value(QStringLiteral("cabinets_holding_it")).toInt();
+    outcome.error = object.value(QStringLiteral("error")).toString();
+    if (object.value(QStringLiteral("sent")).toBool())
+        outcome.kind = kindOf(outcome.result, outcome.error);
+    return outcome;
+}
+
 QList<QStringList> outcomeRows(const std::vector<SendOutcome>& outcomes)
 {
     QList<QStringList> rows{{QStringLiteral("step"), QStringLiteral("device"), QStringLiteral("cabinets"),

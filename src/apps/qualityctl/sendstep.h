@@ -52,6 +52,7 @@ SendOutcome sendToDevice(const SendStep& step, const std::string& device, const 
 /// In words: "ok", "not sent", or what went wrong.
 QString describe(const SendOutcome& outcome);
 QJsonObject toJson(const SendOutcome& outcome);
+SendOutcome outcomeFromJson(const QJsonObject& object);
 /// A row per outcome, with headings. For textTable().
 QList<QStringList> outcomeRows(const std::vector<SendOutcome>& outcomes);
 

@@ -1,0 +1,236 @@
+#include "calibraterun.h"
+
+#include "calibrationreport.h"
+#include "calibrationtarget.h"
+#include "dryrun.h"
+#include "gamutargument.h"
+#include "hostcharts.h"
+#include "hostlog.h"
+#include "inputfile.h"
+#include "interrupt.h"
+#include "outputfile.h"
+
+#include <suite/model/finegray.h>
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFileInfo>
+#include <qualityutility/tool/file/picqualityfiletool.h>
+
+namespace {
+
+using Tool = PicQualityFileTool;
+
+/// The files in a calibration's folder.
+struct CalibrationFiles
+{
+    explicit CalibrationFiles(const CalibrateOptions& options)
+        : folder(QString::fromStdString(options.out)),
+          html(options.html.empty() ? folder.filePath(QStringLiteral("report.html"))
+                                    : QString::fromStdString(options.html))
+    {}
+
+    QString in(const char* name) const { return folder.filePath(QString::fromLatin1(name)); }
+
+    QDir folder;
+    QString html;
+    QString journal = in(journalName);
+    QString nicc = in("screen.nicc");
+    QString gray = in("screen.gray");
+    QString cabinet = in("screen.nrf");
+    QString project = in("screen.zip");
+    QString chartXy = in("gamut-xy.svg");
+    QString chartUv = in("gamut-uv.svg");
+    QString chartGray = in("gray.svg");
+};
+
+QString digest(const std::string& path, const QString& what)
+{
+    if (path.empty())
+        return {};
+    const QByteArray content = readInputFile(QString::fromStdString(path), what);
+    return QString::fromLatin1(QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex());
+}
+
+/// What a calibration is made from, as far as a resumed one must agree with it.
+QJsonObject inputsOf(const CalibrateOptions& options, const CalibrationContent& content, const QString& targetName)
+{
+    QJsonArray devices;
+    for (const std::string& device : options.wall.devices)
+        devices.append(QString::fromStdString(device));
+    QJsonArray cabinets;
+    for (const std::string& range : options.wall.cabinets)
+        cabinets.append(QString::fromStdString(range));
+    const bool isWall = options.generation == 4;
+    return {{QStringLiteral("generation"), options.generation},
+            {QStringLiteral("calibrated"), targetName},
+            {QStringLiteral("wall_sha256"),
+             isWall ? digest(options.wall.file, QStringLiteral("wall document")) : QString()},
+            {QStringLiteral("device"), devices},
+            {QStringLiteral("cabinet"), cabinets},
+            {QStringLiteral("measured"), gamutToJson(content.measured)},
+            {QStringLiteral("target"), gamutToJson(content.target)},
+            {QStringLiteral("table_sha256"), digest(options.table, QStringLiteral("gray table"))},
+            {QStringLiteral("frequency_hz"), options.frequency},
+            {QStringLiteral("binary_sha256"), digest(options.binary, QStringLiteral("binary"))}};
+}
+
+CalibrationJournal openJournal(const CalibrateOptions& options, const CalibrationFiles& files,
+                               const QJsonObject& inputs)
+{
+    makeOutputFolder(files.folder.path());
+    if (!options.resume && !options.force && QFileInfo::exists(files.journal))
+        throw CommandError{ExitCode::CannotCreate, QStringLiteral("%1 exists").arg(files.journal),
+                           QStringLiteral("--resume goes on with that calibration, --force begins anew")};
+    if (!options.resume || !QFileInfo::exists(files.journal)) {
+        for (const QString& path : {files.nicc, files.gray, files.cabinet, files.project, files.html})
+            requireNewFile(path, options.force);
+        return CalibrationJournal::begin(files.journal, inputs);
+    }
+    CalibrationJournal journal = CalibrationJournal::read(files.journal);
+    for (auto it = inputs.begin(); it != inputs.end(); ++it) {
+        if (journal.inputs().value(it.key()) != it.value())
+            throw CommandError{ExitCode::BadData,
+                               QStringLiteral("--resume: %1 was begun with another %2").arg(files.journal, it.key()),
+                               QStringLiteral("give the inputs of the first run, or --force to begin anew")};
+    }
+    return journal;
+}
+
+[[noreturn]] void throwNotWritten(const QString& path)
+{
+    throw CommandError{ExitCode::InputOutput, QStringLiteral("%1: cannot be written").arg(path),
+                       HostLog::takeCriticalLine()};
+}
+
+Model::FineGrayCoeffs fineGrayOf(const GrayTableFile& table)
+{
+    Model::FineGrayCoeffs coeffs;
+    coeffs.rGrayCoeffs = {table.red.begin(), table.red.end()};
+    coeffs.gGrayCoeffs = {table.green.begin(), table.green.end()};
+    coeffs.bGrayCoeffs = {table.blue.begin(), table.blue.end()};
+    coeffs.magnitudes = {table.magnitude.begin(), table.magnitude.end()};
+    return coeffs;
+}
+
+/// Writes what is known before anything is sent. Gives the files.
+QStringList writeDocuments(const CalibrationFiles& files, const CalibrationContent& content)
+{
+    QStringList written{files.nicc};
+    if (!Tool::writeNiccConfig(files.nicc, content.measured, content.target) ||
+        !Tool::updateNiccOpenConfig(files.nicc, false))
+        throwNotWritten(files.nicc);
+    if (!content.table.isEmpty()) {
+        if (!Tool::writeFineGrayConfig(files.gray, {}, {}, {}, fineGrayOf(readGrayTable(content.table))))
+            throwNotWritten(files.gray);
+        written << files.gray;
+    }
+    if (!content.binary.isEmpty()) {
+        if (!Tool::writeRvcardConfig(files.cabinet, readInputFile(content.binary, QStringLiteral("binary"))))
+            throwNotWritten(files.cabinet);
+        written << files.cabinet;
+    }
+    return written;
+}
+
+/// Serves the devices that the journal does not have done.
+void serveAll(CalibrationTarget& target, CalibrationJournal& journal, CalibrationReport& report, const Output& output)
+{
+    const auto devices = target.devices();
+    std::vector<std::string> open;
+    for (const std::string& device : devices) {
+        if (journal.records().value(QString::fromStdString(device)).isDone())
+            report.resumed << QString::fromStdString(device);
+        else
+            open.push_back(device);
+    }
+    Progress progress(qMax(1, static_cast<int>(open.size()) * target.stepCount()), output);
+    for (const std::string& device : devices) {
+        const QString name = QString::fromStdString(device);
+        if (report.resumed.contains(name)) {
+            report.records.push_back(journal.records().value(name));
+        } else if (Interrupt::isRequested()) {
+            report.records.push_back(target.notServed(device));
+        } else {
+            report.records.push_back(target.serve(device, progress));
+            journal.append(report.records.back());
+        }
+    }
+}
+
+/// The project archive, the charts and the HTML report.
+void writeReports(const CalibrationFiles& files, const CalibrationContent& content, CalibrationReport& report)
+{
+    const bool isDone = std::all_of(report.records.begin(), report.records.end(),
+                                    [](const DeviceRecord& record) { return record.isDone(); });
+    if (isDone && !Tool::updateNiccOpenConfig(files.nicc, true))
+        throwNotWritten(files.nicc);
+    HostLog::takeCriticalLine();
+    Tool::packProConfig(files.project, files.nicc, content.table.isEmpty() ? QString() : files.gray,
+                        content.binary.isEmpty() ? QString() : files.cabinet, {files.journal});
+    if (!HostLog::takeCriticalLine().isEmpty())
+        throwNotWritten(files.project);
+    report.files << files.project << files.journal;
+    QList<QByteArray> charts{correctionChart(report.figures, Charts::Plane::Xy).toSvg(),
+                             correctionChart(report.figures, Charts::Plane::UvPrime).toSvg()};
+    QStringList names{files.chartXy, files.chartUv};
+    if (!content.table.isEmpty()) {
+        charts << grayTableChart(readGrayTable(content.table), QFileInfo(content.table).fileName()).toSvg();
+        names << files.chartGray;
+    }
+    for (int i = 0; i < charts.size(); ++i)
+        writeOutputFile(names.at(i), charts.at(i));
+    report.files << names << files.html;
+    writeOutputFile(files.html, toHtml(report, charts));
+}
+
+std::optional<CommandError> errorOf(const CalibrationReport& report)
+{
+    std::vector<SendOutcome> outcomes;
+    QStringList served;
+    QStringList open;
+    for (const DeviceRecord& record : report.records) {
+        outcomes.insert(outcomes.end(), record.outcomes.begin(), record.outcomes.end());
+        (record.isDone() ? served : open) << record.device;
+    }
+    const QString hint = QStringLiteral("--resume goes on with what is not done");
+    if (Interrupt::isRequested() && !open.isEmpty())
+        return CommandError{ExitCode::Interrupted,
+                            QStringLiteral("interrupted; done: %1; not done: %2")
+                                .arg(served.isEmpty() ? QStringLiteral("none") : served.join(QStringLiteral(", ")),
+                                     open.join(QStringLiteral(", "))),
+                            hint};
+    auto error = errorOf(outcomes, false);
+    if (error)
+        error->hint = hint;
+    return error;
+}
+
+} // namespace
+
+CommandResult runCalibrate(const CalibrateOptions& options, const Output& output)
+{
+    CalibrationReport report;
+    CalibrationContent content{parseGamut(options.measured), parseGamut(options.target),
+                               QString::fromStdString(options.table), options.frequency,
+                               QString::fromStdString(options.binary)};
+    HostLog::install(output.quiet);
+    report.figures = computeFigures(content.measured, content.target);
+    content.target = report.figures.target;
+    if (options.dryRun) {
+        const OpenWall wall = openWall(options.wall);
+        return dryRun(calibrationSteps(content), selectTargets(wall, options.wall));
+    }
+    const auto target = options.generation == 4 ? wallTarget(content, options.wall, options.seed, output)
+                                                : hubTarget(content, options.hub, output);
+    report.target = target->name();
+    const CalibrationFiles files(options);
+    CalibrationJournal journal = openJournal(options, files, inputsOf(options, content, report.target));
+    report.files = writeDocuments(files, content);
+    {
+        const Interrupt interrupt(Interrupt::What::FinishRunning);
+        serveAll(*target, journal, report, output);
+    }
+    writeReports(files, content, report);
+    return {toText(report), toJson(report), errorOf(report)};
+}

@@ -1,0 +1,228 @@
+#include "support/hostrun.h"
+
+#include <suite/model/colorgamutinfo.h>
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QXmlStreamReader>
+#include <qualityutility/tool/file/picqualityfiletool.h>
+
+#include <csignal>
+
+namespace {
+
+QByteArray read(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// "" for a well-formed document.
+QString xmlError(const QByteArray& document)
+{
+    QXmlStreamReader reader(document);
+    while (!reader.atEnd())
+        reader.readNext();
+    return reader.errorString();
+}
+
+} // namespace
+
+class CalibrateTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    QString out(const QString& name = {}) const
+    {
+        return m_folder->filePath("out" + (name.isEmpty() ? name : '/' + name));
+    }
+
+    QStringList calibrate(const QStringList& further = {}) const
+    {
+        return QStringList{"calibrate", "--measured", "measured-gamut.json", "--target", "rec709", "--out",
+                           out(),       "--json"} +
+               further;
+    }
+
+    /// A wall of devices a, b, c with two cabinets each; `behaviour` is b's.
+    QStringList wall(const QByteArray& behaviour)
+    {
+        QFile file(m_folder->filePath("wall.json"));
+        if (!file.open(QIODevice::WriteOnly))
+            qFatal("cannot write the test's wall");
+        QByteArray devices;
+        for (const QByteArray id : {"a", "b", "c"})
+            devices += (devices.isEmpty() ? "" : ", ") + (R"({"id": ")" + id + R"(", "type": "G4", "simulation": )") +
+                       (id == "b" ? behaviour : QByteArray(R"({"latencyMs": 20})")) +
+                       R"(, "cabinets": [{"cid": 1}, {"cid": 2}]})";
+        file.write("{\"devices\": [" + devices + "]}");
+        return {"--wall", file.fileName()};
+    }
+
+    /// Whether the documents of the folder read whole, each that is there.
+    void checkDocuments() const
+    {
+        for (const QString& name : QDir(out()).entryList({"*.nicc", "*.gray"}))
+            QCOMPARE(run({"doc", "check", out(name)}).exitCode, 0);
+        if (QFile::exists(out("screen.zip")))
+            QCOMPARE(run({"project", "list", out("screen.zip")}).exitCode, 0);
+        for (const QString& name : QDir(out()).entryList({"*.svg"}))
+            QCOMPARE(xmlError(read(out(name))), QString());
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+
+private Q_SLOTS:
+    void init()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        qputenv("TMPDIR", m_folder->path().toLocal8Bit());
+    }
+
+    void cleanup() { qunsetenv("TMPDIR"); }
+
+    void theWholeRoadLeavesDocumentsAndReport()
+    {
+        const Run done = run(calibrate({"--table", "gray-table.csv", "--bin", "receiving-card.bin"}));
+        QVERIFY2(done.exitCode == 0, qPrintable(done.out + done.err));
+        const QJsonObject report = done.json();
+        QCOMPARE(report["coefficients"].toArray().at(5).toInt(), -1006);
+        QVERIFY(report["reached"]["blue"]["out_of_reach"].toBool());
+        QCOMPARE(report["devices"].toArray().size(), 3);
+        for (const QJsonValue& result : report["results"].toArray())
+            QCOMPARE(result["cabinets_holding_it"], result["cabinets"]);
+        QCOMPARE(report["files"].toArray().size(), 9);
+        for (const QJsonValue& file : report["files"].toArray())
+            QVERIFY2(!read(file.toString()).isEmpty(), qPrintable(file.toString()));
+        checkDocuments();
+        const QByteArray html = read(out("report.html"));
+        QCOMPARE(html.count("<svg"), 3);
+        QVERIFY(!html.contains("<?xml") && !html.contains("<script") && !html.contains("<link"));
+
+        Model::ColorGamutInfo led;
+        Model::ColorGamutInfo target;
+        bool isOpen = false;
+        bool changed = true;
+        QVERIFY(PicQualityFileTool::readNiccConfig(out("screen.nicc"), led, target, isOpen, changed));
+        QVERIFY(isOpen && !changed && led.rLxy.lum == 809.05 && target.name == "Rec.709 / sRGB");
+        const Run unpacked = run({"project", "unpack", out("screen.zip"), "--out", m_folder->filePath("u")});
+        QCOMPARE(unpacked.exitCode, 0);
+        for (const char* name : {"screen.nicc", "screen.gray", "screen.nrf"})
+            QCOMPARE(read(m_folder->filePath("u/") + name), read(out(name)));
+        QVERIFY(!QFile::exists(m_folder->filePath("screen"))); // the temporary folder is gone
+    }
+
+    void verifyJudgesWhatTheCabinetsHold()
+    {
+        QCOMPARE(run(calibrate()).exitCode, 0);
+        const Run strict = run({"verify", out(), "--json"});
+        QCOMPARE(strict.exitCode, 1);
+        QVERIFY(strict.json().value("error")["message"].toString().startsWith("left: 16 cabinets differ by 10.2"));
+        const Run mild = run({"verify", out(), "--max-de", "11", "--json"});
+        QCOMPARE(mild.exitCode, 0);
+        QCOMPARE(mild.json().value("devices")[0]["coefficients"].toArray().at(0).toInt(), 10264);
+        // What the cabinets hold counts, not what was computed.
+        QByteArray journal = read(out("calibration.jsonl"));
+        journal.replace("10264,5297", "8264,5297");
+        QFile file(out("calibration.jsonl"));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(journal) == journal.size());
+        file.close();
+        QVERIFY(
+            run({"verify", out(), "--json"}).json().value("devices")[0]["reached"]["white"]["ciede2000"].toDouble() >
+            2.0);
+    }
+
+    void aThirdGenerationIsServedThroughAHub()
+    {
+        const Run done = run(calibrate({"--generation", "3", "--table", "gray-table.csv"}));
+        QVERIFY2(done.exitCode == 0, qPrintable(done.out));
+        QCOMPARE(done.json().value("results").toArray().size(), 3);
+        const Run verified = run({"verify", out(), "--max-de", "11", "--json"});
+        QCOMPARE(verified.exitCode, 0);
+        QCOMPARE(verified.json().value("devices")[0]["coefficients"].toArray().at(5).toInt(), -1006);
+    }
+
+    void aFailedDeviceIsTriedAgainByAResume()
+    {
+        const QStringList failing = calibrate(wall(R"({"faults": [{"kind": "error"}]})"));
+        const Run failed = run(failing);
+        QCOMPARE(failed.exitCode, 69);
+        QVERIFY2(failed.json().value("error")["message"].toString().startsWith("measure to b: "),
+                 qPrintable(failed.out));
+        QCOMPARE(failed.json().value("devices")[2]["done"].toBool(), true); // the others are served
+        QCOMPARE(run({"verify", out(), "--max-de", "11"}).exitCode, 1);
+        const Run again = run(failing + QStringList{"--resume"});
+        QCOMPARE(again.exitCode, 69);
+        QVERIFY(again.json().value("devices")[0]["resumed"].toBool() &&
+                !again.json().value("devices")[1]["resumed"].toBool());
+        QCOMPARE(run(failing).exitCode, 73);
+        const Run other = run(failing + QStringList{"--resume", "--frequency", "50"});
+        QCOMPARE(other.exitCode, 65);
+        QVERIFY2(other.out.contains("was begun with another frequency_hz"), qPrintable(other.out));
+        QCOMPARE(run(failing + QStringList{"--force"}).exitCode, 69);
+        checkDocuments();
+    }
+
+    void interruptedItFinishesTheRunningDevice()
+    {
+        const QStringList arguments = calibrate(wall(R"({"latencyMs": 150})"));
+        QObject owner;
+        QProcess* process = start(arguments, &owner);
+        process->setReadChannel(QProcess::StandardError);
+        QByteArray err;
+        while (!err.contains("measure to b") && !err.contains("mode to a") && process->waitForReadyRead(10000))
+            err += process->readAllStandardError();
+        ::kill(static_cast<pid_t>(process->processId()), SIGINT);
+        const Run done = finish(process);
+        QCOMPARE(done.exitCode, 130);
+        const QString message = done.json().value("error")["message"].toString();
+        QVERIFY2(message == "interrupted; done: a, b; not done: c" || message == "interrupted; done: a; not done: b, c",
+                 qPrintable(message));
+        const Run resumed = run(arguments + QStringList{"--resume"});
+        QCOMPARE(resumed.exitCode, 0);
+        QVERIFY(resumed.json().value("devices")[0]["resumed"].toBool() &&
+                !resumed.json().value("devices")[2]["resumed"].toBool());
+    }
+
+    void aKillAtAnyMomentLeavesWhatAResumeCompletes()
+    {
+        const QStringList arguments = calibrate(wall(R"({"latencyMs": 5})") + QStringList{"--table", "gray-table.csv"});
+        for (int delay = 20; delay <= 500; delay += 60) {
+            QDir(out()).removeRecursively();
+            QObject owner;
+            QProcess* process = start(arguments, &owner);
+            QVERIFY(process->waitForStarted());
+            process->waitForFinished(delay);
+            process->kill();
+            process->waitForFinished();
+            checkDocuments();
+            const Run resumed = run(arguments + QStringList{"--resume"});
+            QVERIFY2(resumed.exitCode == 0, qPrintable(resumed.out));
+            checkDocuments();
+        }
+    }
+
+    void chartsAreWrittenByTheirSuffix()
+    {
+        const auto chart = [this](const QString& name) {
+            return run({"gamut", "chart", "measured-gamut.json", "rec709", "--out", m_folder->filePath(name)});
+        };
+        QCOMPARE(chart("c.svg").exitCode, 0);
+        QCOMPARE(xmlError(read(m_folder->filePath("c.svg"))), QString());
+        QVERIFY(read(m_folder->filePath("c.svg")).contains("reached"));
+        QCOMPARE(chart("c.png").exitCode, 0);
+        QVERIFY(read(m_folder->filePath("c.png")).startsWith("\x89PNG"));
+        QCOMPARE(chart("c.png").exitCode, 73);
+        QCOMPARE(chart("c.jpg").exitCode, 64);
+        QCOMPARE(chart("absent/c.svg").exitCode, 73);
+        QCOMPARE(run({"gray", "chart", "--table", "gray-table.csv", "--out", m_folder->filePath("g.svg")}).exitCode, 0);
+        QVERIFY(read(m_folder->filePath("g.svg")).contains("magnitude"));
+    }
+};
+
+QTEST_GUILESS_MAIN(CalibrateTest)
+#include "tst_calibrate.moc"

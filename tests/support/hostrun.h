@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QStringList>
+
+// Runs of qualityctl, in the folder of the examples.
+
+/// What a run left.
+struct Run
+{
+    int exitCode = -1; ///< -1 for one that was ended by a signal
+    QString out;
+    QString err;
+
+    QJsonObject json() const { return QJsonDocument::fromJson(out.toUtf8()).object(); }
+};
+
+inline QProcess* start(const QStringList& arguments, QObject* parent)
+{
+    auto* process = new QProcess(parent);
+    process->setWorkingDirectory(EXAMPLES);
+    process->start(QUALITYCTL, arguments);
+    return process;
+}
+
+inline Run finish(QProcess* process)
+{
+    if (process->state() != QProcess::NotRunning && !process->waitForFinished(60000))
+        qFatal("qualityctl does not end");
+    return {process->exitStatus() == QProcess::NormalExit ? process->exitCode() : -1,
+            QString::fromUtf8(process->readAllStandardOutput()), QString::fromUtf8(process->readAllStandardError())};
+}
+
+inline Run run(const QStringList& arguments)
+{
+    QObject owner;
+    return finish(start(arguments, &owner));
+}
