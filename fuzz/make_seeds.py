@@ -1,0 +1,69 @@
+#!/usr/bin/env python3
+"""Writes the seeds of every fuzz target into a folder, made from the examples and the shipped files, and a dictionary of the keys
+that the sources know.
+
+    fuzz/make_seeds.py <folder>
+"""
+import io
+import json
+import pathlib
+import re
+import struct
+import sys
+import zipfile
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+OUT = pathlib.Path(sys.argv[1])
+EXAMPLES = ROOT / "examples"
+SHIPPED = ROOT / "src/libs/qualityutility/resource/shipped"
+
+
+def seed(target, name, content):
+    folder = OUT / target
+    folder.mkdir(parents=True, exist_ok=True)
+    (folder / name).write_bytes(content)
+
+
+def archive(entries, **options):
+    data = io.BytesIO()
+    with zipfile.ZipFile(data, "w", **options) as packed:
+        for name, content in entries:
+            packed.writestr(name, content)
+    return data.getvalue()
+
+
+def documents():
+    calibration = json.loads((EXAMPLES / "gray-calibration.json").read_text())
+    gamut = json.loads((EXAMPLES / "measured-gamut.json").read_text())
+    points = [dict(zip(("lum", "x", "y"), point)) for point in calibration["red"][:5]]
+    yield "gray", {"rMeasure": points, "gMeasure": points, "bMeasure": [], "rGrayCoeffs": [1, 2, 255], "magnitudes": [0],
+                   "grayEffectPara": {"switchMG": True}, "grayDetailPara": {"peakInvalid": True, "peakLum": 5},
+                   "mgData": {"rMG0Measure": points, "rMGMeasure": [{"measure": points}], "mgCurrentLUTs": [1]}}
+    yield "cache", {"grayAdvance": {"maxNum": 4, "wMeasure": points, "coeffs": {}, "lumTargets": {}}, "wMeasure1": points}
+    yield "nicc", {"vesion": "1.0", "Time": "2026-11-21", "LEDColorGamnut": gamut, "TargetColorGamnut": gamut,
+                   "IsOpen": True, "UsedIndex": 3}
+    yield "new-nicc", {"GamutName": "Rec.709", "Temperature": 6500, "FromInputStatus": 1}
+
+
+for name, document in documents():
+    seed("documents", name, json.dumps(document).encode())
+wall = json.loads((EXAMPLES / "wall.json").read_text())
+for device in wall["devices"]:
+    device["cabinets"] = device["cabinets"][:2]
+seed("wall", "wall", json.dumps(wall).encode())
+seed("settings", "shipped", (SHIPPED / "qualityadjust_config/picqualityconfigfile.ini").read_bytes())
+seed("graytables", "numbers", b"0\n1\n 65535 \r\n-1\nx\n\n70000")
+for name, payload in [("ok", b'{"error":0}'), ("data", b'{"error":0,"data":{"level":14,"mode":1}}'), ("text", "测".encode())]:
+    frame = struct.pack("<i", len(payload)) + payload
+    seed("hub", name, bytes([0, 3, 255, 255]) + frame)
+    seed("hub", name + "-twice", bytes([255, 255, 255, 255]) + frame + frame)
+seed("archive", "flat", archive([("a.nicc", "1"), ("b.gray", "2" * 300)], compression=zipfile.ZIP_DEFLATED))
+seed("archive", "folder", archive([("f/", ""), ("f/a.nrf", "1")]))
+seed("archive", "upwards", archive([("../a", "1")]))
+seed("archive", "empty", archive([]))
+
+words = set()
+for source in (ROOT / "src").rglob("*.cpp"):
+    if source.parts[-2] in ("file", "resource", "service", "simulator", "sender3th"):
+        words |= set(re.findall(r'"([A-Za-z][A-Za-z0-9]{1,30})"', source.read_text()))
+(OUT / "words.dict").write_text("".join(f'"{word}"\n' for word in sorted(words)))
