@@ -9,6 +9,7 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME runtime)
 set(CMAKE_AUTOMOC ON)
 set(CMAKE_AUTORCC ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/${CMAKE_INSTALL_BINDIR})
@@ -59,29 +60,30 @@ function(qualityutility_library target)
     generate_export_header(${target} EXPORT_FILE_NAME ${generated}/${ARG_FOLDER}/${target}_export.h)
     target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${generated}>)
     install(FILES ${generated}/${ARG_FOLDER}/${target}_export.h
-      DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${ARG_EXPORT}/${ARG_FOLDER})
+      DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${ARG_EXPORT}/${ARG_FOLDER} COMPONENT development)
   endif()
   set_target_properties(${target} PROPERTIES EXPORT_NAME ${exported_name})
   target_compile_features(${target} ${scope} cxx_std_17)
   target_include_directories(${target} ${scope}
     $<BUILD_INTERFACE:${ARG_BASE}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/${ARG_EXPORT}>)
   install(DIRECTORY ${ARG_BASE}/${ARG_FOLDER}/
-    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${ARG_EXPORT}/${ARG_FOLDER}
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${ARG_EXPORT}/${ARG_FOLDER} COMPONENT development
     FILES_MATCHING PATTERN "*.h" PATTERN "*_p.h" EXCLUDE)
   install(TARGETS ${target} EXPORT ${ARG_EXPORT}Targets
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
 endfunction()
 
 # Installs the CMake package <name> for the targets exported into the set of the same name.
 function(qualityutility_install_package name namespace)
   set(destination ${CMAKE_INSTALL_LIBDIR}/cmake/${name})
-  install(EXPORT ${name}Targets NAMESPACE ${namespace}:: DESTINATION ${destination})
+  install(EXPORT ${name}Targets NAMESPACE ${namespace}:: DESTINATION ${destination} COMPONENT development)
   configure_package_config_file(cmake/${name}Config.cmake.in ${PROJECT_BINARY_DIR}/${name}Config.cmake
     INSTALL_DESTINATION ${destination})
   write_basic_package_version_file(${PROJECT_BINARY_DIR}/${name}ConfigVersion.cmake
     VERSION ${PROJECT_VERSION} COMPATIBILITY SameMinorVersion)
   install(FILES ${PROJECT_BINARY_DIR}/${name}Config.cmake ${PROJECT_BINARY_DIR}/${name}ConfigVersion.cmake
-    DESTINATION ${destination})
+    DESTINATION ${destination} COMPONENT development)
 endfunction()
 
 function(qualityutility_install_packages)

@@ -1,4 +1,5 @@
 #include "commands.h"
+#include "selfdescription.h"
 
 #include <CLI/CLI.hpp>
 
@@ -28,6 +29,12 @@ without --host and --port.
 Exit codes: 0 done, 1 a check found a difference, 64 usage, 65 bad data, 66 no input, 69 unavailable,
 70 internal, 73 cannot create, 74 input/output, 75 timeout, 76 protocol, 130 interrupted)";
 
+/// A text about the command line itself, asked for instead of a command.
+struct SelfDescription
+{
+    QString text;
+};
+
 /// What is printed when the arguments themselves are wrong: --json may be among them all the same.
 int reportUsage(const CLI::App& app, const CLI::ParseError& error, int argc, char** argv)
 {
@@ -52,6 +59,9 @@ int run(int argc, char** argv)
     app.require_subcommand(1);
     app.fallthrough();
     app.footer(footer);
+    // For the build, which installs what they print; not in --help.
+    app.add_flag_callback("--man-page", [&app] { throw SelfDescription{manPage(app)}; })->group("");
+    app.add_flag_callback("--bash-completion", [&app] { throw SelfDescription{bashCompletion(app)}; })->group("");
     Command chosen;
     addCalibrateCommands(app, chosen);
     addWallCommands(app, chosen);
@@ -64,6 +74,8 @@ int run(int argc, char** argv)
     addSettingsCommands(app, chosen);
     try {
         app.parse(argc, argv);
+    } catch (const SelfDescription& description) {
+        return print({description.text, {}}, {});
     } catch (const CLI::Success& request) { // --help and --version
         return app.exit(request);
     } catch (const CLI::ParseError& error) {
