@@ -65,8 +65,7 @@ std::optional<ArchiveRefusal> checkEntries(QuaZip& zip, ArchiveListing& listing,
             return ArchiveRefusal{fault, entry.name};
         bytes += std::min(entry.uncompressedSize, maxArchiveBytes + 1);
         if (bytes > maxArchiveBytes)
-            return ArchiveRefusal{QStringLiteral("over %1 MiB unpacked").arg(maxArchiveBytes / (1024 * 1024)),
-                                  entry.name};
+            return ArchiveRefusal{QStringLiteral("over %1 MiB unpacked").arg(maxArchiveBytes / mebibyte), entry.name};
         listing.sizes.insert(entry.name, entry.uncompressedSize);
         ++listing.entries;
     }

@@ -25,7 +25,8 @@ struct ArchiveRefusal
 
 /// An archive holds at most so many entries and so many bytes.
 inline constexpr int maxArchiveEntries = 4096;
-inline constexpr quint64 maxArchiveBytes = quint64{256} * 1024 * 1024;
+inline constexpr quint64 mebibyte = quint64{1024} * 1024;
+inline constexpr quint64 maxArchiveBytes = 256 * mebibyte;
 
 /// Looks at every entry of a zip archive. Refused are: what is no archive, has a damaged list or is over the limits; an
 /// entry whose name would lead out of the folder, or that no folder can hold; symbolic links; encrypted entries and

@@ -34,7 +34,7 @@ bool ClientSession::connectToServer(QString host, unsigned short port)
         logInfo("server ", host, "connected");
         return true;
     }
-    m_host = host;
+    m_host = std::move(host);
     m_port = port;
     m_socket->connectToHost(m_host, m_port, QIODevice::ReadWrite, QAbstractSocket::AnyIPProtocol);
     m_socket->waitForConnected(m_connectWait);
@@ -130,10 +130,10 @@ bool ClientSession::initPackData()
 
 void ClientSession::slot_ReadMessage()
 {
-    m_receiver->receive(*m_socket, [this](const QByteArray& payload) {
-        const QMutexLocker lock(&m_cacheMutex);
-        m_resultCache.append(payload);
-    });
+    QList<QByteArray> complete;
+    m_receiver->receive(*m_socket, [&complete](const QByteArray& payload) { complete.append(payload); });
+    const QMutexLocker lock(&m_cacheMutex);
+    m_resultCache += complete;
 }
 
 void ClientSession::slot_SocketError(QAbstractSocket::SocketError socketErr)
