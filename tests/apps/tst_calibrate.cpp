@@ -1,4 +1,5 @@
 #include "support/hostrun.h"
+#include "support/testfiles.h"
 
 #include <suite/model/colorgamutinfo.h>
 
@@ -13,12 +14,6 @@
 #include <csignal>
 
 namespace {
-
-QByteArray read(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 /// "" for a well-formed document.
 QString xmlError(const QByteArray& document)
@@ -51,16 +46,12 @@ private:
     /// A wall of devices a, b, c with two cabinets each; `behaviour` is b's.
     QStringList wall(const QByteArray& behaviour)
     {
-        QFile file(m_folder->filePath("wall.json"));
-        if (!file.open(QIODevice::WriteOnly))
-            qFatal("cannot write the test's wall");
         QByteArray devices;
         for (const QByteArray id : {"a", "b", "c"})
             devices += (devices.isEmpty() ? "" : ", ") + (R"({"id": ")" + id + R"(", "type": "G4", "simulation": )") +
                        (id == "b" ? behaviour : QByteArray(R"({"latencyMs": 20})")) +
                        R"(, "cabinets": [{"cid": 1}, {"cid": 2}]})";
-        file.write("{\"devices\": [" + devices + "]}");
-        return {"--wall", file.fileName()};
+        return {"--wall", writeFile(m_folder->filePath("wall.json"), "{\"devices\": [" + devices + "]}")};
     }
 
     /// Whether the documents of the folder read whole, each that is there.
@@ -71,7 +62,7 @@ private:
         if (QFile::exists(out("screen.zip")))
             QCOMPARE(run({"project", "list", out("screen.zip")}).exitCode, 0);
         for (const QString& name : QDir(out()).entryList({"*.svg"}))
-            QCOMPARE(xmlError(read(out(name))), QString());
+            QCOMPARE(xmlError(readFile(out(name))), QString());
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -97,9 +88,9 @@ private Q_SLOTS:
             QCOMPARE(result["cabinets_holding_it"], result["cabinets"]);
         QCOMPARE(report["files"].toArray().size(), 9);
         for (const QJsonValue& file : report["files"].toArray())
-            QVERIFY2(!read(file.toString()).isEmpty(), qPrintable(file.toString()));
+            QVERIFY2(!readFile(file.toString()).isEmpty(), qPrintable(file.toString()));
         checkDocuments();
-        const QByteArray html = read(out("report.html"));
+        const QByteArray html = readFile(out("report.html"));
         QCOMPARE(html.count("<svg"), 3);
         QVERIFY(!html.contains("<?xml") && !html.contains("<script") && !html.contains("<link"));
 
@@ -112,7 +103,7 @@ private Q_SLOTS:
         const Run unpacked = run({"project", "unpack", out("screen.zip"), "--out", m_folder->filePath("u")});
         QCOMPARE(unpacked.exitCode, 0);
         for (const char* name : {"screen.nicc", "screen.gray", "screen.nrf"})
-            QCOMPARE(read(m_folder->filePath("u/") + name), read(out(name)));
+            QCOMPARE(readFile(m_folder->filePath("u/") + name), readFile(out(name)));
         QVERIFY(!QFile::exists(m_folder->filePath("screen"))); // the temporary folder is gone
     }
 
@@ -126,11 +117,9 @@ private Q_SLOTS:
         QCOMPARE(mild.exitCode, 0);
         QCOMPARE(mild.json().value("devices")[0]["coefficients"].toArray().at(0).toInt(), 10264);
         // What the cabinets hold counts, not what was computed.
-        QByteArray journal = read(out("calibration.jsonl"));
+        QByteArray journal = readFile(out("calibration.jsonl"));
         journal.replace("10264,5297", "8264,5297");
-        QFile file(out("calibration.jsonl"));
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(journal) == journal.size());
-        file.close();
+        writeFile(out("calibration.jsonl"), journal);
         QVERIFY(
             run({"verify", out(), "--json"}).json().value("devices")[0]["reached"]["white"]["ciede2000"].toDouble() >
             2.0);
@@ -212,15 +201,15 @@ private Q_SLOTS:
             return run({"gamut", "chart", "measured-gamut.json", "rec709", "--out", m_folder->filePath(name)});
         };
         QCOMPARE(chart("c.svg").exitCode, 0);
-        QCOMPARE(xmlError(read(m_folder->filePath("c.svg"))), QString());
-        QVERIFY(read(m_folder->filePath("c.svg")).contains("reached"));
+        QCOMPARE(xmlError(readFile(m_folder->filePath("c.svg"))), QString());
+        QVERIFY(readFile(m_folder->filePath("c.svg")).contains("reached"));
         QCOMPARE(chart("c.png").exitCode, 0);
-        QVERIFY(read(m_folder->filePath("c.png")).startsWith("\x89PNG"));
+        QVERIFY(readFile(m_folder->filePath("c.png")).startsWith("\x89PNG"));
         QCOMPARE(chart("c.png").exitCode, 73);
         QCOMPARE(chart("c.jpg").exitCode, 64);
         QCOMPARE(chart("absent/c.svg").exitCode, 73);
         QCOMPARE(run({"gray", "chart", "--table", "gray-table.csv", "--out", m_folder->filePath("g.svg")}).exitCode, 0);
-        QVERIFY(read(m_folder->filePath("g.svg")).contains("magnitude"));
+        QVERIFY(readFile(m_folder->filePath("g.svg")).contains("magnitude"));
     }
 };
 

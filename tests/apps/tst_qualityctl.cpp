@@ -1,4 +1,5 @@
 #include "support/hostrun.h"
+#include "support/testfiles.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -19,14 +20,11 @@ private:
     /// A wall of devices a and b with two cabinets each, in modes 3 and 4, and the given behaviours.
     QString wall(const QByteArray& a, const QByteArray& b = "{}")
     {
-        QFile file(m_folder.filePath("wall.json"));
-        if (!file.open(QIODevice::WriteOnly))
-            qFatal("cannot write the test's wall");
         const QByteArray cabinets = R"("cabinets": [{"cid": 1, "effectMode": 3}, {"cid": 2, "effectMode": 4}])";
-        file.write(R"({"devices": [{"id": "a", "type": "G4", "simulation": )" + a + ", " + cabinets +
-                   R"(}, {"id": "b", "type": "", "batchCorrectionSwitch": true, "simulation": )" + b + ", " + cabinets +
-                   "}]}");
-        return file.fileName();
+        return writeFile(m_folder.filePath("wall.json"),
+                         R"({"devices": [{"id": "a", "type": "G4", "simulation": )" + a + ", " + cabinets +
+                             R"(}, {"id": "b", "type": "", "batchCorrectionSwitch": true, "simulation": )" + b + ", " +
+                             cabinets + "}]}");
     }
 
     QTemporaryDir m_folder;
@@ -104,10 +102,7 @@ private Q_SLOTS:
             QTest::newRow(qPrintable(arguments)) << arguments.split(' ') << code << message;
         };
         const auto file = [&](const char* name, const QByteArray& content) {
-            QFile out(m_folder.filePath(name));
-            if (!out.open(QIODevice::WriteOnly) || out.write(content) != content.size())
-                qFatal("cannot write the test's input");
-            return out.fileName();
+            return writeFile(m_folder.filePath(name), content);
         };
         row("dance", 64, "dance");
         row("send gray", 64, "--table is required");
@@ -312,10 +307,7 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, document);
         QFETCH(QStringList, faults);
-        QFile file(m_folder.filePath("faulty.gray"));
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(document) == document.size());
-        file.close();
-        const Run done = run({"doc", "check", file.fileName(), "--json"});
+        const Run done = run({"doc", "check", writeFile(m_folder.filePath("faulty.gray"), document), "--json"});
         QStringList found;
         for (const QJsonValue& fault : done.json()["faults"].toArray())
             found << fault.toString();

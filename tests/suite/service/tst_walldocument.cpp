@@ -1,3 +1,5 @@
+#include "support/testfiles.h"
+
 #include <suite/service/walldocument.h>
 
 #include <QFile>
@@ -11,13 +13,7 @@ class WallDocumentTest : public QObject
     Q_OBJECT
 
 private:
-    QString write(const QByteArray& content)
-    {
-        QFile file(m_folder.filePath("wall.json"));
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            qFatal("cannot write the test's document");
-        return file.fileName();
-    }
+    QString write(const QByteArray& content) { return writeFile(m_folder.filePath("wall.json"), content); }
 
     QTemporaryDir m_folder;
 

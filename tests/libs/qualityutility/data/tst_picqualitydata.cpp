@@ -1,4 +1,5 @@
 #include "support/logcapture.h"
+#include "support/testfiles.h"
 #include "support/threadedinstances.h"
 
 #include <QFile>
@@ -63,12 +64,11 @@ private Q_SLOTS:
 
     void itFillsItselfFromSettingsModelAndCache()
     {
-        QFile settings(m_folder->filePath("settings.ini"));
-        QVERIFY(settings.open(QIODevice::WriteOnly));
-        settings.write("[MaxWCom]\nGrayMaxWCom=9\nCustomColorCoordinate=1\nColorTemp=7200\nxCom=0.29\nyCom=0.31\n");
-        settings.close();
+        const QString settings =
+            writeFile(m_folder->filePath("settings.ini"),
+                      "[MaxWCom]\nGrayMaxWCom=9\nCustomColorCoordinate=1\nColorTemp=7200\nxCom=0.29\nyCom=0.31\n");
         PicQualityResource& resource = *PicQualityResource::getInstance();
-        QVERIFY(resource.parsePicqualityConfigFile(settings.fileName()));
+        QVERIFY(resource.parsePicqualityConfigFile(settings));
         RvCardConfigDataModel::getInstance()->brightness()->colorTemperturePara().gCx = 0.2;
         Model::MagicGrayCoeffs magicGray;
         magicGray.getACRMeasures()[0] = {points.begin(), points.end()};

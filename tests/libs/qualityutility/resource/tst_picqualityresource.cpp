@@ -1,4 +1,5 @@
 #include "support/logcapture.h"
+#include "support/testfiles.h"
 #include "support/threadedinstances.h"
 
 #include <sys/resource.h>
@@ -93,20 +94,6 @@ private:
     QString inData(const QString& path) const { return m_folder->filePath("company/qualityadjust/data/" + path); }
     QString settingsFile() const { return inHost("qualityadjust_config/picqualityconfigfile.ini"); }
 
-    static void write(const QString& path, const QByteArray& content)
-    {
-        QDir().mkpath(QFileInfo(path).path());
-        QFile file(path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            qFatal("cannot write %s", qPrintable(path));
-    }
-
-    static QByteArray read(const QString& path)
-    {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
-    }
-
     /// Starts a host in a folder of its own.
     Started start(const QStringList& arguments = {}, int fileSizeLimit = 0) const
     {
@@ -130,7 +117,7 @@ private:
     {
         Resource::releaseInstance();
         const QString path = m_folder->filePath("settings.ini");
-        write(path, content);
+        writeFile(path, content);
         if (!Resource::getInstance()->parsePicqualityConfigFile(path))
             qFatal("the settings were not read");
         return Resource::getInstance()->settings();
@@ -145,7 +132,7 @@ private Q_SLOTS:
         m_folder.reset(new QTemporaryDir);
         m_log.reset(new LogCapture);
         qputenv("SUITE_COMPANY_DIR", m_folder->filePath("company-here").toLocal8Bit());
-        write(inHost("qualityadjust/defaultcolorgamut.cfg"), "gamuts 1");
+        writeFile(inHost("qualityadjust/defaultcolorgamut.cfg"), "gamuts 1");
         QVERIFY(QFile::copy(QCoreApplication::applicationFilePath(), inHost("app")));
     }
 
@@ -162,20 +149,20 @@ private Q_SLOTS:
         QCOMPARE(first.state["cache"].toString(), inData("grayCache.gray"));
         QVERIFY(first.state["loaded"].toBool());
         QVERIFY2(first.log.contains("file " + settingsFile() + " not exist!!!"), qPrintable(first.log));
-        QCOMPARE(read(inData("defaultcolorgamut.cfg")), QByteArray("gamuts 1"));
+        QCOMPARE(readFile(inData("defaultcolorgamut.cfg")), QByteArray("gamuts 1"));
 
         const QStringList transfers{"niccpath.nicc", "graypath.gray", "rvCardConfig.nrf", "coeffsPackConfig.nrf"};
         for (const QString& name : transfers)
-            write(inData(name), "stale");
-        write(inData("grayCache.gray"), "kept");
-        write(inData("grayCachetemp.gray"), "kept");
-        write(inHost("qualityadjust/defaultcolorgamut.cfg"), "gamuts 2");
+            writeFile(inData(name), "stale");
+        writeFile(inData("grayCache.gray"), "kept");
+        writeFile(inData("grayCachetemp.gray"), "kept");
+        writeFile(inHost("qualityadjust/defaultcolorgamut.cfg"), "gamuts 2");
         QCOMPARE(start().exitCode, 0);
         for (const QString& name : transfers)
             QVERIFY2(!QFile::exists(inData(name)), qPrintable(name));
-        QCOMPARE(read(inData("grayCache.gray")), QByteArray("kept"));
-        QCOMPARE(read(inData("grayCachetemp.gray")), QByteArray("kept"));
-        QCOMPARE(read(inData("defaultcolorgamut.cfg")), QByteArray("gamuts 1"));
+        QCOMPARE(readFile(inData("grayCache.gray")), QByteArray("kept"));
+        QCOMPARE(readFile(inData("grayCachetemp.gray")), QByteArray("kept"));
+        QCOMPARE(readFile(inData("defaultcolorgamut.cfg")), QByteArray("gamuts 1"));
     }
 
     void aHostileStartIsSurvived_data()
@@ -206,7 +193,7 @@ private Q_SLOTS:
         if (path.endsWith('/'))
             QVERIFY(QDir().mkpath(m_folder->filePath(path)));
         else
-            write(m_folder->filePath(path), content);
+            writeFile(m_folder->filePath(path), content);
         const Started host = start({"50"});
         QCOMPARE(host.exitCode, 0);
         QCOMPARE(host.state["freq"].toDouble(), 50.0);
@@ -220,10 +207,10 @@ private Q_SLOTS:
     void writeBackKeepsWhatItDoesNotKnow()
     {
         const QByteArray chinese = QTextCodec::codecForName("GB2312")->fromUnicode(QString::fromUtf8("屏幕"));
-        write(settingsFile(), "[Unknown]\nName=" + chinese + "\nList=1, 2\n[Colorimeter410]\nFreq=50\nSpeed=7\n");
+        writeFile(settingsFile(), "[Unknown]\nName=" + chinese + "\nList=1, 2\n[Colorimeter410]\nFreq=50\nSpeed=7\n");
         const QString path = QString::fromUtf8("/数据/图像, 1");
         QCOMPARE(start({"59.996", path}).exitCode, 0);
-        const QByteArray content = read(settingsFile());
+        const QByteArray content = readFile(settingsFile());
         QVERIFY2(content.contains("Name=" + chinese) && content.contains("List=1, 2"), content.constData());
         QVERIFY2(content.contains("Freq=60.00"), content.constData());
         const Started again = start();
@@ -245,11 +232,11 @@ private Q_SLOTS:
         QByteArray content = "[Colorimeter410]\nFreq=50\n[Unknown]\n";
         for (int i = 0; i < 2000; ++i)
             content += "Key" + QByteArray::number(i) + "=value\n";
-        write(settingsFile(), content);
+        writeFile(settingsFile(), content);
         const Started host = start({"75"}, limit);
         QCOMPARE(host.exitCode, 0);
         QCOMPARE(host.state["freq"].toDouble(), 75.0);
-        QCOMPARE(read(settingsFile()), content);
+        QCOMPARE(readFile(settingsFile()), content);
         QVERIFY2(host.log.contains("file \"" + settingsFile() + "\" write failed!!!"), qPrintable(host.log));
         QCOMPARE(QFileInfo(settingsFile()).dir().entryList(QDir::Files | QDir::Hidden),
                  QStringList("picqualityconfigfile.ini"));
@@ -297,7 +284,7 @@ private Q_SLOTS:
             "[FineGray]\nGrayAdvanceState=false\n[NetWorkTimeOut]\nCustomTimeout=9\n[ABLParam]\nDefaultMAXLum=5\n");
         QVERIFY(!first.grayAdvanceState);
         const QString path = m_folder->filePath("second.ini");
-        write(path, "[MaxWCom]\nxCom=0.31\n");
+        writeFile(path, "[MaxWCom]\nxCom=0.31\n");
         QVERIFY(Resource::getInstance()->parsePicqualityConfigFile(path));
         const PicQualitySettings& second = Resource::getInstance()->settings();
         QVERIFY(second.grayAdvanceState);
@@ -348,7 +335,7 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, text);
         const QString path = m_folder->filePath("table.txt");
-        write(path, text);
+        writeFile(path, text);
         const auto toInts = [](const auto& list) {
             QList<int> result;
             for (const auto value : list)

@@ -1,6 +1,7 @@
 // What happens to documents when things go wrong outside: kills, full disks, hostile content.
 
 #include "support/logcapture.h"
+#include "support/testfiles.h"
 
 #include <suite/model/finegray.h>
 #include <suite/model/graydetailpara.h>
@@ -82,19 +83,6 @@ class DocumentSafetyTest : public QObject
     Q_OBJECT
 
 private:
-    QByteArray content() const
-    {
-        QFile file(m_path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
-    }
-
-    void write(const QByteArray& bytes)
-    {
-        QFile file(m_path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-            qFatal("cannot write the test's document");
-    }
-
     QTemporaryDir m_folder;
     const QString m_path = m_folder.filePath("document.json");
 
@@ -122,7 +110,7 @@ private Q_SLOTS:
             process.kill();
             QVERIFY(process.waitForFinished());
             QJsonParseError error;
-            const auto document = QJsonDocument::fromJson(content(), &error).object();
+            const auto document = QJsonDocument::fromJson(readFile(m_path), &error).object();
             QCOMPARE(error.error, QJsonParseError::NoError);
             QCOMPARE(document["rMeasure"].toArray().size(), pointsOfAMegabyte);
             updates = qMax(updates, document["grayAdvance"]["maxNum"].toInt());
@@ -144,7 +132,7 @@ private Q_SLOTS:
         QVERIFY(QDir().mkpath(m_folder.path()));
         const auto points = manyPoints(pointsOfAMegabyte);
         QVERIFY(Tool::writeFineGrayCache(m_path, points, points, points));
-        const QByteArray before = content();
+        const QByteArray before = readFile(m_path);
         LogCapture log;
         {
             const FileSizeLimit full(static_cast<rlim_t>(limit));
@@ -153,7 +141,7 @@ private Q_SLOTS:
         }
         const QString line = "critical default: file \"" + m_path + "\" write failed!!!";
         QCOMPARE(log.take(), QStringList({line, line}));
-        QCOMPARE(content(), before);
+        QCOMPARE(readFile(m_path), before);
         QCOMPARE(QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList("document.json"));
     }
 
@@ -189,7 +177,7 @@ private Q_SLOTS:
         QFETCH(QByteArray, nasty);
         QFETCH(int, red);
         LogCapture log;
-        write(nasty);
+        writeFile(m_path, nasty);
         Model::FineGrayCoeffs tables;
         Model::GrayEffectPara effect;
         Model::GrayDetailPara detail;
@@ -223,7 +211,7 @@ private Q_SLOTS:
         };
         for (const auto& update : updaters)
             QVERIFY(update());
-        const QJsonObject after = QJsonDocument::fromJson(content()).object();
+        const QJsonObject after = QJsonDocument::fromJson(readFile(m_path)).object();
         QCOMPARE(after.contains("rMeasure"), red >= 0); // what could not be read begins anew
         QVERIFY(after.contains("mgData") && after.contains("grayAdvance") && after.contains("wMGMeasure"));
         QCOMPARE(log.take(), QStringList());

@@ -1,4 +1,5 @@
 #include "support/logcapture.h"
+#include "support/testfiles.h"
 
 #include <suite/action/commonconfigaction.h>
 #include <suite/common/colorgamuttype.h>
@@ -43,13 +44,7 @@ class NiccDocumentsTest : public QObject
     Q_OBJECT
 
 private:
-    QString file(const QByteArray& content)
-    {
-        QFile out(m_folder->filePath("n.nicc"));
-        if (!out.open(QIODevice::WriteOnly) || out.write(content) != content.size())
-            qFatal("cannot write the test's document");
-        return out.fileName();
-    }
+    QString file(const QByteArray& content) { return writeFile(m_folder->filePath("n.nicc"), content); }
 
     static bool read(const QString& path, Configuration& c)
     {
@@ -77,9 +72,7 @@ private Q_SLOTS:
         const ColorGamutInfo target = gamut("\xe6\xb5\x8b", 0.64);
         const QString path = m_folder->filePath("n.nicc");
         QVERIFY(Tool::writeNiccConfig(path, led, target));
-        QFile document(path);
-        QVERIFY(document.open(QIODevice::ReadOnly));
-        const QByteArray bytes = document.readAll();
+        const QByteArray bytes = readFile(path);
         QByteArray same;
         Tool::writeNicc(led, target, same);
         QCOMPARE(bytes, same);

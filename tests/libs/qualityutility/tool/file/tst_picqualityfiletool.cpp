@@ -1,4 +1,5 @@
 #include "support/logcapture.h"
+#include "support/testfiles.h"
 
 #include <suite/model/finegray.h>
 #include <suite/model/graydetailpara.h>
@@ -125,20 +126,8 @@ class PicQualityFileToolTest : public QObject
     Q_OBJECT
 
 private:
-    QString write(const QByteArray& content)
-    {
-        QFile file(m_path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            qFatal("cannot write the test's document");
-        return m_path;
-    }
-
-    QByteArray content() const
-    {
-        QFile file(m_path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
-    }
-
+    QString write(const QByteArray& content) { return writeFile(m_path, content); }
+    QByteArray content() const { return readFile(m_path); }
     QJsonObject root() const { return parse(content()); }
 
     QTemporaryDir m_folder;
@@ -216,13 +205,10 @@ private Q_SLOTS:
         QCOMPARE(log.take(), QStringList("critical default: file \"" + m_path + "\" not find"));
         write("new");
         QFile::setPermissions(m_path, QFile::ReadOwner | QFile::WriteOwner);
-        QFile old(target);
-        QVERIFY(old.open(QIODevice::WriteOnly) && old.write("older content") > 0);
-        old.close();
+        writeFile(target, "older content");
         QVERIFY(Tool::copyFile(m_path, target));
-        QVERIFY(old.open(QIODevice::ReadOnly));
-        QCOMPARE(old.readAll(), QByteArray("new"));
-        QVERIFY(!(old.permissions() & (QFile::ReadGroup | QFile::ReadOther)));
+        QCOMPARE(readFile(target), QByteArray("new"));
+        QVERIFY(!(QFile::permissions(target) & (QFile::ReadGroup | QFile::ReadOther)));
         QVERIFY(Tool::copyFile(m_path, m_path)); // onto itself: nothing is lost
         QCOMPARE(content(), QByteArray("new"));
         QVERIFY(!Tool::copyFile(m_path, m_folder.filePath("absent/copy.bin")));

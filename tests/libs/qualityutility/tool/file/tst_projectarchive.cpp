@@ -1,4 +1,5 @@
 #include "support/logcapture.h"
+#include "support/testfiles.h"
 #include "support/zipwriter.h"
 
 #include <sys/resource.h>
@@ -16,19 +17,6 @@
 using Tool = PicQualityFileTool;
 
 namespace {
-
-void write(const QString& path, const QByteArray& content)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("cannot write %s", qPrintable(path));
-}
-
-QByteArray read(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-}
 
 ZipEntry entry(const QByteArray& name, const QByteArray& content = "x")
 {
@@ -72,7 +60,7 @@ private:
             it.next();
             const QFileInfo info = it.fileInfo();
             result.insert(info.filePath(), info.isSymLink() ? info.symLinkTarget().toUtf8()
-                                           : info.isFile()  ? read(info.filePath())
+                                           : info.isFile()  ? readFile(info.filePath())
                                                             : QByteArray("folder"));
         }
         return result;
@@ -111,7 +99,7 @@ private Q_SLOTS:
     void whatIsPackedComesBackInItsRoles()
     {
         for (const char* name : {"a.nicc", "b.gray", "c.nrf", "d.txt"})
-            write(path(name), QByteArray(name) + QByteArray(100000, 'x'));
+            writeFile(path(name), QByteArray(name) + QByteArray(100000, 'x'));
         QVERIFY(Tool::packProConfig(path("site.backup.zip"), path("a.nicc"), path("b.gray"), path("c.nrf"),
                                     {path("absent"), path("d.txt")}));
         QProcess python; // another implementation finds it good, in the order of packing
@@ -122,14 +110,14 @@ private Q_SLOTS:
         QCOMPARE(python.readAllStandardOutput(), QByteArray("None ['a.nicc', 'c.nrf', 'b.gray', 'd.txt']\n"));
 
         QVERIFY(QDir().mkpath(temp("site")));
-        write(temp("site/old.txt"), "of an earlier unpacking");
+        writeFile(temp("site/old.txt"), "of an earlier unpacking");
         const Unpacked found = unpack(path("site.backup.zip"));
         QVERIFY(found.isDone);
         QCOMPARE(found.nicc, temp("site/a.nicc"));
         QCOMPARE(found.gray, temp("site/b.gray"));
         QCOMPARE(found.config, temp("site/c.nrf"));
         QCOMPARE(found.others, (QStringList{"before", temp("site/d.txt")}));
-        QCOMPARE(read(found.gray), read(path("b.gray")));
+        QCOMPARE(readFile(found.gray), readFile(path("b.gray")));
         QCOMPARE(QDir(temp("site")).entryList(QDir::Files).size(), 4);
         QCOMPARE(QDir(temp()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList{"site"});
         const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther |
@@ -161,21 +149,21 @@ private Q_SLOTS:
 
     void aPackThatFailsKeepsTheEarlierArchive()
     {
-        write(path("a.nicc"), "first");
+        writeFile(path("a.nicc"), "first");
         QVERIFY(Tool::packProConfig(path("p.zip"), path("a.nicc"), {}, {}, {}));
-        const QByteArray first = read(path("p.zip"));
+        const QByteArray first = readFile(path("p.zip"));
         QByteArray noise(300000, 0);
         quint32 state = 1;
         for (char& c : noise)
             c = static_cast<char>((state = state * 1664525 + 1013904223) >> 24);
-        write(path("big.nicc"), noise);
+        writeFile(path("big.nicc"), noise);
         std::signal(SIGXFSZ, SIG_IGN);
         const rlimit full{4096, RLIM_INFINITY};
         setrlimit(RLIMIT_FSIZE, &full);
         Tool::packProConfig(path("p.zip"), path("big.nicc"), {}, {}, {});
         const rlimit free{RLIM_INFINITY, RLIM_INFINITY};
         setrlimit(RLIMIT_FSIZE, &free);
-        QCOMPARE(read(path("p.zip")), first);
+        QCOMPARE(readFile(path("p.zip")), first);
         QVERIFY(m_log->take().last().contains("write failed!!!"));
         QCOMPARE(QDir(m_folder->path()).entryList(QDir::Hidden | QDir::AllEntries | QDir::NoDotAndDotDot),
                  (QStringList{"a.nicc", "big.nicc", "p.zip", "tmp"}));
@@ -215,7 +203,7 @@ private Q_SLOTS:
         QFETCH(QString, nicc);
         QFETCH(QStringList, others);
         if (python.isEmpty())
-            write(path("o.zip"), bytes);
+            writeFile(path("o.zip"), bytes);
         else
             makeWithPython("o.zip", python);
         const Unpacked found = unpack(path("o.zip"));
@@ -278,10 +266,10 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, archive);
         QFETCH(QString, reason);
-        write(path("h.zip"), archive);
-        write(path("tmp/escaped"), "earlier");
+        writeFile(path("h.zip"), archive);
+        writeFile(path("tmp/escaped"), "earlier");
         QVERIFY(QDir().mkpath(temp("h")));
-        write(temp("h/a.nicc"), "of an earlier unpacking");
+        writeFile(temp("h/a.nicc"), "of an earlier unpacking");
         const auto before = everything();
         const Unpacked found = unpack(path("h.zip"));
         QVERIFY(!found.isDone);
@@ -307,8 +295,8 @@ private Q_SLOTS:
     {
         QFETCH(QString, archive);
         QVERIFY(QDir().mkpath(temp("own")));
-        write(path(archive), zipArchive({entry("a.nicc")}));
-        write(temp("precious"), "p");
+        writeFile(path(archive), zipArchive({entry("a.nicc")}));
+        writeFile(temp("precious"), "p");
         const auto before = everything();
         QVERIFY(!unpack(path(archive)).isDone);
         QVERIFY(!Tool::removeTempProConfig(path(archive)));
@@ -319,8 +307,8 @@ private Q_SLOTS:
     void aPlantedLinkIsReplacedAndItsTargetKept()
     {
         QVERIFY(QDir().mkpath(path("victim")));
-        write(path("victim/precious"), "p");
-        write(path("l.zip"), zipArchive({entry("a.nicc", "new")}));
+        writeFile(path("victim/precious"), "p");
+        writeFile(path("l.zip"), zipArchive({entry("a.nicc", "new")}));
         QVERIFY(QFile::link(path("victim"), temp("l")));
         QVERIFY(unpack(path("l.zip")).isDone);
         QVERIFY(!QFileInfo(temp("l")).isSymLink());
@@ -328,14 +316,14 @@ private Q_SLOTS:
         QVERIFY(Tool::removeTempProConfig(path("l.zip")));
         QVERIFY(QFile::link(path("victim"), temp("l")));
         QVERIFY(Tool::removeTempProConfig(path("l.zip")));
-        QCOMPARE(read(path("victim/precious")), QByteArray("p"));
+        QCOMPARE(readFile(path("victim/precious")), QByteArray("p"));
     }
 
     void aReceivingCardFileIsReplacedWhole()
     {
         QVERIFY(Tool::writeRvcardConfig(path("card.nrf"), "a longer first content"));
         QVERIFY(Tool::writeRvcardConfig(path("card.nrf"), QByteArray("b\0c", 3)));
-        QCOMPARE(read(path("card.nrf")), QByteArray("b\0c", 3));
+        QCOMPARE(readFile(path("card.nrf")), QByteArray("b\0c", 3));
         QVERIFY(!Tool::writeRvcardConfig(temp(), "a folder"));
         QVERIFY(!Tool::writeRvcardConfig(path("absent/card.nrf"), "x"));
     }

@@ -1,4 +1,5 @@
 #include "support/logcapture.h"
+#include "support/testfiles.h"
 
 #include <simulator/recordingtransport.h>
 #include <suite/action/action.h>
@@ -126,8 +127,7 @@ private Q_SLOTS:
 
     void timeoutIsFourPerCabinetWhereTheOperationHasOne()
     {
-        const QString binary = m_folder.filePath("card.bin");
-        QVERIFY(QFile(binary).open(QIODevice::WriteOnly));
+        const QString binary = writeFile(m_folder.filePath("card.bin"), {});
         const CabinetTargetMap targets{{"a", {1, 2, 3}}, {"b", {}}};
         m_sender.setGrayScaleTable(targets, {}, {}, {}, {}, 60);
         m_sender.uploadNiccData(targets, gamut());
@@ -385,17 +385,14 @@ private Q_SLOTS:
     void binaryTravelsAsBase64()
     {
         QFETCH(QByteArray, content);
-        QFile file(m_folder.filePath("card.bin"));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(content);
-        file.close();
-        QCOMPARE(CabinetSender::sendRvcardBin({{"a", {2, 1}}, {"b", {}}}, file.fileName()), 0);
+        const QString file = writeFile(m_folder.filePath("card.bin"), content);
+        QCOMPARE(CabinetSender::sendRvcardBin({{"a", {2, 1}}, {"b", {}}}, file), 0);
         QCOMPARE(request().action, std::string("Device_M_RvCardBin"));
         QCOMPARE(keys(request().parameters), QStringList({"bin", "idList"}));
         QCOMPARE(request().parameters.get<CabinetList>("idList"), CabinetList({2, 1}));
         QTEST(QString::fromStdString(request(0).parameters.get<std::string>("bin")), "text");
         QTEST(QString::fromStdString(request(1).parameters.get<std::string>("bin")), "text");
-        QCOMPARE(CabinetSender::sendRvcardBin({}, file.fileName()), 1);
+        QCOMPARE(CabinetSender::sendRvcardBin({}, file), 1);
     }
 
     void aFolderInPlaceOfABinaryIsSentAsEmpty()
