@@ -66,14 +66,21 @@ private:
         return result;
     }
 
-    void makeWithPython(const QString& archive, const QString& statements)
+    /// What a program prints; it must succeed.
+    QByteArray output(const QString& program, const QStringList& arguments) const
     {
-        QProcess python;
-        python.setWorkingDirectory(m_folder->path());
-        python.start("python3",
-                     {"-c", "import zipfile,warnings\nwarnings.simplefilter('ignore')\nz = zipfile.ZipFile('" +
-                                archive + "', 'w', zipfile.ZIP_DEFLATED)\n" + statements + "\nz.close()"});
-        QVERIFY(python.waitForFinished() && python.exitCode() == 0);
+        QProcess process;
+        process.setWorkingDirectory(m_folder->path());
+        process.start(program, arguments);
+        if (!process.waitForFinished() || process.exitCode() != 0)
+            qFatal("%s failed", qPrintable(program));
+        return process.readAllStandardOutput();
+    }
+
+    void makeWithPython(const QString& archive, const QString& statements) const
+    {
+        output("python3", {"-c", "import zipfile,warnings\nwarnings.simplefilter('ignore')\nz = zipfile.ZipFile('" +
+                                     archive + "', 'w', zipfile.ZIP_DEFLATED)\n" + statements + "\nz.close()"});
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -102,12 +109,13 @@ private Q_SLOTS:
             writeFile(path(name), QByteArray(name) + QByteArray(100000, 'x'));
         QVERIFY(Tool::packProConfig(path("site.backup.zip"), path("a.nicc"), path("b.gray"), path("c.nrf"),
                                     {path("absent"), path("d.txt")}));
-        QProcess python; // another implementation finds it good, in the order of packing
-        python.start("python3",
-                     {"-c", "import sys,zipfile\nz=zipfile.ZipFile(sys.argv[1])\nprint(z.testzip(),z.namelist())",
-                      path("site.backup.zip")});
-        QVERIFY(python.waitForFinished());
-        QCOMPARE(python.readAllStandardOutput(), QByteArray("None ['a.nicc', 'c.nrf', 'b.gray', 'd.txt']\n"));
+        // Other implementations find it good, in the order of packing.
+        QCOMPARE(output("python3", {"-c",
+                                    "import sys,zipfile\nz=zipfile.ZipFile(sys.argv[1])\n"
+                                    "print(z.testzip(),z.namelist())",
+                                    path("site.backup.zip")}),
+                 QByteArray("None ['a.nicc', 'c.nrf', 'b.gray', 'd.txt']\n"));
+        QVERIFY(output("unzip", {"-tq", path("site.backup.zip")}).startsWith("No errors detected"));
 
         QVERIFY(QDir().mkpath(temp("site")));
         writeFile(temp("site/old.txt"), "of an earlier unpacking");
@@ -215,6 +223,18 @@ private Q_SLOTS:
         for (const QString& file : found.others.mid(1) + (nicc.isEmpty() ? QStringList() : QStringList{found.nicc}))
             QVERIFY2(QFile::exists(file), qPrintable(file));
         QCOMPARE(m_log->take(), QStringList());
+    }
+
+    void anArchiveOfTheZipCommandUnpacks()
+    {
+        writeFile(path("f/a.nicc"), "1");
+        writeFile(path("f/deep/B.Gray"), "2");
+        output("zip", {"-qr", "z.zip", "f"});
+        const Unpacked found = unpack(path("z.zip"));
+        QVERIFY(found.isDone);
+        QCOMPARE(found.nicc, temp("z/f/a.nicc"));
+        QVERIFY(found.others.contains(temp("z/f/deep/B.Gray")));
+        QCOMPARE(readFile(temp("z/f/deep/B.Gray")), QByteArray("2"));
     }
 
     void hostileArchivesAreRefusedAndChangeNothing_data()
