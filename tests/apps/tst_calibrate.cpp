@@ -195,6 +195,19 @@ private Q_SLOTS:
         }
     }
 
+    void whatCannotEndWellIsRefusedBeforeAnythingIsSent()
+    {
+        const Run html = run(calibrate({"--html", out("absent/report.html")}));
+        QCOMPARE(html.exitCode, 73);
+        QVERIFY(!QFile::exists(out("calibration.jsonl")));
+        writeFile(out("screen.nicc"), "somebody's");
+        QCOMPARE(run(calibrate()).exitCode, 73);
+        QCOMPARE(readFile(out("screen.nicc")), QByteArray("somebody's"));
+        QCOMPARE(run({"verify", out()}).exitCode, 66);
+        writeFile(out("calibration.jsonl"), "{}\n");
+        QCOMPARE(run({"verify", out()}).exitCode, 65);
+    }
+
     void chartsAreWrittenByTheirSuffix()
     {
         const auto chart = [this](const QString& name) {

@@ -79,6 +79,9 @@ CalibrationJournal openJournal(const CalibrateOptions& options, const Calibratio
                                const QJsonObject& inputs)
 {
     makeOutputFolder(files.folder.path());
+    if (!QFileInfo(files.html).absoluteDir().exists())
+        throw CommandError{ExitCode::CannotCreate,
+                           QStringLiteral("--html %1: there is no such folder").arg(files.html)};
     if (!options.resume && !options.force && QFileInfo::exists(files.journal))
         throw CommandError{ExitCode::CannotCreate, QStringLiteral("%1 exists").arg(files.journal),
                            QStringLiteral("--resume goes on with that calibration, --force begins anew")};
