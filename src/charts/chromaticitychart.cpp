@@ -112,7 +112,7 @@ private:
     Plane m_plane;
 };
 
-/// How each gamut in turn is drawn.
+/// How each gamut in turn is drawn: later ones are thinner, so that earlier ones are seen under them.
 struct GamutStyle
 {
     QColor ink;
@@ -124,8 +124,8 @@ struct GamutStyle
 const GamutStyle& styleOf(int index)
 {
     static const GamutStyle styles[] = {
-        {blackInk, Qt::SolidLine, 3.0, QwtSymbol::Ellipse},      {blueInk, Qt::DashLine, 4.0, QwtSymbol::Rect},
-        {vermilionInk, Qt::SolidLine, 3.0, QwtSymbol::Triangle}, {greenInk, Qt::DashDotLine, 3.0, QwtSymbol::Diamond},
+        {blackInk, Qt::SolidLine, 7.0, QwtSymbol::Ellipse},      {blueInk, Qt::DashLine, 4.0, QwtSymbol::Rect},
+        {vermilionInk, Qt::SolidLine, 2.5, QwtSymbol::Triangle}, {greenInk, Qt::DashDotLine, 3.0, QwtSymbol::Diamond},
         {purpleInk, Qt::DotLine, 4.0, QwtSymbol::DTriangle},
     };
     return styles[index % static_cast<int>(std::size(styles))];
