@@ -1,80 +1,9 @@
 #include "calibraterun.h"
-#include "calibrationjournal.h"
 #include "commands.h"
-#include "hostlog.h"
 
 #include <CLI/CLI.hpp>
 
-#include <QDir>
-
-namespace {
-
-struct VerifyArguments
-{
-    std::string folder;
-    double maxDifference = 3.0; ///< CIEDE2000
-};
-
-/// The integers that a device's cabinets work with: the identity while the correction is off.
-Model::GamutCoeff workingCoefficients(const HeldCorrection& held)
-{
-    Model::GamutCoeff coeff; // the identity
-    if (held.isOn)
-        coeff.setCoeffs({held.coefficients.begin(), held.coefficients.end()});
-    return coeff;
-}
-
-CommandResult verify(const VerifyArguments& arguments, const Output& output)
-{
-    HostLog::install(output.quiet);
-    const QDir folder(QString::fromStdString(arguments.folder));
-    const auto journal = CalibrationJournal::read(folder.filePath(QString::fromLatin1(journalName)));
-    const auto measured = gamutFromJson(journal.inputs().value(QStringLiteral("measured")).toObject());
-    auto target = gamutFromJson(journal.inputs().value(QStringLiteral("target")).toObject());
-    QList<QStringList> rows{{QStringLiteral("device"), QStringLiteral("cabinets"), QStringLiteral("correction")}};
-    rows.front() << pointNames() << QStringLiteral("result");
-    QJsonArray devices;
-    QStringList faults;
-    for (const DeviceRecord& record : journal.records()) {
-        if (!record.isDone())
-            faults << QStringLiteral("%1: not everything was sent").arg(record.device);
-        for (const HeldCorrection& held : record.held) {
-            target.coeff = workingCoefficients(held);
-            const GamutFigures figures = figuresOf(measured, target);
-            const bool isGood = figures.worstDifference() <= arguments.maxDifference;
-            QStringList row{record.device, QString::number(held.cabinets),
-                            held.isOn ? QStringLiteral("on") : QStringLiteral("off")};
-            for (const double difference : figures.ciede2000)
-                row << QString::number(difference, 'f', 2);
-            rows.append(row << (isGood ? QStringLiteral("ok") : QStringLiteral("ABOVE")));
-            QJsonObject device = toJson(figures);
-            device.insert(QStringLiteral("device"), record.device);
-            device.insert(QStringLiteral("cabinets"), held.cabinets);
-            device.insert(QStringLiteral("max_ciede2000"), figures.worstDifference());
-            device.insert(QStringLiteral("within"), isGood);
-            devices.append(device);
-            if (!isGood)
-                faults << QStringLiteral("%1: %2 cabinets differ by %3, above %4")
-                              .arg(record.device)
-                              .arg(held.cabinets)
-                              .arg(figures.worstDifference(), 0, 'f', 2)
-                              .arg(arguments.maxDifference);
-        }
-    }
-    if (devices.isEmpty())
-        throw CommandError{ExitCode::BadData, QStringLiteral("%1: no device was served").arg(folder.path())};
-    CommandResult result;
-    result.text = QStringLiteral("CIEDE2000 of what the cabinets show to %1, at most %2\n\n")
-                      .arg(QString::fromStdString(target.name))
-                      .arg(arguments.maxDifference) +
-                  textTable(rows);
-    result.json = {{QStringLiteral("max_de"), arguments.maxDifference}, {QStringLiteral("devices"), devices}};
-    if (!faults.isEmpty())
-        result.error = CommandError{ExitCode::Difference, faults.join(QStringLiteral("; "))};
-    return result;
-}
-
-void addCalibrate(CLI::App& app, Command& chosen)
+void addCalibrateCommand(CLI::App& app, Command& chosen)
 {
     CLI::App* command =
         app.add_subcommand("calibrate", "Compute a correction and bring it to a wall, with documents and report");
@@ -109,20 +38,4 @@ void addCalibrate(CLI::App& app, Command& chosen)
             throw CLI::ValidationError("--generation 3", "neither --dry-run nor --bin goes through a hub");
         chosen = [options](const Output& output) { return runCalibrate(*options, output); };
     });
-}
-
-} // namespace
-
-void addCalibrateCommands(CLI::App& app, Command& chosen)
-{
-    addCalibrate(app, chosen);
-    CLI::App* command =
-        app.add_subcommand("verify", "Compute what a calibrated wall shows, from what its cabinets hold");
-    const auto arguments = std::make_shared<VerifyArguments>();
-    command->add_option("folder,--out", arguments->folder, "The calibration's folder")->required();
-    command->add_option("--max-de", arguments->maxDifference, "Largest CIEDE2000 of red, green, blue and white")
-        ->check(CLI::NonNegativeNumber)
-        ->capture_default_str();
-    command->callback(
-        [&chosen, arguments] { chosen = [arguments](const Output& output) { return verify(*arguments, output); }; });
 }

@@ -16,7 +16,8 @@ void addGrayCommands(CLI::App& app, Command& chosen);
 void addSettingsCommands(CLI::App& app, Command& chosen);
 void addHubCommands(CLI::App& app, Command& chosen);
 void addSendCommands(CLI::App& app, Command& chosen);
-void addCalibrateCommands(CLI::App& app, Command& chosen);
+void addCalibrateCommand(CLI::App& app, Command& chosen);
+void addVerifyCommand(CLI::App& app, Command& chosen);
 void addProjectCommands(CLI::App& app, Command& chosen);
 
 // The options of a hub's address, and what CLI11 cannot check of them; throws CLI::ValidationError.

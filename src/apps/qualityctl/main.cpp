@@ -63,7 +63,8 @@ int run(int argc, char** argv)
     app.add_flag_callback("--man-page", [&app] { throw SelfDescription{manPage(app)}; })->group("");
     app.add_flag_callback("--bash-completion", [&app] { throw SelfDescription{bashCompletion(app)}; })->group("");
     Command chosen;
-    addCalibrateCommands(app, chosen);
+    addCalibrateCommand(app, chosen);
+    addVerifyCommand(app, chosen);
     addWallCommands(app, chosen);
     addSendCommands(app, chosen);
     addGamutCommands(app, chosen);
