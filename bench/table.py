@@ -22,9 +22,13 @@ def medians(program):
     result = subprocess.run([program, "--benchmark_format=json", f"--benchmark_repetitions={REPETITIONS}", "--benchmark_min_time=0.1",
                              "--benchmark_enable_random_interleaving=true", "--benchmark_report_aggregates_only=true"],
                             check=True, stdout=subprocess.PIPE)
+    runs = json.loads(result.stdout)["benchmarks"]
+    for run in runs:
+        if run.get("error_occurred"):
+            sys.exit(f"{run['name']}: {run['error_message']}")
     units = {"ns": 1e-3, "us": 1.0, "ms": 1e3, "s": 1e6}
     return {run["run_name"].removesuffix("/real_time"): run["real_time"] * units[run["time_unit"]]
-            for run in json.loads(result.stdout)["benchmarks"] if run["aggregate_name"] == "median"}
+            for run in runs if run["aggregate_name"] == "median"}
 
 
 def goal_of(subject, ours, baseline, variant):
