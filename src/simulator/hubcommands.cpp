@@ -7,10 +7,6 @@ namespace Simulator {
 
 namespace {
 
-constexpr int fineGrayCommand = 17;
-constexpr int niccCommand = 23;
-constexpr int measureCommand = 25;
-constexpr int grayTableCommand = 55;
 constexpr int fineGrayLevel = 14;
 constexpr int fineGrayMode = 1;
 
@@ -58,9 +54,9 @@ QString grayFault(const QJsonObject& data)
 
 QString dataFault(int command, const QJsonObject& data)
 {
-    if (command == grayTableCommand)
+    if (command == HubCommands::GrayTable)
         return grayFault(data);
-    if (command == niccCommand && !data.value(QLatin1String("name")).isString())
+    if (command == HubCommands::TargetGamut && !data.value(QLatin1String("name")).isString())
         return QStringLiteral("data.name: expected a text");
     return pointsFault(data);
 }
@@ -91,11 +87,11 @@ QByteArray HubCommands::execute(const QByteArray& request)
         return refusal(NotJson, QStringLiteral("expected a JSON object"));
     const QJsonObject root = document.object();
     const int command = root.value(QLatin1String("cmd")).toInt(-1);
-    if (command == fineGrayCommand)
+    if (command == FineGray)
         return toText({{QStringLiteral("error"), 0},
                        {QStringLiteral("data"), QJsonObject{{QStringLiteral("level"), fineGrayLevel},
                                                             {QStringLiteral("mode"), fineGrayMode}}}});
-    if (command != niccCommand && command != measureCommand && command != grayTableCommand)
+    if (command != TargetGamut && command != MeasuredGamut && command != GrayTable)
         return refusal(UnknownCommand, QStringLiteral("unknown command %1").arg(command));
     const QJsonObject data = root.value(QLatin1String("data")).toObject();
     const QString fault = dataFault(command, data);

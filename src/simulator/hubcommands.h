@@ -11,10 +11,13 @@ namespace Simulator {
 class HubCommands
 {
 public:
+    /// The commands that it knows.
+    enum Command { FineGray = 17, TargetGamut = 23, MeasuredGamut = 25, GrayTable = 55 };
+
     /// Error numbers of replies; 0 is success.
     enum Error { NotJson = 1, UnknownCommand = 2, WrongData = 3 };
 
-    /// The reply to a request: {"error": 0}, for command 17 with "data"; or an error number with a "message".
+    /// The reply to a request: {"error": 0}, for FineGray with "data"; or an error number with a "message".
     QByteArray execute(const QByteArray& request);
 
     /// The "data" that a command has brought last; empty before.

@@ -12,8 +12,7 @@
 namespace {
 
 using CabinetSenderSpace::CabinetSender3th;
-
-constexpr int gamutCorrectionBit = 8;
+using Simulator::HubCommands;
 
 QList<HeldCorrection> heldBy(const CabinetStates& states)
 {
@@ -188,12 +187,10 @@ private:
     /// What the hub makes of the gamuts that it holds.
     Colour::Coefficients heldCoefficients() const
     {
-        constexpr int niccCommand = 23;
-        constexpr int measureCommand = 25;
         Model::ColorGamutInfo target = m_content.target;
         if (const auto* simulated = m_hub.simulated()) {
-            target = hubGamut(simulated->received(niccCommand));
-            ComputeNICCCoef::createCoef(hubGamut(simulated->received(measureCommand)), target);
+            target = hubGamut(simulated->received(HubCommands::TargetGamut));
+            ComputeNICCCoef::createCoef(hubGamut(simulated->received(HubCommands::MeasuredGamut)), target);
         }
         return signedCoefficients(target.coeff.getCoeffs());
     }

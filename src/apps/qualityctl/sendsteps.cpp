@@ -11,8 +11,6 @@ using CabinetSenderSpace::CabinetSender;
 using CabinetSenderSpace::CabinetTargetMap;
 using Simulator::CabinetState;
 
-constexpr int gamutCorrectionBit = 8;
-
 bool holdsPoints(const std::shared_ptr<const Model::ColorGamutInfo>& held, const Model::ColorGamutInfo& sent)
 {
     return held && held->rLxy == sent.rLxy && held->gLxy == sent.gLxy && held->bLxy == sent.bLxy &&

@@ -2,6 +2,9 @@
 
 #include "sendstep.h"
 
+/// The bit of a cabinet's mode that says that the gamut correction is on.
+inline constexpr int gamutCorrectionBit = 8;
+
 // What can be sent to cabinets. Those that read a file throw CommandError: no input or bad data.
 
 SendStep grayStep(const QString& path, int frequency);
