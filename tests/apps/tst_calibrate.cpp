@@ -165,6 +165,7 @@ private Q_SLOTS:
         QByteArray err;
         while (!err.contains("measure to b") && !err.contains("mode to a") && process->waitForReadyRead(10000))
             err += process->readAllStandardError();
+        QCOMPARE(run(arguments + QStringList{"--resume"}).exitCode, 69); // one at a time
         ::kill(static_cast<pid_t>(process->processId()), SIGINT);
         const Run done = finish(process);
         QCOMPARE(done.exitCode, 130);

@@ -15,6 +15,7 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFileInfo>
+#include <QLockFile>
 #include <qualityutility/tool/file/picqualityfiletool.h>
 
 namespace {
@@ -78,7 +79,6 @@ QJsonObject inputsOf(const CalibrateOptions& options, const CalibrationContent& 
 CalibrationJournal openJournal(const CalibrateOptions& options, const CalibrationFiles& files,
                                const QJsonObject& inputs)
 {
-    makeOutputFolder(files.folder.path());
     if (!QFileInfo(files.html).absoluteDir().exists())
         throw CommandError{ExitCode::CannotCreate,
                            QStringLiteral("--html %1: there is no such folder").arg(files.html)};
@@ -228,6 +228,11 @@ CommandResult runCalibrate(const CalibrateOptions& options, const Output& output
                                                 : hubTarget(content, options.hub, output);
     report.target = target->name();
     const CalibrationFiles files(options);
+    makeOutputFolder(files.folder.path());
+    QLockFile lock(files.in("calibration.lock"));
+    if (!lock.tryLock(0))
+        throw CommandError{ExitCode::Unavailable,
+                           QStringLiteral("%1: another calibration is at work there").arg(files.folder.path())};
     CalibrationJournal journal = openJournal(options, files, inputsOf(options, content, report.target));
     report.files = writeDocuments(files, content);
     {
