@@ -45,6 +45,19 @@ QVariant withoutLoss(const QVariant& value, int type)
     return converted;
 }
 
+/// A list of integers, as a JSON document gives it; invalid where one of them is none.
+QVariant integers(const QVariantList& values)
+{
+    QList<int> list;
+    for (const QVariant& value : values) {
+        const QVariant integer = isNumber(value.userType()) ? withoutLoss(value, QMetaType::Int) : QVariant();
+        if (!integer.isValid())
+            return {};
+        list.append(integer.toInt());
+    }
+    return QVariant::fromValue(list);
+}
+
 /// `value` as the property's type; invalid where it is none.
 QVariant fitted(const QVariant& value, const QMetaProperty& property)
 {
@@ -53,6 +66,8 @@ QVariant fitted(const QVariant& value, const QMetaProperty& property)
         return value;
     if (isNumber(type) && isNumber(value.userType()))
         return withoutLoss(value, type);
+    if (type == qMetaTypeId<QList<int>>() && value.userType() == QMetaType::QVariantList)
+        return integers(value.toList());
     return {};
 }
 

@@ -25,9 +25,9 @@ public:
     /// The properties of `object`, with their values. An empty map for none.
     static QVariantMap serialize(const Serializable* object, quint32 attribute);
     /// Sets the properties that `map` names; the others stay. A value is taken when it has the property's type, or is a
-    /// number that the property's number type holds without loss. An unknown name and a value that does not fit are
-    /// skipped with a warning in the Qt log, and the rest is taken. Returns whether everything in `map` itself was
-    /// taken; a nested object's map counts as taken and logs for itself.
+    /// number that the property's number type holds without loss, or a list of numbers for a list of integers. An
+    /// unknown name and a value that does not fit are skipped with a warning in the Qt log, and the rest is taken.
+    /// Returns whether everything in `map` itself was taken; a nested object's map counts as taken and logs for itself.
     bool deserialize(const QVariantMap& map, quint32 attribute);
 
     /// A nested object's map as the value of the property that stands for it, and back. Anything but a map unpacks to

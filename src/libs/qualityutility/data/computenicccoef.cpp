@@ -7,7 +7,7 @@
 
 namespace {
 
-const AdapterQuali iccObject;
+AdapterQuali iccObject; // not const: a host's own colour library need not be
 
 void logInput(double whiteLumRatio, const ColorGamutPARM& target, const ColorGamutPARM& source,
               const OnePointLxy& targetWhite, const OnePointLxy& sourceWhite)

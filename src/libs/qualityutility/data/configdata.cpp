@@ -2,14 +2,20 @@
 
 namespace ReceivingCard {
 
+namespace {
+
+const QString s_objectName = QStringLiteral("ScanBoardProperty");
+
+} // namespace
+
 ConfigData::ConfigData(Serializable* parent) : Serializable(parent), m_brightness(new class BrightnessParameter(this))
 {
-    setObjectName(QStringLiteral("ScanBoardProperty"));
+    setObjectName(s_objectName);
 }
 
 ConfigData::ConfigData(const ConfigData& other) : Serializable(other)
 {
-    setObjectName(other.objectName());
+    setObjectName(s_objectName);
     copyBrightness(other);
 }
 

@@ -5,7 +5,7 @@
 
 namespace ReceivingCard {
 
-/// The picture configuration of a receiving card. Its object name is "ScanBoardProperty".
+/// The picture configuration of a receiving card. Its object name is "ScanBoardProperty", a copy's too.
 class QUALITYUTILITY_EXPORT ConfigData : public Xq::Serialize::Serializable
 {
     Q_OBJECT

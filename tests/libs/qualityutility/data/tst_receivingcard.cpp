@@ -71,6 +71,10 @@ private Q_SLOTS:
         QVERIFY(back.deserialize(map, 0));
         QCOMPARE(Serializable::serialize(&back, 0), map);
         QCOMPARE(back.brightness()->gainMap().value(3), QString("x"));
+        QVERIFY(back.brightness()->deserialize({{"BlueGammaTable", QVariantList{1.0, 65536}}}, 0)); // as from JSON
+        QCOMPARE(back.brightness()->blueGammaTable(), (QList<int>{1, 65536}));
+        QVERIFY(!back.brightness()->deserialize({{"BlueGammaTable", QVariantList{1.5}}}, 0));
+        QCOMPARE(back.brightness()->blueGammaTable().size(), 2);
         QCOMPARE(back.brightness()->colorTemperturePara().rCx, 0.7);
     }
 

@@ -1,5 +1,6 @@
 #include "archivecheck_p.h"
 
+#include <QDir>
 #include <QTextCodec>
 #include <quazip/quazip.h>
 
@@ -16,6 +17,11 @@ bool isControl(QChar c)
     return c.category() == QChar::Other_Control;
 }
 
+bool hasDriveLetter(const QString& name)
+{
+    return name.size() >= 2 && name.at(1) == QLatin1Char(':') && name.at(0).unicode() < 0x80 && name.at(0).isLetter();
+}
+
 /// What is wrong with a name; empty for a good one.
 QString nameFault(const QString& name)
 {
@@ -24,8 +30,7 @@ QString nameFault(const QString& name)
         return QStringLiteral("an empty name");
     if (std::any_of(name.begin(), name.end(), isControl))
         return QStringLiteral("control characters in a name");
-    if (name.startsWith(QLatin1Char('/')) || name.contains(QLatin1Char('\\')) ||
-        (name.size() >= 2 && name.at(1) == QLatin1Char(':')))
+    if (name.startsWith(QLatin1Char('/')) || name.contains(QLatin1Char('\\')) || hasDriveLetter(name))
         return QStringLiteral("not a relative path");
     for (const QString& part : name.split(QLatin1Char('/'))) {
         if (part == QLatin1String("..") || part == QLatin1String("."))
@@ -47,6 +52,14 @@ QString entryFault(const QuaZipFileInfo64& entry)
     return nameFault(entry.name);
 }
 
+/// Whether there is nothing but an end record that counts no entries.
+bool isEmptyArchive(QIODevice& archive)
+{
+    constexpr int endLength = 22;
+    const QByteArray end = archive.peek(endLength);
+    return end.size() == endLength && end.startsWith(QByteArray("PK\x05\x06") + QByteArray(16, '\0'));
+}
+
 /// One pass over the entries. `hasForeignNames` says whether a name did not decode.
 std::optional<ArchiveRefusal> checkEntries(QuaZip& zip, ArchiveListing& listing, bool& hasForeignNames)
 {
@@ -66,7 +79,7 @@ std::optional<ArchiveRefusal> checkEntries(QuaZip& zip, ArchiveListing& listing,
         bytes += std::min(entry.uncompressedSize, maxArchiveBytes + 1);
         if (bytes > maxArchiveBytes)
             return ArchiveRefusal{QStringLiteral("over %1 MiB unpacked").arg(maxArchiveBytes / mebibyte), entry.name};
-        listing.sizes.insert(entry.name, entry.uncompressedSize);
+        listing.sizes.insert(QDir::cleanPath(entry.name), entry.uncompressedSize);
         ++listing.entries;
     }
     if (listing.entries != expected)
@@ -91,7 +104,7 @@ std::optional<ArchiveRefusal> checkWithCodec(QIODevice& archive, ArchiveListing&
 
 std::optional<ArchiveRefusal> checkArchive(QIODevice& archive, ArchiveListing& listing)
 {
-    if (archive.peek(4) == "PK\x05\x06") // begins with its end: no entries, which quazip takes for no archive
+    if (isEmptyArchive(archive)) // which quazip takes for no archive
         return std::nullopt;
     bool hasForeignNames = false;
     auto refusal = checkWithCodec(archive, listing, "UTF-8", hasForeignNames);

@@ -12,7 +12,7 @@ class QTextCodec;
 struct ArchiveListing
 {
     int entries = 0;
-    QHash<QString, quint64> sizes;   ///< bytes by name; the last of several entries of a name
+    QHash<QString, quint64> sizes;   ///< bytes by cleaned name; the last of several entries of a name
     QTextCodec* nameCodec = nullptr; ///< of the names that do not say that they are UTF-8
 };
 

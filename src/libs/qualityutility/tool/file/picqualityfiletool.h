@@ -187,7 +187,8 @@ public:
     static bool unpackProConfig(const QString& archive, QString& nicc, QString& gray, QString& cabinetConfig,
                                 QStringList& others);
     /// Deletes an archive's temporary folder: the system's temporary location, "/", and the archive's name up to its
-    /// first dot. False with a critical line for a missing archive and for a folder that is not an archive's own.
+    /// first dot. False with a critical line for a missing archive, and for a folder that is not an archive's own or
+    /// cannot be deleted.
     static bool removeTempProConfig(const QString& archive);
 
     /// Replaces a receiving-card configuration file whole. False when it cannot be written.

@@ -56,6 +56,37 @@ std::optional<QString> temporaryFolder(const QString& archive)
     return folder;
 }
 
+/// The files, where a symbolic link stands for a copy of its target: the archive would hold the link itself.
+QStringList withoutLinks(const QStringList& files, const QTemporaryDir& copies)
+{
+    QStringList result;
+    for (const QString& file : files) {
+        const QFileInfo info(file);
+        const QString folder = copies.filePath(QStringLiteral("links-%1").arg(result.size()));
+        const QString copy = folder + QLatin1Char('/') + info.fileName();
+        const bool isCopied = info.isSymLink() && FileHelper::createDir(folder) && QFile::copy(file, copy);
+        result << (isCopied ? copy : file);
+    }
+    return result;
+}
+
+/// Puts `fresh` in the place of `folder`; what was there is moved aside first and back when that fails.
+bool replaceFolder(const QString& fresh, const QString& folder)
+{
+    const QFileInfo old(folder);
+    if (!old.isSymLink() && !old.exists())
+        return moveOver(fresh, folder);
+    const QString aside = fresh + QStringLiteral("-old");
+    if ((!old.isSymLink() && !old.isDir()) || !moveOver(folder, aside))
+        return false;
+    if (!moveOver(fresh, folder)) {
+        moveOver(aside, folder);
+        return false;
+    }
+    FileHelper::deleteDir(aside);
+    return true;
+}
+
 /// Extracts everything into `folder` and compares it with the archive's own list.
 std::optional<ArchiveRefusal> extract(QFile& archive, const QString& folder, const ArchiveListing& listing,
                                       QStringList& names)
@@ -73,7 +104,7 @@ std::optional<ArchiveRefusal> extract(QFile& archive, const QString& folder, con
         const QFileInfo info(path);
         if (!info.isDir() && static_cast<quint64>(info.size()) != listing.sizes.value(name))
             return ArchiveRefusal{QStringLiteral("damaged, or the disk is full"), name};
-        names << name;
+        names << (info.isDir() ? name + QLatin1Char('/') : name); // a folder has no role, whatever its suffix
     }
     return std::nullopt;
 }
@@ -83,11 +114,22 @@ std::optional<ArchiveRefusal> extract(QFile& archive, const QString& folder, con
 bool ProjectArchive::pack(const QString& archive, const QStringList& files)
 {
     const QFileInfo target(archive);
+    FileHelper::createDir(target.absolutePath());
     const QTemporaryDir beside(target.absoluteDir().filePath(QStringLiteral(".packing-XXXXXX")));
     if (!beside.isValid())
         return false;
     const QString fresh = beside.filePath(target.fileName());
-    return JlCompress::compressFiles(fresh, files) && moveOver(fresh, archive);
+    if (!JlCompress::compressFiles(fresh, withoutLinks(files, beside)))
+        return false;
+    QFile packed(fresh);
+    ArchiveListing listing;
+    if (!packed.open(QIODevice::ReadOnly))
+        return false;
+    if (const auto refusal = checkArchive(packed, listing)) {
+        logRefusal(archive, *refusal); // nobody could unpack it
+        return false;
+    }
+    return moveOver(fresh, archive);
 }
 
 std::optional<QStringList> ProjectArchive::unpack(const QString& archive)
@@ -108,7 +150,7 @@ std::optional<QStringList> ProjectArchive::unpack(const QString& archive)
         refusal = ArchiveRefusal{QStringLiteral("no temporary folder can be made"), {}};
     if (!refusal)
         refusal = extract(file, fresh.path(), listing, names);
-    if (!refusal && !(FileHelper::deleteDir(*folder) && moveOver(fresh.path(), *folder)))
+    if (!refusal && !replaceFolder(fresh.path(), *folder))
         refusal = ArchiveRefusal{QStringLiteral("its temporary folder cannot be replaced"), {}};
     if (refusal) {
         logRefusal(archive, *refusal);

@@ -17,8 +17,12 @@ bool PicQualityFileTool::packProConfig(const QString& archive, const QString& ni
                                        const QString& cabinetConfig, const QStringList& others)
 {
     QStringList files;
-    const auto addRole = [&files](const QString& path, const char* missing) {
-        if (QFile::exists(path))
+    // The earlier archive gives way to the new one: it is no file to pack.
+    const auto isThere = [&archive](const QString& path) {
+        return QFile::exists(path) && QFileInfo(path) != QFileInfo(archive);
+    };
+    const auto addRole = [&](const QString& path, const char* missing) {
+        if (isThere(path))
             files << path;
         else
             qInfo() << missing << path;
@@ -26,8 +30,7 @@ bool PicQualityFileTool::packProConfig(const QString& archive, const QString& ni
     addRole(nicc, "nicc not find");
     addRole(cabinetConfig, "cab config not find"); // before the gray file, against the order of the arguments
     addRole(gray, "gray not find");
-    std::copy_if(others.begin(), others.end(), std::back_inserter(files),
-                 [](const QString& path) { return QFile::exists(path); });
+    std::copy_if(others.begin(), others.end(), std::back_inserter(files), isThere);
     if (!ProjectArchive::pack(archive, files))
         DocumentFile::logFailure(archive, "write failed!!!");
     return true;

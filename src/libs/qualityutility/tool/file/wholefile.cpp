@@ -1,6 +1,7 @@
 #include "wholefile_p.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 
 namespace {
@@ -41,6 +42,10 @@ WholeFileResult replaceWholeFile(const QString& path, const QByteArray& content)
 bool copyWholeFile(const QString& source, const QString& destination)
 {
     QFile from(source);
+    const QFileInfo old(destination);
+    // A copy of a file that may not be written is one itself, and the next copy replaces it all the same.
+    if (old.isFile() && !old.isWritable() && from.exists())
+        QFile::setPermissions(destination, old.permissions() | QFile::WriteOwner);
     QSaveFile to(destination);
     if (!from.open(QIODevice::ReadOnly) || !to.open(QIODevice::WriteOnly))
         return false;

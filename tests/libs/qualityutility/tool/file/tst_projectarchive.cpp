@@ -177,6 +177,24 @@ private Q_SLOTS:
                  (QStringList{"a.nicc", "big.nicc", "p.zip", "tmp"}));
     }
 
+    void whatIsPackedCanBeUnpacked()
+    {
+        writeFile(path("real.nicc"), "content");
+        QVERIFY(QFile::link(path("real.nicc"), path("link.nicc")));
+        const QString archive = path("deep/er/p.zip");
+        for (int i = 0; i < 2; ++i) // the second time the archive is there
+            QVERIFY(Tool::packProConfig(archive, path("link.nicc"), {}, {}, {archive}));
+        const Unpacked found = unpack(archive);
+        QVERIFY(found.isDone && found.others.size() == 1);
+        QCOMPARE(readFile(temp("p/link.nicc")), QByteArray("content"));
+        const QByteArray before = readFile(archive);
+        writeFile(path("back\\slash"), "x");
+        m_log->take();
+        Tool::packProConfig(archive, path("back\\slash"), path("real.nicc"), path("real.nicc"), {});
+        QCOMPARE(readFile(archive), before);
+        QVERIFY(m_log->take().first().contains("refused: not a relative path"));
+    }
+
     void archivesOfOthersUnpack_data()
     {
         QTest::addColumn<QString>("python"); ///< statements on the archive z; or bytes
@@ -187,7 +205,11 @@ private Q_SLOTS:
         QTest::newRow("upper-case suffixes") << "z.writestr('a.nicc', '1'); z.writestr('b.NICC', '2')" << QByteArray()
                                              << "a.nicc" << QStringList{"b.NICC"};
         QTest::newRow("folders, stored") << "z.writestr('f/'  , ''); z.writestr('f/g/a.nicc', '1', zipfile.ZIP_STORED)"
-                                         << QByteArray() << "f/g/a.nicc" << QStringList{"f"};
+                                         << QByteArray() << "f/g/a.nicc" << QStringList{"f/"};
+        QTest::newRow("a folder with a suffix") << "z.writestr('a.nicc', '1'); z.writestr('z.nicc/', '')"
+                                                << QByteArray() << "a.nicc" << QStringList{"z.nicc/"};
+        QTest::newRow("doubled slash, colon") << "z.writestr('f//a.nicc', '1'); z.writestr('1:b', '2')" << QByteArray()
+                                              << "f/a.nicc" << QStringList{"1:b"};
         QTest::newRow("dots in names")
             << "z.writestr('a.b.nicc', '1'); z.writestr('...', '2'); z.writestr('.nicc.x', '')" << QByteArray()
             << "a.b.nicc" << QStringList{"...", ".nicc.x"};
@@ -273,6 +295,7 @@ private Q_SLOTS:
         const QByteArray whole = zipArchive({good, entry("b"), entry("c")});
         QTest::newRow("truncated") << whole.left(whole.size() - 30) << "truncated";
         QTest::newRow("no archive") << QByteArray("hello") << "not a zip archive";
+        QTest::newRow("a torn end") << QByteArray("PK\x05\x06junk") << "not a zip archive";
         QTest::newRow("nothing") << QByteArray() << "not a zip archive";
         QByteArray list = whole;
         list[whole.lastIndexOf("PK\x01\x02")] = 'X';
