@@ -39,12 +39,20 @@ void draw(const QwtPlot& plot, QPaintDevice& device)
 
 QwtText text(const QString& content, int pixels)
 {
-    QwtText result(content);
+    QwtText result(content, QwtText::PlainText);
     result.setFont(chartFont(pixels));
     return result;
 }
 
 } // namespace
+
+QString printable(QString label)
+{
+    for (QChar& c : label)
+        if (c.category() == QChar::Other_Control || c.isSurrogate() || c.isNonCharacter())
+            c = QChar::ReplacementCharacter;
+    return label;
+}
 
 QFont chartFont(int pixels)
 {
@@ -56,7 +64,7 @@ QFont chartFont(int pixels)
 void applyStyle(QwtPlot& plot, const QString& title, const QString& xTitle, const QString& yTitle)
 {
     plot.resize(chartWidth, chartHeight);
-    plot.setTitle(text(title, titlePixels));
+    plot.setTitle(text(printable(title), titlePixels));
     for (const auto& [axis, axisTitle] : {std::pair(QwtPlot::xBottom, xTitle), std::pair(QwtPlot::yLeft, yTitle)}) {
         plot.setAxisTitle(axis, text(axisTitle, labelPixels));
         plot.setAxisFont(axis, chartFont(tickPixels));
@@ -87,7 +95,7 @@ QByteArray Chart::toSvg() const
     generator.setResolution(m_plot->logicalDpiX()); // otherwise texts are scaled down to 72 dpi
     generator.setSize(QSize(chartWidth, chartHeight));
     generator.setViewBox(QRect(0, 0, chartWidth, chartHeight));
-    generator.setTitle(m_plot->title().text());
+    generator.setTitle(m_plot->title().text().toHtmlEscaped()); // it writes the title as it is
     draw(*m_plot, generator);
     return buffer.data();
 }

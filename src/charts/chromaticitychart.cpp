@@ -15,6 +15,7 @@
 #include <qwt_plot_marker.h>
 #include <qwt_scale_map.h>
 #include <qwt_symbol.h>
+#include <qwt_text.h>
 
 #include <algorithm>
 #include <cmath>
@@ -139,7 +140,7 @@ void addGamut(QwtPlot& plot, const ChartGamut& gamut, Plane plane, const GamutSt
                                    toPlane(p.red, plane)};
     const QSizeF size(markerSize, markerSize);
     const QPen markerPen(style.ink, 2.5);
-    auto* triangle = new QwtPlotCurve(gamut.label);
+    auto* triangle = new QwtPlotCurve(QwtText(printable(gamut.label), QwtText::PlainText));
     triangle->setSamples(corners);
     triangle->setPen(pen);
     triangle->setRenderHint(QwtPlotItem::RenderAntialiased);

@@ -6,6 +6,7 @@
 #include <qwt_plot.h>
 #include <qwt_plot_curve.h>
 #include <qwt_scale_engine.h>
+#include <qwt_text.h>
 
 namespace Charts {
 
@@ -20,7 +21,7 @@ Chart grayChart(const QString& title, const QString& yTitle, const QList<GrayCur
     plot->axisScaleEngine(QwtPlot::xBottom)->setAttribute(QwtScaleEngine::Floating);
     int index = 0;
     for (const GrayCurve& curve : curves) {
-        auto* drawn = new QwtPlotCurve(curve.label);
+        auto* drawn = new QwtPlotCurve(QwtText(printable(curve.label), QwtText::PlainText));
         drawn->setSamples(curve.points.toVector());
         drawn->setPen(pens[index++ % static_cast<int>(std::size(pens))]);
         drawn->setRenderHint(QwtPlotItem::RenderAntialiased);

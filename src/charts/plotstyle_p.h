@@ -20,6 +20,9 @@ inline const QColor greenInk(0, 158, 115);
 inline const QColor vermilionInk(213, 94, 0);
 inline const QColor purpleInk(204, 121, 167);
 
+/// A text without what an XML document may not hold.
+QString printable(QString label);
+
 /// A font of so many pixels.
 QFont chartFont(int pixels);
 

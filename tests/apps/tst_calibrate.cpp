@@ -118,6 +118,11 @@ private Q_SLOTS:
         QCOMPARE(mild.json().value("devices")[0]["coefficients"].toArray().at(0).toInt(), 10264);
         // What the cabinets hold counts, not what was computed.
         QByteArray journal = readFile(out("calibration.jsonl"));
+        QVERIFY(run({"verify", out(), "--max-de", "nan"}).err.contains("found nan"));
+        writeFile(out("calibration.jsonl"),
+                  QByteArray(journal).replace("10264,5297,823,960,16216,-1006,99,365,11230", "0,0,0,0,0,0,0,0,0"));
+        const Run dark = run({"verify", out()});
+        QVERIFY(dark.exitCode == 1 && dark.out.contains("DARK"));
         journal.replace("10264,5297", "8264,5297");
         writeFile(out("calibration.jsonl"), journal);
         QVERIFY(
@@ -153,6 +158,12 @@ private Q_SLOTS:
         QCOMPARE(other.exitCode, 65);
         QVERIFY2(other.out.contains("was begun with another frequency_hz"), qPrintable(other.out));
         QCOMPARE(run(failing + QStringList{"--force"}).exitCode, 69);
+        // A journal that was cut says nothing about c, and a line that is no record is damage.
+        QByteArray journal = readFile(out("calibration.jsonl"));
+        writeFile(out("calibration.jsonl"), journal.left(journal.indexOf("\"device\":\"c\"")));
+        QVERIFY(run({"verify", out(), "--max-de", "11"}).err.contains("c: not served"));
+        writeFile(out("calibration.jsonl"), journal.replace("{\"device\":\"b\"", "garbage"));
+        QCOMPARE(run({"verify", out(), "--max-de", "11"}).exitCode, 65);
         checkDocuments();
     }
 
@@ -201,12 +212,56 @@ private Q_SLOTS:
         const Run html = run(calibrate({"--html", out("absent/report.html")}));
         QCOMPARE(html.exitCode, 73);
         QVERIFY(!QFile::exists(out("calibration.jsonl")));
-        writeFile(out("screen.nicc"), "somebody's");
-        QCOMPARE(run(calibrate()).exitCode, 73);
-        QCOMPARE(readFile(out("screen.nicc")), QByteArray("somebody's"));
+        for (const char* name : {"screen.nicc", "gamut-xy.svg", "report.html"}) {
+            const QString path = writeFile(out(name), "somebody's");
+            QCOMPARE(run(calibrate()).exitCode, 73);
+            QCOMPARE(readFile(path), QByteArray("somebody's"));
+            QFile::remove(path);
+        }
+        const QString gamut = writeFile(m_folder->filePath("gamut.json"), readFile(EXAMPLES "/measured-gamut.json"));
+        for (const QString& taken : {out("screen.zip"), out("calibration.jsonl"), gamut}) {
+            const Run refused = run(
+                {"calibrate", "--measured", gamut, "--target", "rec709", "--out", out(), "--force", "--html", taken});
+            QCOMPARE(refused.exitCode, 64);
+            QVERIFY2(refused.err.contains("this run reads or writes that file"), qPrintable(refused.err));
+        }
+        QCOMPARE(run(calibrate({"--html", m_folder->path(), "--force"})).exitCode, 73);
         QCOMPARE(run({"verify", out()}).exitCode, 66);
         writeFile(out("calibration.jsonl"), "{}\n");
         QCOMPARE(run({"verify", out()}).exitCode, 65);
+    }
+
+    void projectCommandsLoseNothing()
+    {
+        const auto in = [this](const QString& name) { return m_folder->filePath(name); };
+        writeFile(in("1/a.nicc"), "one");
+        writeFile(in("2/a.nicc"), "two");
+        writeFile(in("b.nicc"), "three");
+        QCOMPARE(run({"project", "pack", in("p.zip"), "--nicc", in("1/a.nicc"), "--file", in("2/a.nicc")}).exitCode,
+                 64);
+        QCOMPARE(run({"project", "pack", in("p.zip"), "--nicc", in("1/a.nicc"), "--file", in("b.nicc")}).exitCode, 0);
+        writeFile(in("p/mine"), "in the way of the library's temporary folder");
+        const Run listed = run({"project", "list", in("p.zip"), "--json"});
+        QCOMPARE(listed.json().value("files").toArray().size(), 2); // one of two of a role is listed all the same
+        QCOMPARE(run({"project", "unpack", in("p.zip"), "--out", in("p")}).exitCode, 0);
+        QCOMPARE(readFile(in("p/a.nicc")) + readFile(in("p/b.nicc")), QByteArray("onethree"));
+        QVERIFY(QFile::exists(in("p/mine")));
+        QVERIFY(QDir().mkpath(in("q")) && QFile::link(in("absent"), in("q/a.nicc")));
+        QCOMPARE(run({"project", "unpack", in("p.zip"), "--out", in("q")}).exitCode, 73); // through a dangling link
+        QVERIFY(!QFile::exists(in("absent")));
+        QCOMPARE(run({"project", "unpack", in("p.zip"), "--out", ""}).exitCode, 64);
+    }
+
+    void namesReachReportsAsText()
+    {
+        QByteArray gamut = readFile(EXAMPLES "/measured-gamut.json");
+        gamut.replace("Panel 2026-11", "</title><script>%1\\u001b&");
+        const Run done = run({"calibrate", "--measured", writeFile(m_folder->filePath("g%2.json"), gamut), "--target",
+                              "rec709", "--device", "left", "--out", out()});
+        QCOMPARE(done.exitCode, 0);
+        QVERIFY(!done.out.contains(QChar(0x1b)) && done.out.contains("<script>%1"));
+        QVERIFY(!readFile(out("report.html")).contains("<script"));
+        checkDocuments();
     }
 
     void chartsAreWrittenByTheirSuffix()

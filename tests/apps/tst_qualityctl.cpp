@@ -125,6 +125,9 @@ private Q_SLOTS:
         row("send gray --table " + file("five.csv", "1,2,3,4,5\n"), 65, "line 1: expected 4 columns");
         row("send gray --table " + file("large.csv", "r g b m\n# a\n1 2 3 256\n"), 65,
             "line 3: expected an integer from 0 to 255, found \"256\"");
+        row("send gray --table " + file("quoted.csv", "\"1\",\"2\",\"3\",\"4\"\n"), 65, "line 1: expected an integer");
+        row("send gray --table " + file("p%1%2.csv", "1 2 3\n"), 65, "p%1%2.csv, line 1: expected 4 columns");
+        row("hub ping --timeout nan", 64, "expected a number from 0.001 to 86400, found nan");
         row("send gray --table " + file("none.csv", "# nothing\n"), 65, "no gray levels");
         row("send gamut --gamut nonsense", 66, "neither a standard gamut nor a file");
         row("send gamut --gamut wall.json", 65, "RedPoint: expected an object");

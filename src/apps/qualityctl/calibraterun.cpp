@@ -43,6 +43,9 @@ struct CalibrationFiles
     QString chartXy = in("gamut-xy.svg");
     QString chartUv = in("gamut-uv.svg");
     QString chartGray = in("gray.svg");
+
+    /// Everything but the journal.
+    QStringList outputs() const { return {nicc, gray, cabinet, project, chartXy, chartUv, chartGray, html}; }
 };
 
 QString digest(const std::string& path, const QString& what)
@@ -54,8 +57,12 @@ QString digest(const std::string& path, const QString& what)
 }
 
 /// What a calibration is made from, as far as a resumed one must agree with it.
-QJsonObject inputsOf(const CalibrateOptions& options, const CalibrationContent& content, const QString& targetName)
+QJsonObject inputsOf(const CalibrateOptions& options, const CalibrationContent& content,
+                     const CalibrationTarget& target)
 {
+    QJsonArray served;
+    for (const std::string& device : target.devices())
+        served.append(QString::fromStdString(device));
     QJsonArray devices;
     for (const std::string& device : options.wall.devices)
         devices.append(QString::fromStdString(device));
@@ -64,7 +71,8 @@ QJsonObject inputsOf(const CalibrateOptions& options, const CalibrationContent& 
         cabinets.append(QString::fromStdString(range));
     const bool isWall = options.generation == 4;
     return {{QStringLiteral("generation"), options.generation},
-            {QStringLiteral("calibrated"), targetName},
+            {QStringLiteral("calibrated"), target.name()},
+            {QStringLiteral("devices"), served},
             {QStringLiteral("wall_sha256"),
              isWall ? digest(options.wall.file, QStringLiteral("wall document")) : QString()},
             {QStringLiteral("device"), devices},
@@ -76,18 +84,48 @@ QJsonObject inputsOf(const CalibrateOptions& options, const CalibrationContent& 
             {QStringLiteral("binary_sha256"), digest(options.binary, QStringLiteral("binary"))}};
 }
 
+/// Whether a file begins as our reports do.
+bool isReport(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) && file.readLine() == "<!DOCTYPE html>\n" &&
+           file.read(4096).contains("<title>Calibration of");
+}
+
+/// Throws CommandError where the report's file is something else of this run.
+void checkHtml(const CalibrateOptions& options, const CalibrationFiles& files)
+{
+    const QFileInfo html(files.html);
+    if (html.isDir() || !html.absoluteDir().exists())
+        throw CommandError{ExitCode::CannotCreate,
+                           QStringLiteral("--html %1: expected a file in a folder that is there").arg(files.html)};
+    QStringList others = files.outputs();
+    others.removeOne(files.html);
+    others << files.journal;
+    for (const std::string& input :
+         {options.wall.file, options.measured, options.target, options.table, options.binary})
+        others << QString::fromStdString(input);
+    for (const QString& other : others) {
+        if (!other.isEmpty() && QFileInfo(other).absoluteFilePath() == html.absoluteFilePath())
+            throw CommandError{ExitCode::Usage,
+                               QStringLiteral("--html %1: this run reads or writes that file").arg(files.html)};
+    }
+    if (html.exists() && !isReport(files.html))
+        requireNewFile(files.html, options.force);
+}
+
 CalibrationJournal openJournal(const CalibrateOptions& options, const CalibrationFiles& files,
                                const QJsonObject& inputs)
 {
-    if (!QFileInfo(files.html).absoluteDir().exists())
-        throw CommandError{ExitCode::CannotCreate,
-                           QStringLiteral("--html %1: there is no such folder").arg(files.html)};
+    checkHtml(options, files);
     if (!options.resume && !options.force && QFileInfo::exists(files.journal))
         throw CommandError{ExitCode::CannotCreate, QStringLiteral("%1 exists").arg(files.journal),
                            QStringLiteral("--resume goes on with that calibration, --force begins anew")};
     if (!options.resume || !QFileInfo::exists(files.journal)) {
-        for (const QString& path : {files.nicc, files.gray, files.cabinet, files.project, files.html})
+        for (const QString& path : files.outputs())
             requireNewFile(path, options.force);
+        for (const QString& path : files.outputs())
+            QFile::remove(path); // of the calibration that this one replaces
         return CalibrationJournal::begin(files.journal, inputs);
     }
     CalibrationJournal journal = CalibrationJournal::read(files.journal);
@@ -217,6 +255,10 @@ CommandResult runCalibrate(const CalibrateOptions& options, const Output& output
     CalibrationContent content{parseGamut(options.measured), parseGamut(options.target),
                                QString::fromStdString(options.table), options.frequency,
                                QString::fromStdString(options.binary)};
+    for (const QString& file : {content.table, content.binary}) { // they are read more than once
+        if (!file.isEmpty())
+            requireReadableFile(file, QStringLiteral("input"));
+    }
     HostLog::install(output.quiet);
     report.figures = computeFigures(content.measured, content.target);
     content.target = report.figures.target;
@@ -228,12 +270,12 @@ CommandResult runCalibrate(const CalibrateOptions& options, const Output& output
                                                 : hubTarget(content, options.hub, output);
     report.target = target->name();
     const CalibrationFiles files(options);
-    makeOutputFolder(files.folder.path());
+    makeOutputFolder(QString::fromStdString(options.out));
     QLockFile lock(files.in("calibration.lock"));
     if (!lock.tryLock(0))
         throw CommandError{ExitCode::Unavailable,
                            QStringLiteral("%1: another calibration is at work there").arg(files.folder.path())};
-    CalibrationJournal journal = openJournal(options, files, inputsOf(options, content, report.target));
+    CalibrationJournal journal = openJournal(options, files, inputsOf(options, content, *target));
     report.files = writeDocuments(files, content);
     {
         const Interrupt interrupt(Interrupt::What::FinishRunning);

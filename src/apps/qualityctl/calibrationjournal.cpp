@@ -87,6 +87,10 @@ CalibrationJournal CalibrationJournal::read(const QString& path)
             journal.m_inputs = object.value(s_inputsKey).toObject();
         else if (object.contains(s_deviceKey))
             journal.m_records.insert(object.value(s_deviceKey).toString(), recordFromJson(object));
+        else
+            throw CommandError{ExitCode::BadData,
+                               QStringLiteral("calibration journal %1: the line at byte %2 is no record")
+                                   .arg(path, QString::number(start))};
         journal.m_wholeBytes = end + 1;
     }
     if (journal.m_inputs.isEmpty())

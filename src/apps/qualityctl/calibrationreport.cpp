@@ -50,9 +50,8 @@ QList<QStringList> deviceRows(const CalibrationReport& report)
                 result = outcome.kind == SendOutcome::Kind::NotSent
                              ? describe(outcome)
                              : QStringLiteral("%1: %2, %3 of %4 cabinets hold it")
-                                   .arg(outcome.step, describe(outcome))
-                                   .arg(outcome.arrived)
-                                   .arg(outcome.cabinets);
+                                   .arg(outcome.step, describe(outcome), QString::number(outcome.arrived),
+                                        QString::number(outcome.cabinets));
         }
         rows.append(QStringList{record.device, QString::number(record.outcomes.front().cabinets),
                                 QStringLiteral("%1 of %2").arg(answered).arg(record.outcomes.size()),

@@ -9,6 +9,8 @@
 
 namespace {
 
+constexpr double noticeableDifference = 1.0;
+
 std::array<Colour::Chromaticity, 4> points(const Colour::Primaries& p)
 {
     return {p.red, p.green, p.blue, p.white};
@@ -47,6 +49,9 @@ GamutFigures figuresOf(const Model::ColorGamutInfo& source, const Model::ColorGa
                 .arg(QString::fromStdString(source.name), QString::fromStdString(target.name))};
     figures.reached = *reached;
     figures.ciede2000 = *differences;
+    // Limits of the coefficients' type show only in the result.
+    for (std::size_t i = 0; i < figures.ciede2000.size(); ++i)
+        figures.reached.outOfReach[i] = figures.reached.outOfReach[i] || figures.ciede2000[i] > noticeableDifference;
     return figures;
 }
 

@@ -7,7 +7,11 @@
 #include <QStringList>
 #include <QTextStream>
 
+#include <algorithm>
+
 namespace {
+
+constexpr int maxLevels = 65536;
 
 unsigned char readByte(const QString& text, const QString& place)
 {
@@ -19,11 +23,14 @@ unsigned char readByte(const QString& text, const QString& place)
     return static_cast<unsigned char>(value);
 }
 
+/// A first line without any number.
 bool isHeading(const QStringList& columns)
 {
-    bool isNumber = false;
-    columns.first().toInt(&isNumber, 10);
-    return !isNumber;
+    return std::none_of(columns.begin(), columns.end(), [](const QString& column) {
+        bool isNumber = false;
+        QString(column).remove(QLatin1Char('"')).toDouble(&isNumber);
+        return isNumber;
+    });
 }
 
 } // namespace
@@ -43,15 +50,17 @@ GrayTableFile readGrayTable(const QString& path)
         isFirst = false;
         if (skipped)
             continue;
-        const QString place = QStringLiteral("gray table %1, line %2").arg(path).arg(number);
+        const QString place = QStringLiteral("gray table %1, line %2").arg(path, QString::number(number));
         if (columns.size() != 4)
             throw CommandError{ExitCode::BadData,
                                QStringLiteral("%1: expected 4 columns (red, green, blue, magnitude), found %2")
-                                   .arg(place)
-                                   .arg(columns.size())};
+                                   .arg(place, QString::number(columns.size()))};
         QList<unsigned char>* const lists[] = {&table.red, &table.green, &table.blue, &table.magnitude};
         for (int column = 0; column < 4; ++column)
             lists[column]->append(readByte(columns.at(column), place));
+        if (table.red.size() > maxLevels)
+            throw CommandError{ExitCode::BadData,
+                               QStringLiteral("%1: more than %2 gray levels").arg(place, QString::number(maxLevels))};
     }
     if (table.red.isEmpty())
         throw CommandError{ExitCode::BadData, QStringLiteral("gray table %1: no gray levels").arg(path)};

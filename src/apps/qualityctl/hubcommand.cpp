@@ -105,12 +105,26 @@ CLI::App* addCommand(CLI::App& parent, Command& chosen, const char* name, const 
 
 } // namespace
 
+CLI::Validator finiteNumber(double min, double max)
+{
+    return CLI::Validator(
+        [min, max](const std::string& text) {
+            bool isNumber = false;
+            const double value = QString::fromStdString(text).toDouble(&isNumber);
+            if (isNumber && value >= min && value <= max)
+                return std::string();
+            return "expected a number from " + QString::number(min).toStdString() + " to " +
+                   QString::number(max).toStdString() + ", found " + text;
+        },
+        "NUMBER");
+}
+
 void addHubAddress(CLI::App& command, HubAddress& address)
 {
     command.add_option("--host", address.host, "The hub's host; with --port alone this machine");
     command.add_option("--port", address.port, "The hub's port")->check(CLI::Range(0, 65535));
     command.add_option("--timeout", address.timeout, "Longest wait for a reply, in seconds")
-        ->check(CLI::PositiveNumber)
+        ->check(finiteNumber(0.001, 86400.0))
         ->capture_default_str();
 }
 

@@ -10,18 +10,27 @@ constexpr int pollMs = 50;
 
 volatile std::sig_atomic_t s_isRequested = 0;
 
-extern "C" void onSignal(int signal)
+/// The first signal, whichever, is noted; the next one ends the process.
+extern "C" void onSignal(int)
 {
     s_isRequested = 1;
-    std::signal(signal, SIG_DFL);
+    std::signal(SIGINT, SIG_DFL);
+    std::signal(SIGTERM, SIG_DFL);
+}
+
+/// Installs a handler, but not over one that ignores: a shell's background job is not interrupted.
+void handle(int signal)
+{
+    if (std::signal(signal, onSignal) == SIG_IGN)
+        std::signal(signal, SIG_IGN);
 }
 
 } // namespace
 
 Interrupt::Interrupt(What what)
 {
-    std::signal(SIGINT, onSignal);
-    std::signal(SIGTERM, onSignal);
+    handle(SIGINT);
+    handle(SIGTERM);
     QObject::connect(&m_poll, &QTimer::timeout, [] {
         if (isRequested())
             QCoreApplication::quit();

@@ -6,6 +6,7 @@
 #include <QApplication>
 
 #include <clocale>
+#include <csignal>
 #include <cstring>
 
 namespace {
@@ -35,11 +36,18 @@ struct SelfDescription
     QString text;
 };
 
-/// What is printed when the arguments themselves are wrong: --json may be among them all the same.
-int reportUsage(const CLI::App& app, const CLI::ParseError& error, int argc, char** argv)
+/// How to speak while the arguments are not parsed, or no longer at hand.
+Output wantedOutput(int argc, char** argv)
 {
     Output output;
     output.json = std::any_of(argv, argv + argc, [](const char* text) { return std::strcmp(text, "--json") == 0; });
+    return output;
+}
+
+/// What is printed when the arguments themselves are wrong: --json may be among them all the same.
+int reportUsage(const CLI::App& app, const CLI::ParseError& error, int argc, char** argv)
+{
+    const Output output = wantedOutput(argc, argv);
     QString message = QString::fromUtf8(error.what());
     const auto unknown = app.remaining(true);
     if (dynamic_cast<const CLI::RequiredError*>(&error) && !unknown.empty() && app.get_subcommands().empty())
@@ -93,6 +101,9 @@ int run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
+#ifdef SIGXFSZ
+    std::signal(SIGXFSZ, SIG_IGN); // a file-size limit is an error like a full disk
+#endif
     qputenv("QT_QPA_PLATFORM", "offscreen"); // charts are drawn without a display
     qInstallMessageHandler(
         [](QtMsgType, const QMessageLogContext&, const QString&) {}); // about missing session folders
@@ -102,6 +113,7 @@ int main(int argc, char** argv)
     try {
         return run(argc, argv);
     } catch (const std::exception& error) {
-        return print({{}, {}, CommandError{ExitCode::Internal, QString::fromUtf8(error.what())}}, {});
+        return print({{}, {}, CommandError{ExitCode::Internal, QString::fromUtf8(error.what())}},
+                     wantedOutput(argc, argv));
     }
 }

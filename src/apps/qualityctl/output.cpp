@@ -38,10 +38,22 @@ QString kindOf(ExitCode code)
     return {};
 }
 
-void write(FILE* stream, const QString& text)
+/// Without what would steer a terminal: control characters and marks that turn the direction of writing.
+QString printable(QString text)
 {
-    std::fputs(text.toUtf8().constData(), stream);
-    std::fflush(stream);
+    for (QChar& c : text) {
+        const bool steers = (c.category() == QChar::Other_Control && c != QLatin1Char('\n')) ||
+                            (c.category() == QChar::Other_Format && c.direction() != QChar::DirBN);
+        if (steers)
+            c = QChar::ReplacementCharacter;
+    }
+    return text;
+}
+
+/// False when not everything could be written.
+bool write(FILE* stream, const QString& text)
+{
+    return std::fputs(text.toUtf8().constData(), stream) >= 0 && std::fflush(stream) == 0;
 }
 
 QJsonObject toJson(const CommandResult& result)
@@ -64,22 +76,25 @@ QJsonObject toJson(const CommandResult& result)
 void Output::note(const QString& line) const
 {
     if (!quiet)
-        write(stderr, line + QLatin1Char('\n'));
+        write(stderr, printable(line) + QLatin1Char('\n'));
 }
 
 int print(const CommandResult& result, const Output& output)
 {
-    if (output.json) {
-        write(stdout, QString::fromUtf8(QJsonDocument(toJson(result)).toJson()));
-    } else {
-        write(stdout, result.text);
-        if (result.error) {
-            write(stderr, QStringLiteral("qualityctl: %1\n").arg(result.error->message));
-            if (!result.error->hint.isEmpty())
-                write(stderr, QStringLiteral("  %1\n").arg(result.error->hint));
-        }
+    const QString text =
+        output.json ? QString::fromUtf8(QJsonDocument(toJson(result)).toJson()) : printable(result.text);
+    const bool isPrinted = write(stdout, text);
+    if (result.error && !output.json) {
+        write(stderr, QStringLiteral("qualityctl: %1\n").arg(printable(result.error->message)));
+        if (!result.error->hint.isEmpty())
+            write(stderr, QStringLiteral("  %1\n").arg(printable(result.error->hint)));
     }
-    return static_cast<int>(result.error ? result.error->code : ExitCode::Done);
+    if (result.error)
+        return static_cast<int>(result.error->code);
+    if (isPrinted)
+        return static_cast<int>(ExitCode::Done);
+    write(stderr, QStringLiteral("qualityctl: the result cannot be written\n"));
+    return static_cast<int>(ExitCode::InputOutput);
 }
 
 QString textTable(const QList<QStringList>& rows)

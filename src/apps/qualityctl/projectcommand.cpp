@@ -6,9 +6,14 @@
 #include <CLI/CLI.hpp>
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFileInfo>
 #include <QJsonArray>
+#include <QTemporaryDir>
 #include <qualityutility/tool/file/picqualityfiletool.h>
+
+#include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -56,6 +61,12 @@ CommandResult pack(const ProjectArguments& arguments, const Output& output)
             return QString();
         const QString name = QString::fromStdString(path);
         requireReadableFile(name, QStringLiteral("%1 file").arg(role));
+        for (const ProjectFile& file : files) {
+            if (QFileInfo(file.path).fileName() == QFileInfo(name).fileName())
+                throw CommandError{ExitCode::Usage,
+                                   QStringLiteral("%1 and %2: an archive keeps no folders, and these have one name")
+                                       .arg(file.path, name)};
+        }
         files.append({role, name, name, QFileInfo(name).size()});
         return name;
     };
@@ -77,41 +88,56 @@ CommandResult pack(const ProjectArguments& arguments, const Output& output)
     return listed(archive, files);
 }
 
-/// An archive, unpacked into its temporary folder, which goes when this does.
+/// An archive, unpacked into a temporary folder of this process's own, which goes when this does. (The library's folder
+/// for an archive is shared by everybody who unpacks an archive of that name.)
 class UnpackedProject
 {
 public:
-    explicit UnpackedProject(const QString& archive) : m_archive(archive)
+    explicit UnpackedProject(const QString& archive) : m_earlierTemp(qgetenv("TMPDIR"))
     {
         requireReadableFile(archive, QStringLiteral("archive"));
-        QString nicc;
-        QString gray;
-        QString config;
+        if (!m_own.isValid())
+            throw CommandError{ExitCode::InputOutput,
+                               QStringLiteral("no temporary folder can be made: %1").arg(m_own.errorString())};
+        qputenv("TMPDIR", QFile::encodeName(m_own.path()));
+        QString roles[3];
         QStringList others;
         HostLog::takeCriticalLine();
-        if (!Tool::unpackProConfig(archive, nicc, gray, config, others))
-            throw CommandError{ExitCode::BadData, HostLog::takeCriticalLine()};
-        add(QStringLiteral("nicc"), nicc);
-        add(QStringLiteral("gray"), gray);
-        add(QStringLiteral("cabinet"), config);
-        for (const QString& other : others)
-            add(QStringLiteral("further"), other);
+        const bool isUnpacked = Tool::unpackProConfig(archive, roles[0], roles[1], roles[2], others);
+        qputenv("TMPDIR", m_earlierTemp);
+        if (!isUnpacked)
+            throw refusal(HostLog::takeCriticalLine());
+        collect(m_own.filePath(QFileInfo(archive).baseName()), roles);
     }
-    ~UnpackedProject() { Tool::removeTempProConfig(m_archive); }
-    UnpackedProject(const UnpackedProject&) = delete;
-    UnpackedProject& operator=(const UnpackedProject&) = delete;
 
     const QList<ProjectFile>& files() const { return m_files; }
 
 private:
-    void add(const QString& role, const QString& path)
+    static CommandError refusal(const QString& line)
     {
-        const QFileInfo info(path);
-        if (info.isFile())
-            m_files.append({role, path, info.fileName(), info.size()});
+        const bool isOurs = line.contains(QLatin1String("temporary folder")) ||
+                            line.contains(QLatin1String("disk is full")) ||
+                            line.contains(QLatin1String("cannot be written"));
+        return {isOurs ? ExitCode::InputOutput : ExitCode::BadData, line};
     }
 
-    QString m_archive;
+    /// Every file that came out, also those that lost their role to a later one.
+    void collect(const QString& folder, const QString (&roles)[3])
+    {
+        static const QString names[] = {QStringLiteral("nicc"), QStringLiteral("gray"), QStringLiteral("cabinet")};
+        QDirIterator it(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+        while (it.hasNext()) {
+            const QString path = it.next();
+            const auto role = std::find(std::begin(roles), std::end(roles), path);
+            m_files.append({role == std::end(roles) ? QStringLiteral("further") : names[role - std::begin(roles)], path,
+                            QDir(folder).relativeFilePath(path), it.fileInfo().size()});
+        }
+        std::sort(m_files.begin(), m_files.end(),
+                  [](const ProjectFile& a, const ProjectFile& b) { return a.name < b.name; });
+    }
+
+    QTemporaryDir m_own;
+    QByteArray m_earlierTemp;
     QList<ProjectFile> m_files;
 };
 
@@ -119,14 +145,15 @@ CommandResult unpack(const ProjectArguments& arguments, const Output& output)
 {
     HostLog::install(output.quiet);
     const QString archive = QString::fromStdString(arguments.archive);
-    const QDir out(QString::fromStdString(arguments.out));
     const UnpackedProject project(archive);
-    makeOutputFolder(out.path());
+    makeOutputFolder(QString::fromStdString(arguments.out));
+    const QDir out(QString::fromStdString(arguments.out));
     QList<ProjectFile> files = project.files();
     for (const ProjectFile& file : files)
         requireNewFile(out.filePath(file.name), arguments.force);
     for (ProjectFile& file : files) {
         const QString target = out.filePath(file.name);
+        QDir().mkpath(QFileInfo(target).path());
         if (!Tool::copyFile(file.path, target))
             throw CommandError{ExitCode::InputOutput, QStringLiteral("%1: cannot be written").arg(target)};
         file.name = target;

@@ -70,9 +70,7 @@ QString holdings(const CabinetStates& states)
     QString text = QStringLiteral("The cabinets now hold:\n");
     for (const auto& [group, count] : groups)
         text += QStringLiteral("  %1, %2 cabinets: %3\n")
-                    .arg(QString::fromStdString(group.first))
-                    .arg(count)
-                    .arg(group.second);
+                    .arg(QString::fromStdString(group.first), QString::number(count), group.second);
     return text;
 }
 

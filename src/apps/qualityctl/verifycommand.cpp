@@ -48,10 +48,23 @@ void judge(const QString& device, const HeldCorrection& held, const GamutFigures
     verification.devices.append(json);
     if (!isGood)
         verification.faults << QStringLiteral("%1: %2 cabinets differ by %3, above %4")
-                                   .arg(device)
-                                   .arg(held.cabinets)
-                                   .arg(figures.worstDifference(), 0, 'f', 2)
-                                   .arg(maxDifference);
+                                   .arg(device, QString::number(held.cabinets),
+                                        QString::number(figures.worstDifference(), 'f', 2),
+                                        QString::number(maxDifference));
+}
+
+/// A row for cabinets whose coefficients leave a primary or white without light.
+void judgeDark(const QString& device, const HeldCorrection& held, const QString& reason, Verification& verification)
+{
+    QStringList row{device, QString::number(held.cabinets), held.isOn ? QStringLiteral("on") : QStringLiteral("off")};
+    for (int i = 0; i < pointNames().size(); ++i)
+        row << QStringLiteral("-");
+    verification.rows.append(row << QStringLiteral("DARK"));
+    verification.devices.append(QJsonObject{{QStringLiteral("device"), device},
+                                            {QStringLiteral("cabinets"), held.cabinets},
+                                            {QStringLiteral("coefficients"), coefficientsToJson(held.coefficients)},
+                                            {QStringLiteral("within"), false}});
+    verification.faults << QStringLiteral("%1: %2 cabinets: %3").arg(device, QString::number(held.cabinets), reason);
 }
 
 CommandResult verify(const VerifyArguments& arguments, const Output& output)
@@ -69,15 +82,22 @@ CommandResult verify(const VerifyArguments& arguments, const Output& output)
             verification.faults << QStringLiteral("%1: not everything was sent").arg(record.device);
         for (const HeldCorrection& held : record.held) {
             target.coeff = workingCoefficients(held);
-            judge(record.device, held, figuresOf(measured, target), arguments.maxDifference, verification);
+            try {
+                judge(record.device, held, figuresOf(measured, target), arguments.maxDifference, verification);
+            } catch (const CommandError& error) {
+                judgeDark(record.device, held, error.message, verification);
+            }
         }
+    }
+    for (const QJsonValue device : journal.inputs().value(QStringLiteral("devices")).toArray()) {
+        if (!journal.records().contains(device.toString()))
+            verification.faults << QStringLiteral("%1: not served").arg(device.toString());
     }
     if (verification.devices.isEmpty())
         throw CommandError{ExitCode::BadData, QStringLiteral("%1: no device was served").arg(folder.path())};
     CommandResult result;
     result.text = QStringLiteral("CIEDE2000 of what the cabinets show to %1, at most %2\n\n")
-                      .arg(QString::fromStdString(target.name))
-                      .arg(arguments.maxDifference) +
+                      .arg(QString::fromStdString(target.name), QString::number(arguments.maxDifference)) +
                   textTable(verification.rows);
     result.json = {{QStringLiteral("max_de"), arguments.maxDifference},
                    {QStringLiteral("devices"), verification.devices}};
@@ -93,9 +113,9 @@ void addVerifyCommand(CLI::App& app, Command& chosen)
     CLI::App* command =
         app.add_subcommand("verify", "Compute what a calibrated wall shows, from what its cabinets hold");
     const auto arguments = std::make_shared<VerifyArguments>();
-    command->add_option("folder,--out", arguments->folder, "The calibration's folder")->required();
+    command->add_option("folder", arguments->folder, "The calibration's folder")->required();
     command->add_option("--max-de", arguments->maxDifference, "Largest CIEDE2000 of red, green, blue and white")
-        ->check(CLI::NonNegativeNumber)
+        ->check(finiteNumber(0.0, 1000.0))
         ->capture_default_str();
     command->callback(
         [&chosen, arguments] { chosen = [arguments](const Output& output) { return verify(*arguments, output); }; });

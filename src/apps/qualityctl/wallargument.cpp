@@ -53,8 +53,7 @@ std::vector<unsigned long long> parseCabinets(const std::vector<std::string>& te
         if (last < first || last - first >= maxRange)
             throw CommandError{ExitCode::Usage,
                                QStringLiteral("--cabinet: \"%1\" is not a range that goes up by less than %2")
-                                   .arg(text)
-                                   .arg(maxRange)};
+                                   .arg(text, QString::number(maxRange))};
         for (unsigned long long cid = first;; ++cid) {
             cids.push_back(cid);
             if (cid == last)

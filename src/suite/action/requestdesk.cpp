@@ -192,9 +192,10 @@ void RequestDesk::timerEvent(QTimerEvent* event)
         return;
     const std::uint64_t request = found->second;
     const InFlight& call = m_inFlight.at(request);
-    end({request, QLatin1String(timeoutErrorPrefix) + QStringLiteral("no answer for %1 within %2 s")
-                                                          .arg(subject(call.action, call.deviceId))
-                                                          .arg(static_cast<double>(call.timeout.count()) / 1000.0)});
+    end({request, QLatin1String(timeoutErrorPrefix) +
+                      QStringLiteral("no answer for %1 within %2 s")
+                          .arg(subject(call.action, call.deviceId),
+                               QString::number(static_cast<double>(call.timeout.count()) / 1000.0))});
 }
 
 void RequestDesk::endLost()

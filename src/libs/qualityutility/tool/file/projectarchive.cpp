@@ -32,11 +32,13 @@ void logRefusal(const QString& archive, const ArchiveRefusal& refusal)
         line << "entry" << refusal.entry;
 }
 
+/// Whether a file lies in a folder, or a symbolic link to it does.
 bool isInside(const QString& path, const QString& folder)
 {
-    const QString inner = QFileInfo(path).canonicalFilePath();
-    const QString outer = QFileInfo(folder).canonicalFilePath();
-    return !outer.isEmpty() && inner.startsWith(outer + QLatin1Char('/'));
+    const QFileInfo file(path);
+    const QString outer = QFileInfo(folder).canonicalFilePath() + QLatin1Char('/');
+    const QString linkFolder = QFileInfo(file.absolutePath()).canonicalFilePath() + QLatin1Char('/');
+    return outer.size() > 1 && (file.canonicalFilePath().startsWith(outer) || linkFolder.startsWith(outer));
 }
 
 /// The archive's temporary folder; nothing, with a log line, where deleting it could take what is not an archive's.
