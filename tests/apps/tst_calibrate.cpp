@@ -223,8 +223,12 @@ private Q_SLOTS:
             const Run refused = run(
                 {"calibrate", "--measured", gamut, "--target", "rec709", "--out", out(), "--force", "--html", taken});
             QCOMPARE(refused.exitCode, 64);
-            QVERIFY2(refused.err.contains("this run reads or writes that file"), qPrintable(refused.err));
+            QVERIFY2(refused.err.contains("this run would write it, and uses it as"), qPrintable(refused.err));
         }
+        QVERIFY(QFile::exists(gamut));
+        writeFile(out("screen.nrf"), "an input in the place of an output");
+        QCOMPARE(run(calibrate({"--force", "--bin", out("screen.nrf")})).exitCode, 64);
+        QVERIFY(QFile::remove(out("screen.nrf")));
         QCOMPARE(run(calibrate({"--html", m_folder->path(), "--force"})).exitCode, 73);
         QCOMPARE(run({"verify", out()}).exitCode, 66);
         writeFile(out("calibration.jsonl"), "{}\n");
@@ -240,6 +244,9 @@ private Q_SLOTS:
         QCOMPARE(run({"project", "pack", in("p.zip"), "--nicc", in("1/a.nicc"), "--file", in("2/a.nicc")}).exitCode,
                  64);
         QCOMPARE(run({"project", "pack", in("p.zip"), "--nicc", in("1/a.nicc"), "--file", in("b.nicc")}).exitCode, 0);
+        const QString nicc = in("b.nicc");
+        QCOMPARE(run({"project", "pack", nicc, "--nicc", nicc, "--force"}).exitCode, 64);
+        QCOMPARE(readFile(nicc), QByteArray("three"));
         writeFile(in("p/mine"), "in the way of the library's temporary folder");
         const Run listed = run({"project", "list", in("p.zip"), "--json"});
         QCOMPARE(listed.json().value("files").toArray().size(), 2); // one of two of a role is listed all the same

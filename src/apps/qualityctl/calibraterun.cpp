@@ -92,23 +92,36 @@ bool isReport(const QString& path)
            file.read(4096).contains("<title>Calibration of");
 }
 
-/// Throws CommandError where the report's file is something else of this run.
-void checkHtml(const CalibrateOptions& options, const CalibrationFiles& files)
+/// Whether two names are one file's, also through links.
+bool isSameFile(const QString& first, const QString& second)
+{
+    const QFileInfo a(first);
+    const QFileInfo b(second);
+    return a.absoluteFilePath() == b.absoluteFilePath() ||
+           (a.exists() && a.canonicalFilePath() == b.canonicalFilePath());
+}
+
+/// Throws CommandError where the report has no place, and where one file would be two things of this run: what is
+/// written would destroy what is read.
+void checkFiles(const CalibrateOptions& options, const CalibrationFiles& files)
 {
     const QFileInfo html(files.html);
     if (html.isDir() || !html.absoluteDir().exists())
         throw CommandError{ExitCode::CannotCreate,
                            QStringLiteral("--html %1: expected a file in a folder that is there").arg(files.html)};
-    QStringList others = files.outputs();
-    others.removeOne(files.html);
-    others << files.journal;
+    QStringList taken{files.journal};
     for (const std::string& input :
          {options.wall.file, options.measured, options.target, options.table, options.binary})
-        others << QString::fromStdString(input);
-    for (const QString& other : others) {
-        if (!other.isEmpty() && QFileInfo(other).absoluteFilePath() == html.absoluteFilePath())
-            throw CommandError{ExitCode::Usage,
-                               QStringLiteral("--html %1: this run reads or writes that file").arg(files.html)};
+        if (!input.empty())
+            taken << QString::fromStdString(input);
+    for (const QString& written : files.outputs()) {
+        for (const QString& other : taken) {
+            if (isSameFile(written, other))
+                throw CommandError{
+                    ExitCode::Usage,
+                    QStringLiteral("%1: this run would write it, and uses it as %2").arg(written, other)};
+        }
+        taken << written;
     }
     if (html.exists() && !isReport(files.html))
         requireNewFile(files.html, options.force);
@@ -117,7 +130,7 @@ void checkHtml(const CalibrateOptions& options, const CalibrationFiles& files)
 CalibrationJournal openJournal(const CalibrateOptions& options, const CalibrationFiles& files,
                                const QJsonObject& inputs)
 {
-    checkHtml(options, files);
+    checkFiles(options, files);
     if (!options.resume && !options.force && QFileInfo::exists(files.journal))
         throw CommandError{ExitCode::CannotCreate, QStringLiteral("%1 exists").arg(files.journal),
                            QStringLiteral("--resume goes on with that calibration, --force begins anew")};
@@ -227,13 +240,10 @@ void writeReports(const CalibrationFiles& files, const CalibrationContent& conte
 
 std::optional<CommandError> errorOf(const CalibrationReport& report)
 {
-    std::vector<SendOutcome> outcomes;
     QStringList served;
     QStringList open;
-    for (const DeviceRecord& record : report.records) {
-        outcomes.insert(outcomes.end(), record.outcomes.begin(), record.outcomes.end());
+    for (const DeviceRecord& record : report.records)
         (record.isDone() ? served : open) << record.device;
-    }
     const QString hint = QStringLiteral("--resume goes on with what is not done");
     if (Interrupt::isRequested() && !open.isEmpty())
         return CommandError{ExitCode::Interrupted,
@@ -241,7 +251,7 @@ std::optional<CommandError> errorOf(const CalibrationReport& report)
                                 .arg(served.isEmpty() ? QStringLiteral("none") : served.join(QStringLiteral(", ")),
                                      open.join(QStringLiteral(", "))),
                             hint};
-    auto error = errorOf(outcomes, false);
+    auto error = errorOf(report.outcomes(), false);
     if (error)
         error->hint = hint;
     return error;

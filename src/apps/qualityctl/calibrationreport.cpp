@@ -4,11 +4,6 @@
 
 namespace {
 
-QString percent(double fraction)
-{
-    return QStringLiteral("%1 %").arg(100.0 * fraction, 0, 'f', 1);
-}
-
 /// Label and value of the figures that stand alone.
 QList<QStringList> figureRows(const GamutFigures& figures)
 {
@@ -23,14 +18,6 @@ QList<QStringList> figureRows(const GamutFigures& figures)
         {QStringLiteral("coverage of the target, u'v'"), percent(figures.coverageUv.covered)},
         {QStringLiteral("coefficients, Q1.14"), coefficients.join(QLatin1Char(' '))},
     };
-}
-
-std::vector<SendOutcome> allOutcomes(const CalibrationReport& report)
-{
-    std::vector<SendOutcome> outcomes;
-    for (const DeviceRecord& record : report.records)
-        outcomes.insert(outcomes.end(), record.outcomes.begin(), record.outcomes.end());
-    return outcomes;
 }
 
 /// A row per device: how many of its cabinets hold everything.
@@ -90,6 +77,14 @@ th, td { text-align: left; padding: 0.25rem 1rem 0.25rem 0; border-bottom: 1px s
 
 } // namespace
 
+std::vector<SendOutcome> CalibrationReport::outcomes() const
+{
+    std::vector<SendOutcome> result;
+    for (const DeviceRecord& record : records)
+        result.insert(result.end(), record.outcomes.begin(), record.outcomes.end());
+    return result;
+}
+
 QString toText(const CalibrationReport& report)
 {
     QString text = QStringLiteral("Calibration of %1\n\n").arg(report.target);
@@ -110,7 +105,7 @@ QJsonObject toJson(const CalibrationReport& report)
                                    {QStringLiteral("done"), record.isDone()},
                                    {QStringLiteral("resumed"), report.resumed.contains(record.device)}});
     QJsonArray results;
-    for (const SendOutcome& outcome : allOutcomes(report))
+    for (const SendOutcome& outcome : report.outcomes())
         results.append(toJson(outcome));
     QJsonObject object = toJson(report.figures);
     object.insert(QStringLiteral("wall"), report.target);
@@ -135,7 +130,7 @@ QByteArray toHtml(const CalibrationReport& report, const QList<QByteArray>& char
     for (const QByteArray& chart : charts)
         html += inlineSvg(chart);
     html += QStringLiteral("</div>\n<h2>Devices</h2>\n") + htmlTable(deviceRows(report), true) +
-            htmlTable(outcomeRows(allOutcomes(report)), true) + QStringLiteral("<h2>Files</h2>\n<ul>\n");
+            htmlTable(outcomeRows(report.outcomes()), true) + QStringLiteral("<h2>Files</h2>\n<ul>\n");
     for (const QString& file : report.files)
         html += QStringLiteral("<li>%1</li>\n").arg(file.toHtmlEscaped());
     return (html + QStringLiteral("</ul>\n</body>\n</html>\n")).toUtf8();

@@ -10,6 +10,9 @@ struct CalibrationReport
     std::vector<DeviceRecord> records;
     QStringList resumed; ///< devices that an earlier run had served
     QStringList files;   ///< written, with their paths
+
+    /// Those of all devices.
+    std::vector<SendOutcome> outcomes() const;
 };
 
 QString toText(const CalibrationReport& report);

@@ -17,11 +17,6 @@ struct GamutPair
     std::string target;
 };
 
-QString percent(double fraction)
-{
-    return QStringLiteral("%1 %").arg(100.0 * fraction, 0, 'f', 2);
-}
-
 QString nameOf(const Model::ColorGamutInfo& gamut)
 {
     return QString::fromStdString(gamut.name);
@@ -67,6 +62,14 @@ CommandResult showCoverage(const GamutPair& pair)
     return result;
 }
 
+GamutFigures figuresOf(const GamutPair& pair, const Output& output)
+{
+    const auto source = parseGamut(pair.source);
+    const auto target = parseGamut(pair.target);
+    HostLog::install(output.quiet);
+    return computeFigures(source, target);
+}
+
 QString coefficientLines(const Colour::Coefficients& coefficients)
 {
     QString text;
@@ -92,15 +95,12 @@ QString matrixLines(const Colour::Matrix3& matrix)
 
 CommandResult showCoefficients(const GamutPair& pair, const Output& output)
 {
-    const auto source = parseGamut(pair.source);
-    const auto target = parseGamut(pair.target);
-    HostLog::install(output.quiet);
-    const GamutFigures figures = computeFigures(source, target);
+    const GamutFigures figures = figuresOf(pair, output);
     CommandResult result;
     result.text =
         QStringLiteral("%1 corrected to %2, signed Q1.14 (1.0 is 16384), rows are LED channels\n\n%3\n"
                        "white kept   %4\ncover        %5\narea ratio   %6\n\n")
-            .arg(nameOf(source), nameOf(target), coefficientLines(figures.coefficients),
+            .arg(nameOf(figures.source), nameOf(figures.target), coefficientLines(figures.coefficients),
                  percent(figures.reached.whiteKept), percent(figures.target.cover), percent(figures.target.orgCover)) +
         textTable(reachRows(figures));
     result.json = toJson(figures);
@@ -155,10 +155,7 @@ QList<Explanation> explanations(const GamutFigures& figures)
 
 CommandResult explain(const GamutPair& pair, const Output& output)
 {
-    const auto source = parseGamut(pair.source);
-    const auto target = parseGamut(pair.target);
-    HostLog::install(output.quiet);
-    const GamutFigures figures = computeFigures(source, target);
+    const GamutFigures figures = figuresOf(pair, output);
     CommandResult result;
     result.json = toJson(figures);
     QJsonArray formulas;
@@ -183,14 +180,11 @@ struct ChartArguments
 
 CommandResult drawChart(const ChartArguments& arguments, const Output& output)
 {
-    const auto source = parseGamut(arguments.pair.source);
-    const auto target = parseGamut(arguments.pair.target);
     const QString path = QString::fromStdString(arguments.out);
     requireChartSuffix(path);
     requireNewFile(path, arguments.force);
-    HostLog::install(output.quiet);
     const auto plane = arguments.plane == "xy" ? Charts::Plane::Xy : Charts::Plane::UvPrime;
-    writeChart(correctionChart(computeFigures(source, target), plane), path);
+    writeChart(correctionChart(figuresOf(arguments.pair, output), plane), path);
     return {QStringLiteral("%1\n").arg(path), {{QStringLiteral("file"), path}}};
 }
 

@@ -70,6 +70,11 @@ Colour::Coefficients signedCoefficients(const std::vector<unsigned short>& bits)
     return result;
 }
 
+QString percent(double fraction)
+{
+    return QStringLiteral("%1 %").arg(100.0 * fraction, 0, 'f', 2);
+}
+
 QJsonArray coefficientsToJson(const Colour::Coefficients& coefficients)
 {
     QJsonArray result;

@@ -36,6 +36,9 @@ GamutFigures figuresOf(const Model::ColorGamutInfo& source, const Model::ColorGa
 /// Names of the four points, in the order of all figures: "red", "green", "blue", "white".
 const QStringList& pointNames();
 
+/// "95.37 %"
+QString percent(double fraction);
+
 QJsonArray coefficientsToJson(const Colour::Coefficients& coefficients);
 /// Coefficients that are held as two's-complement bits.
 Colour::Coefficients signedCoefficients(const std::vector<unsigned short>& bits);

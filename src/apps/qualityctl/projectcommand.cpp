@@ -81,6 +81,11 @@ CommandResult pack(const ProjectArguments& arguments, const Output& output)
                            QStringLiteral("give at least one of --nicc, --gray, --config, --file")};
     const QString archive = QString::fromStdString(arguments.archive);
     requireNewFile(archive, arguments.force);
+    for (const ProjectFile& file : files) {
+        if (QFileInfo(file.path) == QFileInfo(archive))
+            throw CommandError{ExitCode::Usage,
+                               QStringLiteral("%1: the archive would replace a file that goes into it").arg(archive)};
+    }
     HostLog::takeCriticalLine();
     Tool::packProConfig(archive, nicc, gray, config, others);
     if (!HostLog::takeCriticalLine().isEmpty())
