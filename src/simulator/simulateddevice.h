@@ -1,7 +1,6 @@
 #pragma once
 
-#include "cabinetstate.h"
-
+#include <suite/action/cabinetreader.h>
 #include <suite/action/transport.h>
 #include <suite/service/modelservice.h>
 
@@ -13,6 +12,9 @@
 #include <variant>
 
 namespace Simulator {
+
+using Action::CabinetState;
+using Action::GrayTable;
 
 /// The reply of a device, or the text with which it refuses.
 using Outcome = std::variant<Parameters, QString>;

@@ -16,7 +16,7 @@ namespace Simulator {
 
 /// A wall of simulated devices behind the action library. Requests are served on a worker thread, each device one after
 /// the other with its latency and its faults. All functions may be called from any thread.
-class SimulatedWall : public Action::Transport
+class SimulatedWall : public Action::Transport, public Action::CabinetReader
 {
 public:
     /// Builds the wall with the behaviours that the document's "simulation" members give. On failure gives null and
@@ -31,7 +31,7 @@ public:
     void setBehaviour(const std::string& deviceId, const DeviceBehaviour& behaviour);
 
     /// What a cabinet holds; nothing for an unknown one.
-    std::optional<CabinetState> cabinet(const std::string& deviceId, unsigned long long cid) const;
+    std::optional<CabinetState> cabinet(const std::string& deviceId, unsigned long long cid) const override;
 
 private:
     using Clock = std::chrono::steady_clock;

@@ -1,0 +1,7 @@
+#include "cabinetreader.h"
+
+namespace Action {
+
+CabinetReader::~CabinetReader() = default;
+
+} // namespace Action

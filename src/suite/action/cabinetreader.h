@@ -1,0 +1,51 @@
+#pragma once
+
+#include <suite/action/suite_action_export.h>
+#include <suite/model/colorgamutinfo.h>
+
+#include <QByteArray>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Action {
+
+/// A gray-scale table as a cabinet holds it.
+struct GrayTable
+{
+    std::vector<unsigned char> red;
+    std::vector<unsigned char> green;
+    std::vector<unsigned char> blue;
+    std::vector<unsigned char> magnitude;
+    int freq = 0; ///< refresh frequency, Hz
+};
+
+/// What one cabinet holds. Large parts are shared by the cabinets that received them in one request; a null part was
+/// never received.
+struct CabinetState
+{
+    int mode = 0; ///< correction effect mode; bit 3 (8) is the gamut correction
+    std::shared_ptr<const GrayTable> grayTable;
+    std::shared_ptr<const Model::ColorGamutInfo> targetGamut;
+    std::shared_ptr<const Model::ColorGamutInfo> measuredGamut;
+    std::vector<unsigned short> coefficients; ///< nine, row-major, signed Q1.14 as two's-complement bits
+    int fullScale = 0;                        ///< 0: no coefficients were received
+    std::shared_ptr<const QByteArray> binary;
+};
+
+/// Reads back what cabinets hold. A transport whose devices can be asked implements it too; any thread.
+class SUITE_ACTION_EXPORT CabinetReader
+{
+public:
+    CabinetReader() = default;
+    virtual ~CabinetReader();
+    CabinetReader(const CabinetReader&) = delete;
+    CabinetReader& operator=(const CabinetReader&) = delete;
+
+    /// What a cabinet holds; nothing for one that is not there. May block for the time of a request.
+    virtual std::optional<CabinetState> cabinet(const std::string& deviceId, unsigned long long cid) const = 0;
+};
+
+} // namespace Action
