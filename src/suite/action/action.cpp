@@ -2,6 +2,9 @@
 
 #include "requestdesk_p.h"
 
+#include <algorithm>
+#include <limits>
+
 namespace Action {
 
 namespace {
@@ -14,7 +17,9 @@ std::chrono::milliseconds timeoutOf(const Parameters& params)
 {
     const int* given = params.options().find<int>("timeout");
     const int units = given && *given > 0 ? *given : defaultTimeout;
-    return std::chrono::milliseconds(units * s_timeoutUnit.load());
+    // Qt's timers count in an int.
+    constexpr std::chrono::milliseconds::rep longest = std::numeric_limits<int>::max();
+    return std::chrono::milliseconds(std::min(units * s_timeoutUnit.load(), longest));
 }
 
 } // namespace

@@ -9,7 +9,9 @@
 ///
 /// Every request ends exactly once: by a reply, an error, its timeout, the loss of the transport or the end of the
 /// asking thread. It ends on the thread that asked: inside the call when the transport answers there (or cannot take
-/// the request), otherwise through that thread's Qt event loop, which must therefore run until then.
+/// the request), otherwise through that thread's Qt event loop, which must therefore run until then. On a thread that
+/// Qt did not start, make a QEventLoop before the first request: without one there are no timers, and a request that is
+/// not answered inside the call ends with an error there.
 namespace Action {
 
 /// Receives the reply and the identity of the device that the request went to.
@@ -30,7 +32,8 @@ private:
 };
 
 /// Sends `action` to a device. The option "timeout" (int) is in seconds; without one, or with one that is not positive,
-/// it is 30. `acknowledged` and the priority are the transport's to read. Does not block and does not throw.
+/// it is 30; the longest is 2^31 - 1 ms, almost 25 days. `acknowledged` and the priority are the transport's to read.
+/// Does not block and does not throw.
 SUITE_ACTION_EXPORT std::shared_ptr<RequestHandle> put(const std::string& action, const std::string& deviceId,
                                                        const Parameters& params,
                                                        const std::function<void(Parameters, std::string)>& onResult,

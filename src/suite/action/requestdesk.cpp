@@ -151,6 +151,8 @@ std::shared_ptr<RequestHandle> RequestDesk::send(const Request& request, const R
         transport->send(request, Responder(m_mailbox, id));
     } catch (const std::exception& fault) {
         end({id, QStringLiteral("transport failed: %1").arg(QString::fromUtf8(fault.what()))});
+    } catch (...) {
+        end({id, QStringLiteral("transport failed: unknown exception")});
     }
     startTimeout(id);
     return handle;
@@ -161,9 +163,15 @@ void RequestDesk::startTimeout(std::uint64_t request)
     const auto found = m_inFlight.find(request);
     if (found == m_inFlight.end())
         return;
-    found->second.isSending = false;
-    found->second.timerId = startTimer(found->second.timeout, Qt::PreciseTimer);
-    m_requestByTimer.emplace(found->second.timerId, request);
+    InFlight& call = found->second;
+    call.isSending = false;
+    call.timerId = startTimer(call.timeout, Qt::PreciseTimer);
+    if (call.timerId == 0) { // nothing would end it where no answer comes
+        end({request,
+             QStringLiteral("no timer for %1: its thread has no event loop").arg(subject(call.action, call.deviceId))});
+        return;
+    }
+    m_requestByTimer.emplace(call.timerId, request);
 }
 
 bool RequestDesk::endInsideSend(Answer& answer)

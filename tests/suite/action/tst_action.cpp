@@ -201,10 +201,25 @@ private Q_SLOTS:
         Endings endings;
         m_transport->insideCall = [](const Action::Responder&) { throw std::runtime_error("no cable"); };
         QVERIFY(ask(endings)->isEnded());
+        m_transport->insideCall = [](const Action::Responder&) { throw 7; };
+        QVERIFY(ask(endings)->isEnded());
         Action::setTransport(nullptr);
         QVERIFY(ask(endings)->isEnded());
-        QCOMPARE(endings.texts,
-                 QStringList({"transport failed: no cable", "no transport for Device_Test to device left"}));
+        QCOMPARE(endings.texts, QStringList({"transport failed: no cable", "transport failed: unknown exception",
+                                             "no transport for Device_Test to device left"}));
+    }
+
+    void whereNoTimerRunsARequestEndsAtOnce()
+    {
+        // A thread that Qt did not start has none before its first event loop; its end ends a request that is left.
+        LogCapture log; // keeps Qt's own warning off the terminal
+        Endings endings;
+        std::thread([&] {
+            endings.asking = std::this_thread::get_id();
+            ask(endings);
+        }).join();
+        QCOMPARE(endings.texts, QStringList("no timer for Device_Test to device left: its thread has no event loop"));
+        QVERIFY(endings.isOnAskingThread);
     }
 
     void timeoutsAreInSecondsAndThirtyWithoutOne_data()
@@ -212,6 +227,7 @@ private Q_SLOTS:
         QTest::addColumn<int>("given");
         QTest::addColumn<int>("expectedMs");
         QTest::newRow("12") << 12 << 12000;
+        QTest::newRow("more than a timer holds") << 2147484 << 2147483647;
         QTest::newRow("none for an empty list") << 0 << 30000;
         QTest::newRow("negative") << -3 << 30000;
     }
@@ -223,8 +239,10 @@ private Q_SLOTS:
         Action::setTimeoutUnit(1s);
         Parameters params;
         params.options().insert("timeout", given);
-        Action::put("Device_Test", "left", params, {}, {}, true, PackagePriority::Normal);
+        const auto handle = Action::put("Device_Test", "left", params, {}, {}, true, PackagePriority::Normal);
         QCOMPARE(m_transport->timeout, std::chrono::milliseconds(expectedMs));
+        settle();
+        QVERIFY(!handle->isEnded());
         Action::put("Device_Test", "left", {}, {}, {}, true, PackagePriority::Normal);
         QCOMPARE(m_transport->timeout, 30000ms);
     }
@@ -290,6 +308,7 @@ private Q_SLOTS:
         Endings endings;
         std::thread asker([&] {
             endings.asking = std::this_thread::get_id();
+            const QEventLoop bringsTimers;
             ask(endings, 5000);
         });
         asker.join();
