@@ -6,21 +6,28 @@ namespace CabinetSenderSpace {
 
 void ActionAnswer::give(Content content)
 {
-    const std::lock_guard lock(m_mutex);
-    if (!isOpen())
+    std::unique_lock lock(m_mutex);
+    if (!m_isOpen)
         return;
-    m_content = std::move(content);
-    // Queued: a quit() that comes before exec() has begun would be lost.
-    if (m_loop)
-        QMetaObject::invokeMethod(m_loop, "quit", Qt::QueuedConnection);
+    m_isOpen = false;
+    QEventLoop* const loop = m_loop;
+    if (std::this_thread::get_id() != m_owner) {
+        m_left = std::move(content);
+        if (loop) // queued: a quit() that comes before exec() has begun would be lost
+            QMetaObject::invokeMethod(loop, "quit", Qt::QueuedConnection);
+        return;
+    }
+    lock.unlock(); // what observes the model may wait for another answer
+    m_apply(content);
+    if (loop)
+        loop->quit();
 }
 
-ActionAnswer::Content ActionAnswer::wait()
+void ActionAnswer::wait(QEventLoop& loop)
 {
     std::unique_lock lock(m_mutex);
     // Without an application object a local loop would never end.
-    if (isOpen() && QCoreApplication::instance()) {
-        QEventLoop loop;
+    if (m_isOpen && QCoreApplication::instance()) {
         m_loop = &loop;
         lock.unlock();
         // Entered once only: after the application was told to quit, exec() returns at once each time.
@@ -28,8 +35,11 @@ ActionAnswer::Content ActionAnswer::wait()
         lock.lock();
         m_loop = nullptr;
     }
-    m_isClosed = true;
-    return std::move(m_content);
+    m_isOpen = false;
+    lock.unlock();
+    if (m_left)
+        m_apply(*m_left);
+    m_apply = nullptr;
 }
 
 } // namespace CabinetSenderSpace

@@ -5,16 +5,19 @@
 #include <QEventLoop>
 #include <QString>
 
+#include <functional>
 #include <mutex>
+#include <optional>
 #include <string>
+#include <thread>
 #include <variant>
 
 namespace CabinetSenderSpace {
 
-/// Where the callbacks of one device request leave its answer and the operation waits for it. The operation and both
-/// callbacks own it together, so a callback may come whenever it likes: the first answer that is given before the wait
-/// has ended counts, every other one changes nothing. Model and arguments are touched by the operation alone, on its
-/// own thread.
+/// The answer to one device request, between its callbacks and the operation that waits for it. All of them own it
+/// together, so a callback may come whenever and wherever it likes: the first answer before the end of the wait is
+/// applied, once, on the operation's thread; every other one changes nothing. On that thread it is applied inside the
+/// callback, also while an inner operation waits; from another thread, by the operation after its wait.
 class ActionAnswer
 {
 public:
@@ -27,23 +30,28 @@ public:
     {
         QString text;
     };
-    /// std::monostate: never answered.
-    using Content = std::variant<std::monostate, Reply, Error>;
+    using Content = std::variant<Reply, Error>;
+    /// Does what an answer means. Must not throw: the action library may be its caller's caller.
+    using Apply = std::function<void(const Content&)>;
 
-    /// Leaves an answer. Any thread.
+    /// Made on the operation's thread. What `apply` refers to lives until wait() has returned.
+    explicit ActionAnswer(Apply apply) : m_apply(std::move(apply)) {}
+
+    /// Takes an answer. Any thread.
     void give(Content content);
 
-    /// Takes the answer; if there is none yet, runs a local event loop until it is given or the thread's loops are told
-    /// to quit. Called once, on the operation's thread.
-    Content wait();
+    /// Returns once an answer has been applied, or without one when the thread's loops are told to quit; runs `loop`
+    /// meanwhile unless there is an answer already. Called once, on the operation's thread; `apply` is not called
+    /// afterwards.
+    void wait(QEventLoop& loop);
 
 private:
-    bool isOpen() const { return !m_isClosed && std::holds_alternative<std::monostate>(m_content); }
-
+    const std::thread::id m_owner = std::this_thread::get_id();
+    Apply m_apply; ///< used on the operation's thread only
     std::mutex m_mutex;
-    Content m_content;
-    bool m_isClosed = false;      ///< the wait has ended
-    QEventLoop* m_loop = nullptr; ///< runs in wait(); null otherwise
+    std::optional<Content> m_left; ///< by another thread; written while open only
+    bool m_isOpen = true;          ///< no answer was given and the wait has not ended
+    QEventLoop* m_loop = nullptr;  ///< runs in wait(); null otherwise
 };
 
 } // namespace CabinetSenderSpace

@@ -10,6 +10,7 @@
 #include <QDebug>
 #include <QFile>
 
+#include <exception>
 #include <functional>
 #include <optional>
 
@@ -87,22 +88,50 @@ void send(const DeviceAction& action, const std::string& deviceId, const std::sh
         Action::put(action.name, deviceId, action.parameters, onResult, onError, acknowledged, priority);
 }
 
-int sendToDevice(const Operation& operation, const std::string& deviceId, const CabinetList& cids)
+/// What is being thrown, for a log line. In a catch block only.
+QString thrownText()
 {
-    const auto action = operation.buildAction(deviceId, cids);
-    if (!action)
-        return ResultSkipped;
-    const auto answer = std::make_shared<ActionAnswer>();
-    send(*action, deviceId, answer);
-    const ActionAnswer::Content content = answer->wait();
+    try {
+        throw;
+    } catch (const std::exception& fault) {
+        return QString::fromUtf8(fault.what());
+    } catch (...) {
+        return QStringLiteral("unknown exception");
+    }
+}
+
+/// Records an answer: in the local model, or in the logs. Gives the device's result.
+int applyAnswer(const Operation& operation, const CabinetList& cids, const ActionAnswer::Content& content)
+{
     if (const auto* error = std::get_if<ActionAnswer::Error>(&content))
         return reportError(operation, error->text);
-    const auto* reply = std::get_if<ActionAnswer::Reply>(&content);
-    if (!reply)
-        return ResultSkipped;
-    if (operation.applyReply)
-        operation.applyReply(*reply, cids);
+    try {
+        if (operation.applyReply)
+            operation.applyReply(std::get<ActionAnswer::Reply>(content), cids);
+    } catch (...) { // by an observer of the model
+        return reportError(operation, thrownText());
+    }
     return ResultSuccess;
+}
+
+int sendToDevice(const Operation& operation, const std::string& deviceId, const CabinetList& cids)
+{
+    int result = ResultSkipped;
+    // Before the request: a thread that Qt did not start has no timers until its first loop, and no timeout ends.
+    QEventLoop loop;
+    const auto answer = std::make_shared<ActionAnswer>(
+        [&](const ActionAnswer::Content& content) { result = applyAnswer(operation, cids, content); });
+    std::optional<DeviceAction> action; // lives until the answer: an action library may refer to its parameters
+    try {
+        action = operation.buildAction(deviceId, cids);
+        if (!action)
+            return ResultSkipped;
+        send(*action, deviceId, answer);
+    } catch (...) {
+        answer->give(ActionAnswer::Error{thrownText()});
+    }
+    answer->wait(loop);
+    return result;
 }
 
 /// The one loop of all sending operations: serves the devices one after the other, whatever became of those before.

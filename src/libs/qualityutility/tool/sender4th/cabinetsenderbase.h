@@ -32,8 +32,8 @@ enum SenderResult : int {
 ///
 /// The operations block until every device has answered and report the result of the last device only: for each
 /// device's own result, call once per device. While waiting they run a local event loop, so they are called on a thread
-/// that may run one, normally the GUI thread, and must not be called again from an event handler meanwhile. Nothing
-/// throws.
+/// that may run one, normally the GUI thread, and must not be called again from an event handler meanwhile. The local
+/// model and the logs take an answer as it arrives, before any later event of that thread. Nothing throws.
 class QUALITYUTILITY_EXPORT CabinetSenderBase : public QObject
 {
     Q_OBJECT

@@ -13,6 +13,8 @@
 #include <qualityutility/tool/sender4th/cabinetsender.h>
 #include <qualityutility/tool/sender4th/cabinetsender4th.h>
 
+#include <future>
+
 using namespace CabinetSenderSpace;
 using Service::ModelService;
 using Simulator::RecordingTransport;
@@ -92,7 +94,11 @@ private Q_SLOTS:
         answerWith(RecordingTransport::confirm);
     }
 
-    void cleanup() { Action::setTransport(nullptr); }
+    void cleanup()
+    {
+        Action::setTransport(nullptr);
+        Action::setTimeoutUnit(std::chrono::seconds(1));
+    }
 
     void grayTableTravelsByteForByte_data()
     {
@@ -175,6 +181,21 @@ private Q_SLOTS:
         QTEST(m_sender.setGrayScaleTable(targets, {}, {}, {}, {}, 60), "result");
         QTEST(log.take(), "log");
         QCOMPARE(m_transport->requests().size(), targets.size());
+    }
+
+    void aSilentDeviceTimesOutOnAThreadThatQtDidNotStart()
+    {
+        answerWith(nullptr);
+        Action::setTimeoutUnit(std::chrono::milliseconds(1));
+        LogCapture log;
+        auto result = std::async(std::launch::async, [] {
+            return CabinetSender::setGrayScaleTable({{"a", {1}}}, Bytes{}, Bytes{}, Bytes{}, Bytes{}, 60);
+        });
+        if (result.wait_for(std::chrono::seconds(5)) == std::future_status::timeout)
+            request().responder.fail("released by the test"); // or it would wait for ever
+        QCOMPARE(result.get(), 15);
+        QCOMPARE(log.take().last(), "spdlog error: setGrayScaleTable error:timeout: no answer for "
+                                    "Device_CorrectionGrayCoeff to device a within 0.004 s");
     }
 
     void effectModeToSend_data()

@@ -52,7 +52,11 @@ std::shared_ptr<RequestHandle> put(const std::string&, const std::string&, const
 
 } // namespace Action
 
+/// How an answer arrives: given what answers a request and what looks at the outcome right afterwards.
+using Arrival = std::function<OnSend(const OnSend& answer, const std::function<void()>& look)>;
+
 Q_DECLARE_METATYPE(OnSend)
+Q_DECLARE_METATYPE(Arrival)
 
 class SenderWaitingTest : public QObject
 {
@@ -120,6 +124,75 @@ private Q_SLOTS:
         for (int i = 0; i < 50; ++i) // an answer from a thread may come before, while or after the wait begins
             QCOMPARE(send({{"a", {1}}}), result);
         QCOMPARE(isMarked(), result == 0);
+    }
+
+    void anAnswerIsAppliedAsItArrives_data()
+    {
+        QTest::addColumn<Arrival>("arrival");
+        const Arrival inside = [](const OnSend& answer, const auto& look) {
+            return [=](const Kept& request) {
+                answer(request);
+                look();
+            };
+        };
+        const Arrival queued = [inside](const OnSend& answer, const auto& look) {
+            return [=](const Kept& request) { QTimer::singleShot(0, [=] { inside(answer, look)(request); }); };
+        };
+        // The outer request starts an inner one, which sees to the answer of the outer before it gets its own.
+        const auto nested = [](const Arrival& outer) {
+            return Arrival([outer](const OnSend& answer, const auto& look) {
+                return [=](const Kept&) {
+                    if (s_kept.size() == 1) {
+                        QTimer::singleShot(0, [] { send({{"a", {}}}); });
+                        return;
+                    }
+                    outer(answer, look)(s_kept.front());
+                    QTimer::singleShot(0, [] { s_kept.back().onResult({}, "a"); });
+                };
+            });
+        };
+        QTest::newRow("inside the call") << inside;
+        QTest::newRow("queued") << queued;
+        QTest::newRow("inside an inner call") << nested(inside);
+        QTest::newRow("during an inner wait") << nested(queued);
+    }
+
+    void anAnswerIsAppliedAsItArrives()
+    {
+        QFETCH(Arrival, arrival);
+        bool wasMarked = false;
+        s_onSend = arrival(confirm, [&] { wasMarked = isMarked(); });
+        QCOMPARE(send({{"a", {1}}}), 0);
+        QVERIFY(wasMarked);
+
+        s_kept.clear();
+        m_log->take();
+        QStringList log;
+        s_onSend = arrival([](const Kept& request) { request.onError("no"); }, [&] { log = m_log->take(); });
+        QCOMPARE(send({{"a", {1}}}), 15);
+        QCOMPARE(log, QStringList({"critical default: put error!!!", "spdlog error: setGrayScaleTable error:no"}));
+    }
+
+    void whatIsThrownIsAnErrorOfItsDevice_data()
+    {
+        QTest::addColumn<OnSend>("onSend");
+        QTest::addColumn<QString>("text");
+        const OnSend queued = [](const Kept& request) { QTimer::singleShot(0, [=] { confirm(request); }); };
+        const OnSend throws = [](const Kept&) { throw 7; };
+        QTest::newRow("by the action library") << throws << "unknown exception";
+        QTest::newRow("by an observer inside the call") << OnSend(confirm) << "no window";
+        QTest::newRow("by an observer in the wait") << queued << "no window";
+    }
+
+    void whatIsThrownIsAnErrorOfItsDevice()
+    {
+        QFETCH(OnSend, onSend);
+        QFETCH(QString, text);
+        s_onSend = onSend;
+        m_cabinet->getDisplayEffectPara().setObserver([](auto) { throw std::runtime_error("no window"); });
+        QCOMPARE(send({{"a", {1}}}), 15);
+        QCOMPARE(m_log->take().last(), "spdlog error: setGrayScaleTable error:" + text);
+        confirm(s_kept.front()); // nothing of the operation is left for it to touch
     }
 
     void aCallbackThatOutlivesItsOperationChangesNothing()
