@@ -138,7 +138,8 @@ int sendToDevice(const Operation& operation, const std::string& deviceId, const 
 int sendToEachDevice(const CabinetTargetMap& targets, const Operation& operation)
 {
     int result = ResultSkipped;
-    for (const auto& [deviceId, cids] : targets)
+    // A copy: what runs during a wait may change the caller's map, and the model is told what was sent.
+    for (const auto& [deviceId, cids] : CabinetTargetMap(targets))
         result = sendToDevice(operation, deviceId, cids);
     return result;
 }

@@ -363,12 +363,14 @@ private Q_SLOTS:
 
     void targetGamutGoesToTheCabinetsOfTheRequestAndMeasureToThoseOfTheReply()
     {
-        answerWith([](const Recorded& sent) {
+        CabinetTargetMap targets{{"a", {1}}};
+        answerWith([&](const Recorded& sent) {
+            targets.clear(); // by its owner, during the wait
             Parameters reply;
             reply.insert("cids", CabinetList{3});
             sent.responder.reply(reply);
         });
-        m_sender.uploadNiccData({{"a", {1}}}, gamut());
+        m_sender.uploadNiccData(targets, gamut());
         QCOMPARE(effect("a", 1).getTargetColorGamut(), gamut());
         QCOMPARE(effect("a", 3).getTargetColorGamut(), Model::ColorGamutInfo());
 
