@@ -25,6 +25,8 @@ constexpr int switchModeCorrection = 5;
 constexpr int fullScaleG4 = 1023;
 constexpr int fullScaleOther = 255;
 constexpr int rvcardBinTimeout = 100;
+/// In bytes. Base64 makes four of three, and QByteArray counts them in an int: 2,000,000,000 of at most 2,147,483,647.
+constexpr qint64 largestBinary = 1'500'000'000;
 
 /// One device action, ready to be sent.
 struct DeviceAction
@@ -207,6 +209,13 @@ std::vector<unsigned char> toVector(const QList<unsigned char>& list)
     return {list.begin(), list.end()};
 }
 
+std::string base64Of(QFile& file)
+{
+    // A file that cannot be opened reads as empty and is sent so.
+    const QByteArray content = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return content.toBase64().toStdString();
+}
+
 } // namespace
 
 CabinetSender4th::CabinetSender4th(QObject* parent) : CabinetSenderBase(parent), m_timeoutPerCabinet(4) {}
@@ -362,15 +371,21 @@ int CabinetSender4th::sendRvcardBin(const CabinetTargetMap& targets, const QStri
     traceEntry({__FILE__, __LINE__, __func__});
     Operation operation{"sendRvcardBin error:{}"};
     operation.logsPutError = false;
-    QFile file(filePath);
-    if (!file.exists()) {
+    // The static function: the member says true for a symbolic link to nothing.
+    if (!QFile::exists(filePath)) {
         qCritical() << "file" << filePath << "not find!!!";
         return reportError(operation, {});
     }
-    // A file that cannot be opened reads as empty and is sent so.
-    const QByteArray content = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    file.close();
-    const std::string text = content.toBase64().toStdString();
+    QFile file(filePath);
+    if (file.size() > largestBinary)
+        return reportError(operation, QStringLiteral("file %1 has %2 bytes, expected at most %3")
+                                          .arg(filePath, QString::number(file.size()), QString::number(largestBinary)));
+    std::string text;
+    try {
+        text = base64Of(file);
+    } catch (...) { // out of memory
+        return reportError(operation, thrownText());
+    }
     operation.buildAction = [&](const std::string&, const CabinetList& cids) -> std::optional<DeviceAction> {
         DeviceAction action{"Device_M_RvCardBin", {}};
         action.parameters.insert("idList", cids);

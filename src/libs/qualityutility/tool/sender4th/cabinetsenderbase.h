@@ -22,8 +22,8 @@ using CabinetTargetMap = std::map<std::string, std::vector<unsigned long long>>;
 /// What the operations return.
 enum SenderResult : int {
     ResultSuccess = 0,
-    ResultSkipped = 1,            ///< the last device was skipped or never answered, or there was none
-    ResultActionError = 15,       ///< the last device's action failed, or the file to send does not exist
+    ResultSkipped = 1,      ///< the last device was skipped or never answered, or there was none
+    ResultActionError = 15, ///< the last device's action failed, or the file to send does not exist or is too large
     ResultInvalidParameter = 103, ///< no usable target, or the cabinet is not in the local model
     ResultNotDelivered = 105,     ///< third generation: every failure
 };
@@ -74,8 +74,9 @@ public:
     /// Sends the measured gamut: primaries and white point. Confirmed cabinets take it into the local model.
     virtual int uploadNiccMeasure(const CabinetTargetMap& targets, const Model::ColorGamutInfo& info) = 0;
 
-    /// Sends a receiving-card binary, unchanged. The file is read and encoded once and held in memory whole. A file
-    /// that exists but cannot be opened is sent as empty: check it before.
+    /// Sends a receiving-card binary, unchanged. The file is read and encoded once and held in memory whole; one of
+    /// more than 1.5 GB is refused with ResultActionError. A file that exists but cannot be opened is sent as empty:
+    /// check it before.
     virtual int sendRvcardBin(const CabinetTargetMap& targets, const QString& filePath) = 0;
 };
 

@@ -426,15 +426,35 @@ private Q_SLOTS:
         QCOMPARE(log.take(), QStringList());
     }
 
+    void aBinaryThatCannotBeReadIsNotSent_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QStringList>("log");
+        const QString absent = m_folder.filePath("absent.bin");
+        const QString link = m_folder.filePath("link.bin");
+        const QString large = writeFile(m_folder.filePath("large.bin"), {});
+        QVERIFY(QFile::link(absent, link) && QFile::resize(large, 1'700'000'000)); // sparse
+        const QString missing = "critical default: file \"%1\" not find!!!";
+        const QString error = "spdlog error: sendRvcardBin error:";
+        QTest::newRow("absent") << absent << QStringList{missing.arg(absent), error};
+        QTest::newRow("a symbolic link to nothing") << link << QStringList{missing.arg(link), error};
+        QTest::newRow("larger than its text can be")
+            << large << QStringList(error + "file " + large + " has 1700000000 bytes, expected at most 1500000000");
+    }
+
+    void aBinaryThatCannotBeReadIsNotSent()
+    {
+        QFETCH(QString, path);
+        LogCapture log;
+        QCOMPARE(CabinetSender::sendRvcardBin({{"a", {1}}}, path), 15);
+        QTEST(log.take(), "log");
+        QCOMPARE(CabinetSender::sendRvcardBin({}, path), 15);
+        QVERIFY(m_transport->requests().empty());
+    }
+
     void failuresOfABinaryLogNoPutError()
     {
-        const QString path = m_folder.filePath("absent.bin");
         LogCapture log;
-        QCOMPARE(CabinetSender::sendRvcardBin({}, path), 15);
-        QCOMPARE(log.take(), QStringList({"critical default: file \"" + path + "\" not find!!!",
-                                          "spdlog error: sendRvcardBin error:"}));
-        QVERIFY(m_transport->requests().empty());
-
         answerWith([](const Recorded& sent) { sent.responder.fail("no space"); });
         QCOMPARE(CabinetSender::sendRvcardBin({{"a", {1}}}, m_folder.path()), 15);
         QCOMPARE(log.take(), QStringList("spdlog error: sendRvcardBin error:no space"));
