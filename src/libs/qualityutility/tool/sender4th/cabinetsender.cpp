@@ -8,9 +8,9 @@ namespace {
 
 // Made at the first call rather than when the library is loaded: a facade call from another unit's static initialiser
 // finds it ready, and loading from a worker thread does not make that thread Qt's main thread. Never deleted.
-CabinetSenderBase& sender()
+CabinetSender4th& sender()
 {
-    static CabinetSenderBase* const s_pSender = new CabinetSender4th(nullptr);
+    static auto* const s_pSender = new CabinetSender4th(nullptr);
     return *s_pSender;
 }
 
@@ -70,6 +70,11 @@ int CabinetSender::gamutCorrectEffectMode(const CabinetTargetMap& targets, bool 
 int CabinetSender::sendRvcardBin(const CabinetTargetMap& targets, const QString& filePath)
 {
     return sender().sendRvcardBin(targets, filePath);
+}
+
+int CabinetSender::sendRvcardContent(const CabinetTargetMap& targets, const QByteArray& content)
+{
+    return sender().sendRvcardContent(targets, content);
 }
 
 } // namespace CabinetSenderSpace

@@ -31,6 +31,8 @@ public:
     static int uploadNiccMeasure(const CabinetTargetMap& targets, const Model::ColorGamutInfo& info);
     static int gamutCorrectEffectMode(const CabinetTargetMap& targets, bool gamutOn, bool enable);
     static int sendRvcardBin(const CabinetTargetMap& targets, const QString& filePath);
+    /// As sendRvcardBin, for a binary that has been read already: at most 1,500,000,000 bytes.
+    static int sendRvcardContent(const CabinetTargetMap& targets, const QByteArray& content);
 };
 
 } // namespace CabinetSenderSpace

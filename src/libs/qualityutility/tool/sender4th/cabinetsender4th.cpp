@@ -1,8 +1,7 @@
 #include "cabinetsender4th.h"
 
-#include "actionanswer_p.h"
+#include "sendloop_p.h"
 
-#include <suite/action/action.h>
 #include <suite/logging/spdlogapplication.h>
 #include <suite/model/colorgamutinfo.h>
 #include <suite/service/modelservice.h>
@@ -10,15 +9,12 @@
 #include <QDebug>
 #include <QFile>
 
-#include <exception>
 #include <functional>
 #include <optional>
 
 namespace CabinetSenderSpace {
 
 namespace {
-
-using CabinetList = std::vector<unsigned long long>;
 
 constexpr int gamutCorrectionBit = 8;
 constexpr int switchModeCorrection = 5;
@@ -27,28 +23,6 @@ constexpr int fullScaleOther = 255;
 constexpr int rvcardBinTimeout = 100;
 /// In bytes. Base64 makes four of three, and QByteArray counts them in an int: 2,000,000,000 of at most 2,147,483,647.
 constexpr qint64 largestBinary = 1'500'000'000;
-
-/// One device action, ready to be sent.
-struct DeviceAction
-{
-    enum class Method { Put, Post };
-
-    const char* name;
-    Parameters parameters;
-    Method method = Method::Put;
-};
-
-/// What tells one operation from another.
-struct Operation
-{
-    const char* errorFormat;
-    /// Builds the action for one device; none skips the device.
-    std::function<std::optional<DeviceAction>(const std::string& deviceId, const CabinetList& cids)> buildAction =
-        nullptr;
-    /// Records what the reply means for the local model; empty when it means nothing.
-    std::function<void(const ActionAnswer::Reply& reply, const CabinetList& sentCids)> applyReply = nullptr;
-    bool logsPutError = true;
-};
 
 spdlog::logger& logger()
 {
@@ -66,84 +40,6 @@ void traceEntry(const spdlog::source_loc& operation)
         logger().log(spdlog::source_loc{__FILE__, __LINE__, function}, spdlog::level::trace, " LEAVE ");
     };
     leave(nullptr);
-}
-
-int reportError(const Operation& operation, const QString& text)
-{
-    if (operation.logsPutError)
-        qCritical() << "put error!!!";
-    logger().error(fmt::runtime(operation.errorFormat), text.toStdString());
-    return ResultActionError;
-}
-
-void send(const DeviceAction& action, const std::string& deviceId, const std::shared_ptr<ActionAnswer>& answer)
-{
-    const auto onResult = [answer](Parameters values, std::string from) {
-        answer->give(ActionAnswer::Reply{std::move(values), std::move(from)});
-    };
-    const auto onError = [answer](const QString& text) { answer->give(ActionAnswer::Error{text}); };
-    constexpr bool acknowledged = true;
-    constexpr auto priority = static_cast<PackagePriority>(0);
-    if (action.method == DeviceAction::Method::Post)
-        Action::post(action.name, deviceId, action.parameters, onResult, onError, {}, acknowledged, priority);
-    else
-        Action::put(action.name, deviceId, action.parameters, onResult, onError, acknowledged, priority);
-}
-
-/// What is being thrown, for a log line. In a catch block only.
-QString thrownText()
-{
-    try {
-        throw;
-    } catch (const std::exception& fault) {
-        return QString::fromUtf8(fault.what());
-    } catch (...) {
-        return QStringLiteral("unknown exception");
-    }
-}
-
-/// Records an answer: in the local model, or in the logs. Gives the device's result.
-int applyAnswer(const Operation& operation, const CabinetList& cids, const ActionAnswer::Content& content)
-{
-    if (const auto* error = std::get_if<ActionAnswer::Error>(&content))
-        return reportError(operation, error->text);
-    try {
-        if (operation.applyReply)
-            operation.applyReply(std::get<ActionAnswer::Reply>(content), cids);
-    } catch (...) { // by an observer of the model
-        return reportError(operation, thrownText());
-    }
-    return ResultSuccess;
-}
-
-int sendToDevice(const Operation& operation, const std::string& deviceId, const CabinetList& cids)
-{
-    int result = ResultSkipped;
-    // Before the request: a thread that Qt did not start has no timers until its first loop, and no timeout ends.
-    QEventLoop loop;
-    const auto answer = std::make_shared<ActionAnswer>(
-        [&](const ActionAnswer::Content& content) { result = applyAnswer(operation, cids, content); });
-    std::optional<DeviceAction> action; // lives until the answer: an action library may refer to its parameters
-    try {
-        action = operation.buildAction(deviceId, cids);
-        if (!action)
-            return ResultSkipped;
-        send(*action, deviceId, answer);
-    } catch (...) {
-        answer->give(ActionAnswer::Error{thrownText()});
-    }
-    answer->wait(loop);
-    return result;
-}
-
-/// The one loop of all sending operations: serves the devices one after the other, whatever became of those before.
-int sendToEachDevice(const CabinetTargetMap& targets, const Operation& operation)
-{
-    int result = ResultSkipped;
-    // A copy: what runs during a wait may change the caller's map, and the model is told what was sent.
-    for (const auto& [deviceId, cids] : CabinetTargetMap(targets))
-        result = sendToDevice(operation, deviceId, cids);
-    return result;
 }
 
 /// Calls `update` with the display-effect record of each of `cids` that the local model holds under `deviceId`.
@@ -209,11 +105,32 @@ std::vector<unsigned char> toVector(const QList<unsigned char>& list)
     return {list.begin(), list.end()};
 }
 
-std::string base64Of(QFile& file)
+Operation rvcardBinOperation()
 {
-    // A file that cannot be opened reads as empty and is sent so.
-    const QByteArray content = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    return content.toBase64().toStdString();
+    Operation operation{"sendRvcardBin error:{}"};
+    operation.logsPutError = false;
+    return operation;
+}
+
+QString tooLarge(const QString& subject, qint64 bytes)
+{
+    return QStringLiteral("%1 has %2 bytes, expected at most %3")
+        .arg(subject, QString::number(bytes), QString::number(largestBinary));
+}
+
+/// Encodes a binary once and sends it to every device. May throw where memory is short.
+int sendRvcardText(const CabinetTargetMap& targets, const QByteArray& content)
+{
+    Operation operation = rvcardBinOperation();
+    operation.buildAction = [text = content.toBase64().toStdString()](
+                                const std::string&, const CabinetList& cids) -> std::optional<DeviceAction> {
+        DeviceAction action{"Device_M_RvCardBin", {}};
+        action.parameters.insert("idList", cids);
+        action.parameters.insert("bin", text);
+        action.parameters.options().insert("timeout", rvcardBinTimeout);
+        return action;
+    };
+    return sendToEachDevice(targets, operation);
 }
 
 } // namespace
@@ -369,31 +286,32 @@ int CabinetSender4th::uploadNiccMeasure(const CabinetTargetMap& targets, const M
 int CabinetSender4th::sendRvcardBin(const CabinetTargetMap& targets, const QString& filePath)
 {
     traceEntry({__FILE__, __LINE__, __func__});
-    Operation operation{"sendRvcardBin error:{}"};
-    operation.logsPutError = false;
     // The static function: the member says true for a symbolic link to nothing.
     if (!QFile::exists(filePath)) {
         qCritical() << "file" << filePath << "not find!!!";
-        return reportError(operation, {});
+        return reportError(rvcardBinOperation(), {});
     }
     QFile file(filePath);
     if (file.size() > largestBinary)
-        return reportError(operation, QStringLiteral("file %1 has %2 bytes, expected at most %3")
-                                          .arg(filePath, QString::number(file.size()), QString::number(largestBinary)));
-    std::string text;
+        return reportError(rvcardBinOperation(), tooLarge(QStringLiteral("file ") + filePath, file.size()));
     try {
-        text = base64Of(file);
+        // A file that cannot be opened reads as empty and is sent so.
+        return sendRvcardText(targets, file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray());
     } catch (...) { // out of memory
-        return reportError(operation, thrownText());
+        return reportError(rvcardBinOperation(), thrownText());
     }
-    operation.buildAction = [&](const std::string&, const CabinetList& cids) -> std::optional<DeviceAction> {
-        DeviceAction action{"Device_M_RvCardBin", {}};
-        action.parameters.insert("idList", cids);
-        action.parameters.insert("bin", text);
-        action.parameters.options().insert("timeout", rvcardBinTimeout);
-        return action;
-    };
-    return sendToEachDevice(targets, operation);
+}
+
+int CabinetSender4th::sendRvcardContent(const CabinetTargetMap& targets, const QByteArray& content)
+{
+    traceEntry({__FILE__, __LINE__, "sendRvcardBin"}); // one operation, whatever brings the content
+    if (content.size() > largestBinary)
+        return reportError(rvcardBinOperation(), tooLarge(QStringLiteral("content"), content.size()));
+    try {
+        return sendRvcardText(targets, content);
+    } catch (...) { // out of memory
+        return reportError(rvcardBinOperation(), thrownText());
+    }
 }
 
 } // namespace CabinetSenderSpace

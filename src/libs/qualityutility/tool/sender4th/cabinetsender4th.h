@@ -27,6 +27,9 @@ public:
     int uploadNiccMeasure(const CabinetTargetMap& targets, const Model::ColorGamutInfo& info) override;
     int sendRvcardBin(const CabinetTargetMap& targets, const QString& filePath) override;
 
+    /// As sendRvcardBin, for a binary that has been read already.
+    int sendRvcardContent(const CabinetTargetMap& targets, const QByteArray& content);
+
 private:
     int timeoutFor(const std::vector<unsigned long long>& cids) const;
 

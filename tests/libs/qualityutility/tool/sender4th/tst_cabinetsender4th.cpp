@@ -12,6 +12,7 @@
 #include <QTimer>
 #include <qualityutility/tool/sender4th/cabinetsender.h>
 #include <qualityutility/tool/sender4th/cabinetsender4th.h>
+#include <qualityutility/tool/sender4th/deviceoutcomes.h>
 
 #include <future>
 
@@ -155,13 +156,16 @@ private Q_SLOTS:
         QTest::addColumn<CabinetTargetMap>("targets");
         QTest::addColumn<int>("result");
         QTest::addColumn<QStringList>("log");
+        QTest::addColumn<QStringList>("outcomes");
         const QString line = "spdlog error: setGrayScaleTable error:no power";
-        QTest::newRow("no device") << "" << CabinetTargetMap{} << 1 << QStringList();
-        QTest::newRow("all answer") << "" << CabinetTargetMap{{"a", {1}}, {"b", {1}}} << 0 << QStringList();
-        QTest::newRow("first fails") << "a" << CabinetTargetMap{{"a", {1}}, {"b", {1}}} << 0
-                                     << QStringList({putError, line});
-        QTest::newRow("last fails") << "b" << CabinetTargetMap{{"a", {1}}, {"b", {1}}} << 15
-                                    << QStringList({putError, line});
+        const CabinetTargetMap both{{"a", {1, 2}}, {"b", {1}}};
+        QTest::newRow("no device") << "" << CabinetTargetMap{} << 1 << QStringList() << QStringList();
+        QTest::newRow("all answer") << "" << both << 0 << QStringList()
+                                    << QStringList({"a confirmed 2", "b confirmed 1"});
+        QTest::newRow("first fails") << "a" << both << 0 << QStringList({putError, line})
+                                     << QStringList({"a failed: no power", "b confirmed 1"});
+        QTest::newRow("last fails") << "b" << both << 15 << QStringList({putError, line})
+                                    << QStringList({"a confirmed 2", "b failed: no power"});
     }
 
     void theLastDeviceDecidesTheResult()
@@ -171,6 +175,9 @@ private Q_SLOTS:
         answerWith([failing](const Recorded& sent) {
             // Queued, as a real device answers.
             QTimer::singleShot(0, [sent, failing] {
+                if (sent.action != "Device_CorrectionGrayCoeff")
+                    return RecordingTransport::confirm(sent); // the handler's own operation, below
+                CabinetSender::setColorManageMode({{"a", {1}}}, {});
                 if (QString::fromStdString(sent.deviceId) == failing)
                     sent.responder.fail("no power");
                 else
@@ -178,9 +185,16 @@ private Q_SLOTS:
             });
         });
         LogCapture log;
+        const DeviceOutcomes outcomes;
         QTEST(m_sender.setGrayScaleTable(targets, {}, {}, {}, {}, 60), "result");
         QTEST(log.take(), "log");
-        QCOMPARE(m_transport->requests().size(), targets.size());
+        QStringList told; // what the handlers did is not among them
+        for (const DeviceOutcome& outcome : outcomes.list())
+            told << QString::fromStdString(outcome.deviceId) +
+                        (outcome.kind == DeviceOutcome::Kind::Confirmed
+                             ? " confirmed " + QString::number(outcome.confirmed.size())
+                             : " failed: " + outcome.error);
+        QTEST(told, "outcomes");
     }
 
     void aSilentDeviceTimesOutOnAThreadThatQtDidNotStart()
@@ -416,6 +430,8 @@ private Q_SLOTS:
         QTEST(QString::fromStdString(request(0).parameters.get<std::string>("bin")), "text");
         QTEST(QString::fromStdString(request(1).parameters.get<std::string>("bin")), "text");
         QCOMPARE(CabinetSender::sendRvcardBin({}, file), 1);
+        QCOMPARE(CabinetSender::sendRvcardContent({{"a", {1}}}, content), 0);
+        QTEST(QString::fromStdString(request(2).parameters.get<std::string>("bin")), "text");
     }
 
     void aFolderInPlaceOfABinaryIsSentAsEmpty()
