@@ -3,6 +3,7 @@
 #include <suite/model/lxy.h>
 
 #include <QJsonObject>
+#include <QMutex>
 #include <QPointer>
 #include <qualityutility/tool/sender3th/clientsession.h>
 #include <qualityutility/tool/sender4th/cabinetsenderbase.h>

@@ -11,7 +11,8 @@
 namespace CabinetSenderSpace {
 
 ClientSession::ClientSession(QObject* parent)
-    : QObject(parent), m_socket(new QTcpSocket), m_receiver(std::make_unique<HubFrame::Receiver>())
+    : QObject(parent), m_socket(new QTcpSocket), m_receiver(std::make_unique<HubFrame::Receiver>()),
+      m_resultCache(std::make_unique<HubFrame::ReplyQueue>())
 {
     connect(m_socket, &QTcpSocket::connected, this, &ClientSession::slot_Connected);
     connect(m_socket, &QTcpSocket::disconnected, this, &ClientSession::slot_DisConnect);
@@ -93,13 +94,8 @@ bool ClientSession::getResultFromCache(QByteArray& result)
         return false;
     for (int i = 0;;) {
         logInfo("wait for ", i, "second...");
-        {
-            const QMutexLocker lock(&m_cacheMutex);
-            if (!m_resultCache.isEmpty()) {
-                result = m_resultCache.takeFirst();
-                break;
-            }
-        }
+        if (m_resultCache->take(result))
+            break;
         // A socket that is closed returns at once: a bounded wait is then over soon, an unbounded one must not spin.
         if (!m_socket->waitForReadyRead(m_readWait) && m_waitWithoutLimit &&
             m_socket->state() == QAbstractSocket::UnconnectedState)
@@ -130,10 +126,7 @@ bool ClientSession::initPackData()
 
 void ClientSession::slot_ReadMessage()
 {
-    QList<QByteArray> complete;
-    m_receiver->receive(*m_socket, [&complete](const QByteArray& payload) { complete.append(payload); });
-    const QMutexLocker lock(&m_cacheMutex);
-    m_resultCache += complete;
+    m_receiver->receive(*m_socket, [this](const QByteArray& payload) { m_resultCache->add(payload); });
 }
 
 void ClientSession::slot_SocketError(QAbstractSocket::SocketError socketErr)

@@ -2,8 +2,6 @@
 
 #include <QAbstractSocket>
 #include <QByteArray>
-#include <QList>
-#include <QMutex>
 #include <QObject>
 #include <QString>
 #include <QTimer>
@@ -15,7 +13,8 @@ class QTcpSocket;
 
 namespace HubFrame {
 class Receiver;
-}
+class ReplyQueue;
+} // namespace HubFrame
 
 namespace CabinetSenderSpace {
 
@@ -78,8 +77,7 @@ private:
     quint16 m_port = 0;
     QTimer m_reconnectTimer;
     std::unique_ptr<HubFrame::Receiver> m_receiver;
-    QList<QByteArray> m_resultCache; ///< oldest first
-    QMutex m_cacheMutex;             ///< guards the cache; never held across a wait
+    std::unique_ptr<HubFrame::ReplyQueue> m_resultCache;
     int m_reconnectInterval = 5000;
     int m_connectWait = 500;
     int m_readWait = 1000;

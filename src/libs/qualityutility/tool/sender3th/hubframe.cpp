@@ -25,6 +25,12 @@ int appendText(const QByteArray& bytes, QByteArray& body)
     return text.size();
 }
 
+/// What a queued reply costs, beside its bytes about what a list and an allocation take.
+qint64 cost(const QByteArray& reply)
+{
+    return reply.size() + 64;
+}
+
 } // namespace
 
 QByteArray pack(const QByteArray& payload)
@@ -43,13 +49,24 @@ void Receiver::reset()
 {
     m_headerMissing = headerLength;
     m_bodyExpected = 0;
+    m_isSpoiled = false;
     m_header.clear();
     m_body.clear();
 }
 
 void Receiver::receive(QIODevice& device, const std::function<void(const QByteArray& payload)>& complete)
 {
-    while (m_headerMissing > 0 ? receiveHeader(device) : receiveBody(device, complete)) {
+    const auto receivePart = [&] {
+        if (m_isSpoiled)
+            return dropArrived(device);
+        return m_headerMissing > 0 ? receiveHeader(device) : receiveBody(device, complete);
+    };
+    while (receivePart()) {
+    }
+    // A frame without payload ends the reading of its arrival: a stream of them would pile up in the device.
+    if (device.bytesAvailable() > m_limit) {
+        spoil();
+        dropArrived(device);
     }
 }
 
@@ -63,6 +80,8 @@ bool Receiver::receiveHeader(QIODevice& device)
     logInfo("pack header read success");
     m_bodyExpected = payloadLength(m_header);
     logInfo("data length", m_bodyExpected);
+    if (m_bodyExpected > m_limit)
+        spoil();
     if (m_bodyExpected > 0)
         return true;
     reset(); // a frame without payload is dropped
@@ -78,10 +97,50 @@ bool Receiver::receiveBody(QIODevice& device, const std::function<void(const QBy
     }
     if (m_bodyExpected != characters) {
         m_bodyExpected -= characters;
+        if (m_bodyExpected < 0)
+            spoil();
         return true;
     }
     complete(m_body);
     reset();
+    return true;
+}
+
+void Receiver::spoil()
+{
+    m_isSpoiled = true;
+    m_body.clear();
+}
+
+bool Receiver::dropArrived(QIODevice& device)
+{
+    const int size = device.readAll().size();
+    if (size == 0) {
+        logInfo("recv empty");
+        return false;
+    }
+    logInfo("bytes dropped", size);
+    return true;
+}
+
+void ReplyQueue::add(const QByteArray& reply)
+{
+    const QMutexLocker lock(&m_mutex);
+    if (!m_replies.isEmpty() && m_bytes + cost(reply) > m_limit) {
+        logInfo("reply dropped", reply.size());
+        return;
+    }
+    m_replies.append(reply);
+    m_bytes += cost(reply);
+}
+
+bool ReplyQueue::take(QByteArray& reply)
+{
+    const QMutexLocker lock(&m_mutex);
+    if (m_replies.isEmpty())
+        return false;
+    reply = m_replies.takeFirst();
+    m_bytes -= cost(reply);
     return true;
 }
 

@@ -2,6 +2,8 @@
 
 #include <QByteArray>
 #include <QIODevice>
+#include <QList>
+#include <QMutex>
 
 #include <functional>
 
@@ -9,6 +11,9 @@
 namespace HubFrame {
 
 constexpr int headerLength = 4;
+
+/// What a peer may make this process keep, in bytes: no reply of a hub comes near it.
+constexpr qint32 maxKept = 64 * 1024 * 1024;
 
 /// Header and payload.
 QByteArray pack(const QByteArray& payload);
@@ -22,23 +27,56 @@ qint32 payloadLength(const QByteArray& header);
 /// body: payloads are expected to be ASCII, and bytes of a following frame that arrive in the same read spoil the body
 /// they are taken into. The count then runs past zero and nothing more is queued until reset(). Hubs and earlier
 /// clients depend on each other's frames being exchanged one at a time, so this stays.
+///
+/// The same spoils a frame that announces more than may be kept. What belongs to a spoiled frame is read, logged and
+/// dropped, so that a peer that streams for minutes costs no more memory than one arrival.
 class Receiver
 {
 public:
-    /// Takes what `device` has and appends complete payloads to `complete`.
+    /// `limit`: the largest payload that is kept, and how much an arrival may leave unread.
+    explicit Receiver(qint32 limit = maxKept) : m_limit(limit) {}
+
+    /// Takes what `device` has and gives complete payloads to `complete`.
     void receive(QIODevice& device, const std::function<void(const QByteArray& payload)>& complete);
 
     /// Forgets the frame that is being received.
     void reset();
 
+    /// The memory that the body of the unfinished frame takes, in bytes.
+    int keptBytes() const { return m_body.capacity(); }
+
 private:
     bool receiveHeader(QIODevice& device);
     bool receiveBody(QIODevice& device, const std::function<void(const QByteArray& payload)>& complete);
+    bool dropArrived(QIODevice& device);
+    void spoil();
 
+    qint32 m_limit;
     qint32 m_bodyExpected = 0;
     qint32 m_headerMissing = headerLength;
+    bool m_isSpoiled = false;
     QByteArray m_header;
     QByteArray m_body;
+};
+
+/// Complete replies, oldest first, shared by reception and the wait for a reply. All functions may be called from any
+/// thread.
+class ReplyQueue
+{
+public:
+    /// `limit`: the bytes that it holds; one reply is taken whatever its size.
+    explicit ReplyQueue(qint64 limit = maxKept) : m_limit(limit) {}
+
+    /// Appends a reply. One for which there is no room is logged and dropped: nobody asks for that many.
+    void add(const QByteArray& reply);
+    /// Takes the oldest; false when there is none.
+    bool take(QByteArray& reply);
+
+private:
+    qint64 m_limit;
+    qint64 m_bytes = 0;
+    QList<QByteArray> m_replies;
+    QMutex m_mutex;
 };
 
 } // namespace HubFrame

@@ -128,6 +128,55 @@ private Q_SLOTS:
         QTEST(received(parts), "queued");
     }
 
+    void aPeerThatStreamsIsNotKept_data()
+    {
+        QTest::addColumn<QByteArray>("begin");
+        QTest::addColumn<QByteArray>("stream");
+        const QByteArray megabyte(1024 * 1024, 'x');
+        QTest::newRow("more than any reply announced") << QByteArray("\1\0\x20\0", 4) << megabyte;
+        QTest::newRow("count past zero") << HubFrame::pack(first) + "x" << megabyte;
+        QTest::newRow("count past zero, not ASCII") << HubFrame::pack(first) + "\xc3\xa4" << megabyte + "\xc3\xa4";
+        QTest::newRow("frames without payload") << QByteArray() << QByteArray(1024 * 1024, '\0');
+    }
+
+    void aPeerThatStreamsIsNotKept()
+    {
+        QFETCH(QByteArray, begin);
+        QFETCH(QByteArray, stream);
+        constexpr int limit = 2 * 1024 * 1024;
+        Wire wire;
+        HubFrame::Receiver receiver(limit);
+        QList<QByteArray> complete;
+        const auto keep = [&](const QByteArray& payload) { complete << payload; };
+        wire.feed(begin);
+        receiver.receive(wire, keep);
+        for (int i = 0; i < 5; ++i) {
+            wire.feed(stream);
+            receiver.receive(wire, keep);
+            QVERIFY(receiver.keptBytes() + wire.bytesAvailable() <= limit);
+        }
+        receiver.reset();
+        wire.feed(HubFrame::pack(stream.left(limit / 2)));
+        receiver.receive(wire, keep);
+        QCOMPARE(complete.size(), stream.at(0) == 'x' ? 1 : 0); // what may be kept still is
+    }
+
+    void repliesThatNobodyTakesAreBounded()
+    {
+        HubFrame::ReplyQueue queue(1000);
+        for (const int size : {2000, 1, 1})
+            queue.add(QByteArray(size, 'x'));
+        QByteArray reply;
+        QVERIFY(queue.take(reply));
+        QCOMPARE(reply.size(), 2000); // a single one has room, whatever its size
+        for (int i = 0; i < 1000; ++i)
+            queue.add(QByteArray::number(i));
+        int taken = 0;
+        for (; queue.take(reply); ++taken)
+            QCOMPARE(reply, QByteArray::number(taken));
+        QVERIFY2(taken > 1 && taken < 20, qPrintable(QString::number(taken)));
+    }
+
     void resetForgetsTheFrame()
     {
         Wire wire;
