@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstring>
+#include <type_traits>
 
 /// The decimal texts of 0 to 255, each with a comma behind it.
 struct DecimalTable
@@ -35,7 +36,7 @@ struct DecimalTable
 template <typename T>
 QString listToString(const QList<T>& list)
 {
-    static_assert(sizeof(T) == 1, "numbers from 0 to 255");
+    static_assert(sizeof(T) == 1 && std::is_unsigned_v<T>, "numbers from 0 to 255");
     static constexpr DecimalTable table;
     constexpr int longest = 4;
     if (list.isEmpty())
