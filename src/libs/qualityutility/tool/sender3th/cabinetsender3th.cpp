@@ -42,7 +42,9 @@ private:
 /// The reply's root object, and how parsing it went; only the bytes before the first zero count.
 QJsonDocument parse(const QByteArray& reply, QJsonParseError& error)
 {
-    return QJsonDocument::fromJson(QByteArray(reply.constData()), &error);
+    // By size too: a reply made of raw data ends without a zero.
+    const auto length = static_cast<int>(qstrnlen(reply.constData(), static_cast<uint>(reply.size())));
+    return QJsonDocument::fromJson(reply.left(length), &error);
 }
 
 QByteArray commandText(const QJsonObject& command)
@@ -80,11 +82,13 @@ void CabinetSender3th::attachSession(ClientSession* session)
 
 int CabinetSender3th::sendData(const QByteArray& request, QByteArray& reply, bool waitWithoutLimit)
 {
-    if (m_session && !m_session->sendToServerSync(request, reply, waitWithoutLimit)) {
+    if (!m_session) {
+        reply.clear(); // which then fails, whatever an earlier call has left there
+    } else if (!m_session->sendToServerSync(request, reply, waitWithoutLimit)) {
         qCritical() << "send to server error!";
         return ResultNotDelivered;
     }
-    return judgeResult(reply) ? ResultSuccess : ResultNotDelivered; // without a session the empty reply fails
+    return judgeResult(reply) ? ResultSuccess : ResultNotDelivered;
 }
 
 bool CabinetSender3th::judgeResult(const QByteArray& reply)
@@ -96,10 +100,11 @@ bool CabinetSender3th::judgeResult(const QByteArray& reply)
         qCritical() << "result parse failed!" << reply << "jsonError.error" << error.error;
         return false;
     }
-    if (code.toInt() == 0)
+    if (code.toDouble() == 0.0) // toInt() would give 0 for what no int holds
         return true;
+    const QByteArray number = code.toVariant().toString().toLatin1();
     qCritical() << "result error!"
-                << "resultCode" << code.toInt();
+                << "resultCode" << number.constData();
     return false;
 }
 

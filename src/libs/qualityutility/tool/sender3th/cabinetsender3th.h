@@ -49,9 +49,11 @@ public:
     int setColorManageMode(const CabinetTargetMap& targets, const Model::ColorGamutInfo& info) override;
     int uploadNiccMeasure(const CabinetTargetMap& targets, const Model::ColorGamutInfo& info) override;
 
-    /// Sends request bytes and checks the reply. 0 or 105.
+    /// Sends request bytes and checks the reply. 0 or 105. `reply` is emptied without a session, and stays as it was
+    /// when the session fails.
     int sendData(const QByteArray& request, QByteArray& reply, bool waitWithoutLimit);
-    /// Whether a reply is a JSON object whose "error" is 0; a value that is not a number counts as 0.
+    /// Whether a reply is a JSON object whose "error" is 0; a value that is not a number counts as 0. Any other number
+    /// is an error, also 0.5 or one that no int holds.
     bool judgeResult(const QByteArray& reply);
     /// {"lum", "cx", "cy"}
     QJsonObject getLXYOb(const Model::LXY& point);

@@ -138,11 +138,17 @@ private Q_SLOTS:
         QTest::newRow("not a number counts as 0") << QByteArray("{\"error\":\"x\"}") << 0 << "";
         QTest::newRow("error number") << QByteArray("{\"error\":3}") << 105
                                       << "critical default: result error! resultCode 3";
+        QTest::newRow("error number wider than an int")
+            << QByteArray("{\"error\":4294967296}") << 105 << "critical default: result error! resultCode 4294967296";
+        QTest::newRow("error number below one")
+            << QByteArray("{\"error\":0.5}") << 105 << "critical default: result error! resultCode 0.5";
+        QTest::newRow("more digits for 0") << QByteArray("{\"error\":-0.0}") << 0 << "";
         QTest::newRow("array") << QByteArray("[1]") << 105 << failed + "\"[1]\" jsonError.error 0";
         QTest::newRow("no error member") << QByteArray("{\"ok\":1}") << 105
                                          << failed + "\"{\\\"ok\\\":1}\" jsonError.error 0";
         QTest::newRow("not JSON") << QByteArray("hello") << 105 << failed + "\"hello\" jsonError.error 5";
         QTest::newRow("zero byte ends it") << QByteArray("{\"error\":0}\0{", 13) << 0 << "";
+        QTest::newRow("no zero byte behind it") << QByteArray::fromRawData("{\"error\":0}{", 11) << 0 << "";
     }
 
     void repliesAreJudged()
@@ -247,6 +253,9 @@ private Q_SLOTS:
         sender.attachSession(nullptr);
         QCOMPARE(sender.uploadNiccData({}, gamut()), 105);
         QVERIFY(criticals().value(0).startsWith("critical default: result parse failed! \"\""));
+        QByteArray earlier = "{\"error\":0}";
+        QCOMPARE(sender.sendData("{}", earlier, false), 105); // a success that is still there is none of this call
+        QVERIFY(earlier.isEmpty() && criticals().size() == 1);
         QCOMPARE(sender.setColorManageMode({}, gamut()), 0);
         int mode = 5;
         QCOMPARE(sender.getCorrectEffectMode("a", 1, mode), 105);
