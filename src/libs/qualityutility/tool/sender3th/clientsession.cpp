@@ -46,6 +46,9 @@ bool ClientSession::disServerConnect()
 {
     if (m_socket->state() != QAbstractSocket::UnconnectedState)
         m_socket->close();
+    // Closing waits for what is not sent yet or not connected yet; a new connection could not begin meanwhile.
+    if (m_socket->state() != QAbstractSocket::UnconnectedState)
+        m_socket->abort();
     m_isConnected = false;
     return true;
 }

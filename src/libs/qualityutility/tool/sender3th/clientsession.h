@@ -36,7 +36,7 @@ public:
     /// Connects, blocking for at most the connect wait (500 ms). Always true: whether it is connected isConnected()
     /// says, also a little later. Does nothing when it is connected already.
     bool connectToServer(QString host, unsigned short port);
-    /// Closes the connection. Always true.
+    /// Closes the connection at once; what has not been sent is lost. Always true.
     bool disServerConnect();
     /// True from the first connection to disServerConnect(); a connection that the hub closes does not change it.
     bool isConnected() const;

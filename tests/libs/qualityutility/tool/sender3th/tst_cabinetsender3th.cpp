@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QJsonDocument>
 #include <QProcess>
+#include <QTcpServer>
 #include <QTest>
 #include <qualityutility/tool/sender3th/cabinetsender3th.h>
 
@@ -224,6 +225,21 @@ private Q_SLOTS:
         m_session->disServerConnect();
         m_session->connectToServer("127.0.0.1", m_hub->port());
         QCOMPARE(sender.uploadNiccMeasure({}, gamut()), 0);
+    }
+
+    void whatIsNotSentDoesNotHoldUpTheNextConnection()
+    {
+        QTcpServer deaf;
+        QVERIFY(deaf.listen(QHostAddress::LocalHost));
+        ClientSession session;
+        session.setWaits(2000, 5, 1);
+        session.connectToServer("127.0.0.1", deaf.serverPort());
+        QByteArray reply;
+        QVERIFY(!session.sendToServerSync(QByteArray(16 * 1024 * 1024, 'x'), reply, false));
+        session.disServerConnect();
+        session.setWaits(2000, 5, 60);
+        session.connectToServer("127.0.0.1", m_hub->port());
+        QVERIFY(session.isConnected() && session.sendToServerSync("{}", reply, false));
     }
 
     void aLateReplyAnswersTheNextRequest()
