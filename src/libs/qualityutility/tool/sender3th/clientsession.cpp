@@ -2,6 +2,7 @@
 
 #include "hubframe_p.h"
 
+#include <QElapsedTimer>
 #include <QTcpSocket>
 #include <QThread>
 #include <qualityutility/infolog_p.h>
@@ -44,10 +45,10 @@ bool ClientSession::connectToServer(QString host, unsigned short port)
 
 bool ClientSession::disServerConnect()
 {
-    if (m_socket->state() != QAbstractSocket::UnconnectedState)
+    if (!isClosed())
         m_socket->close();
     // Closing waits for what is not sent yet or not connected yet; a new connection could not begin meanwhile.
-    if (m_socket->state() != QAbstractSocket::UnconnectedState)
+    if (!isClosed())
         m_socket->abort();
     m_isConnected = false;
     return true;
@@ -65,9 +66,20 @@ void ClientSession::setWaits(int connectWait, int readWait, int attempts)
     m_waitAttempts = attempts;
 }
 
+void ClientSession::setTimeLimit(int limit)
+{
+    m_timeLimit = limit;
+}
+
+ClientSession::Ending ClientSession::ending() const
+{
+    return m_ending;
+}
+
 bool ClientSession::sendToServerSync(const QByteArray& request, QByteArray& reply, bool waitWithoutLimit)
 {
     m_waitWithoutLimit = waitWithoutLimit;
+    m_ending = Ending::Closed;
     if (!m_isConnected) {
         qCritical() << "[ClientSession] please connect msghub server";
         return false;
@@ -92,23 +104,37 @@ bool ClientSession::sendToServerSync(const QByteArray& request, QByteArray& repl
 
 bool ClientSession::getResultFromCache(QByteArray& result)
 {
-    const int attempts = m_waitWithoutLimit ? std::numeric_limits<int>::max() : m_waitAttempts;
-    if (attempts < 1)
-        return false;
-    for (int i = 0;;) {
+    const bool isTimed = m_timeLimit > 0 && !m_waitWithoutLimit;
+    const int attempts = isTimed || m_waitWithoutLimit ? std::numeric_limits<int>::max() : m_waitAttempts;
+    QElapsedTimer clock;
+    clock.start();
+    for (int i = 0; i < attempts; ++i) {
         logInfo("wait for ", i, "second...");
-        if (m_resultCache->take(result))
+        if (m_resultCache->take(result)) {
+            logInfo("success");
+            m_waitWithoutLimit = false;
+            m_ending = Ending::Answered;
+            return true;
+        }
+        const qint64 left = isTimed ? m_timeLimit - clock.elapsed() : m_readWait;
+        if (isTimed && (left <= 0 || isClosed()))
             break;
-        // A socket that is closed returns at once: a bounded wait is then over soon, an unbounded one must not spin.
-        if (!m_socket->waitForReadyRead(m_readWait) && m_waitWithoutLimit &&
-            m_socket->state() == QAbstractSocket::UnconnectedState)
-            QThread::msleep(static_cast<unsigned long>(m_readWait));
-        if (++i == attempts)
-            return false;
+        waitForArrival(static_cast<int>(qMin<qint64>(left, m_readWait)));
     }
-    logInfo("success");
-    m_waitWithoutLimit = false;
-    return true;
+    m_ending = isClosed() ? Ending::Closed : Ending::TimeOver;
+    return false;
+}
+
+bool ClientSession::isClosed() const
+{
+    return m_socket->state() == QAbstractSocket::UnconnectedState;
+}
+
+void ClientSession::waitForArrival(int wait)
+{
+    // A socket that is closed returns at once: a bounded wait is then over soon, an unbounded one must not spin.
+    if (!m_socket->waitForReadyRead(wait) && m_waitWithoutLimit && isClosed())
+        QThread::msleep(static_cast<unsigned long>(wait));
 }
 
 QByteArray ClientSession::GetCompletePack(const QByteArray& payload)

@@ -21,9 +21,12 @@ namespace CabinetSenderSpace {
 /// A TCP session with the message hub: one framed request at a time, answered by one framed reply. docs/message-hub.md
 /// has the frames.
 ///
-/// Used on the thread that owns it; requests are serialised by the caller. Replies are paired with requests first in,
-/// first out: one that comes after its request has timed out answers the next request. That is how hubs and clients
-/// work together, so it stays.
+/// Used on the thread that owns it; requests are serialised by the caller. A wait blocks its thread: no timers or
+/// events of the host run meanwhile, only the session's own socket is served.
+///
+/// Replies are paired with requests first in, first out. One that comes after its request has timed out answers the
+/// next request, whose own reply then answers the one after it, and so on for good: after a request without an answer,
+/// a host makes a new session. (That is how hubs and clients work together, so it stays.)
 class QUALITYUTILITY_EXPORT ClientSession : public QObject
 {
     Q_OBJECT
@@ -33,8 +36,18 @@ public:
     /// Closes the connection.
     ~ClientSession() override;
 
-    /// Connects, blocking for at most the connect wait (500 ms). Always true: whether it is connected isConnected()
-    /// says, also a little later. Does nothing when it is connected already.
+    /// Why the last request ended.
+    enum class Ending {
+        None,     ///< there was none yet
+        Answered, ///< with a reply
+        Closed,   ///< there was no connection, or it was closed before a reply came
+        TimeOver, ///< no reply came in the looks or the time that it had
+    };
+
+    /// Connects, blocking for at most the connect wait (500 ms), and for as long as a host's name takes to be looked
+    /// up. A connection that needs longer is given up: call again. Always true: whether it is connected isConnected()
+    /// says. Does nothing when it is connected already, which it still is when the hub has closed the connection: then
+    /// disServerConnect() comes first.
     bool connectToServer(QString host, unsigned short port);
     /// Closes the connection at once; what has not been sent is lost. Always true.
     bool disServerConnect();
@@ -42,13 +55,19 @@ public:
     bool isConnected() const;
 
     /// Sends a request and blocks until a reply is there: for the wait attempts times the read wait (900 times 1000
-    /// ms), or without limit. False when it is not connected, when the request cannot be written, or when no reply
-    /// came; `reply` then stays as it was.
+    /// ms), for the time limit when there is one, or without limit. False when it is not connected, when the request
+    /// cannot be written, or when no reply came; `reply` then stays as it was.
     bool sendToServerSync(const QByteArray& request, QByteArray& reply, bool waitWithoutLimit);
+    /// Why the last request ended, or the last wait of getResultFromCache().
+    Ending ending() const;
 
     /// Shortens the waits, for tests and impatient hosts: of connectToServer, of one look for a reply (both ms), and
     /// how many looks there are.
     void setWaits(int connectWait, int readWait, int attempts);
+    /// Bounds the wait for a reply by time instead of by the number of looks, in ms; 0, as it is at first, by looks.
+    /// Each arrival of bytes uses up a look, but no more time than it takes. Such a wait is also over as soon as the
+    /// connection is closed, and looks for a reply once more at its end.
+    void setTimeLimit(int limit);
 
     /// The frame of a payload: its length in four bytes, little-endian, and the payload.
     QByteArray GetCompletePack(const QByteArray& payload);
@@ -71,6 +90,9 @@ private Q_SLOTS:
     void slot_ReConnect();
 
 private:
+    bool isClosed() const;
+    void waitForArrival(int wait);
+
     QTcpSocket* m_socket;
     bool m_isConnected = false;
     QString m_host;
@@ -82,7 +104,9 @@ private:
     int m_connectWait = 500;
     int m_readWait = 1000;
     int m_waitAttempts = 900;
+    int m_timeLimit = 0;
     bool m_waitWithoutLimit = false;
+    Ending m_ending = Ending::None;
 };
 
 } // namespace CabinetSenderSpace

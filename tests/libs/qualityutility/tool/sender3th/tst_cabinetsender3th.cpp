@@ -55,7 +55,10 @@ QByteArray nextLine(QProcess& process)
 
 } // namespace
 
+using Ending = ClientSession::Ending;
+
 Q_DECLARE_METATYPE(SimulatedHub::Script)
+Q_DECLARE_METATYPE(Ending)
 
 class CabinetSender3thTest : public QObject
 {
@@ -185,31 +188,32 @@ private Q_SLOTS:
     {
         QTest::addColumn<SimulatedHub::Script>("script");
         QTest::addColumn<int>("result");
-        const auto row = [](const char* name, int result, const SimulatedHub::Script& script) {
-            QTest::newRow(name) << script << result;
+        QTest::addColumn<Ending>("ending");
+        const auto row = [](const char* name, Ending ending, int result, const SimulatedHub::Script& script) {
+            QTest::newRow(name) << script << result << ending;
         };
-        row("header split", 0, [](const QByteArray&, const QByteArray& frame) {
+        row("header split", Ending::Answered, 0, [](const QByteArray&, const QByteArray& frame) {
             return HubAnswer{{frame.left(2), frame.mid(2)}};
         });
-        row("byte by byte", 0, [](const QByteArray&, const QByteArray& frame) {
+        row("byte by byte", Ending::Answered, 0, [](const QByteArray&, const QByteArray& frame) {
             HubAnswer answer;
             for (const char byte : frame)
                 answer.chunks << QByteArray(1, byte);
             return answer;
         });
-        row("two frames glued", 105,
+        row("two frames glued", Ending::TimeOver, 105,
             [](const QByteArray&, const QByteArray& frame) { return HubAnswer{{frame + frame}}; });
-        row("huge length", 105,
+        row("huge length", Ending::TimeOver, 105,
             [](const QByteArray&, const QByteArray& frame) { return HubAnswer{{"\xff\xff\xff\x7f" + frame}}; });
-        row("garbage", 105,
+        row("garbage", Ending::TimeOver, 105,
             [](const QByteArray&, const QByteArray&) { return HubAnswer{{"HTTP/1.1 400 Bad Request\r\n\r\n"}}; });
-        row("invalid UTF-8", 105, [](const QByteArray&, const QByteArray&) {
+        row("invalid UTF-8", Ending::Answered, 105, [](const QByteArray&, const QByteArray&) {
             return HubAnswer{{hubFrame("{\"error\":0,\"a\":\"\xff\xfe")}};
         });
-        row("non-ASCII text is too short", 105,
+        row("non-ASCII text is too short", Ending::TimeOver, 105,
             [](const QByteArray&, const QByteArray&) { return HubAnswer{{hubFrame("{\"error\":0,\"a\":\"é\"}")}}; });
-        row("silence", 105, [](const QByteArray&, const QByteArray&) { return HubAnswer(); });
-        row("closes in the middle", 105, [](const QByteArray&, const QByteArray& frame) {
+        row("silence", Ending::TimeOver, 105, [](const QByteArray&, const QByteArray&) { return HubAnswer(); });
+        row("closes in the middle", Ending::Closed, 105, [](const QByteArray&, const QByteArray& frame) {
             return HubAnswer{{frame.left(6)}, true};
         });
     }
@@ -220,11 +224,38 @@ private Q_SLOTS:
         m_hub->setScript(script);
         CabinetSender3th& sender = *CabinetSender3th::getInstance();
         QTEST(sender.uploadNiccMeasure({}, gamut()), "result");
+        QTEST(m_session->ending(), "ending");
         // A new connection serves the next request, whatever was left of the old one.
         m_hub->setScript(nullptr);
         m_session->disServerConnect();
         m_session->connectToServer("127.0.0.1", m_hub->port());
         QCOMPARE(sender.uploadNiccMeasure({}, gamut()), 0);
+    }
+
+    void aLimitInTimeIsNotCountedInLooks()
+    {
+        m_session->setWaits(2000, 5, 1);
+        m_session->setTimeLimit(60000);
+        m_hub->setScript([](const QByteArray&, const QByteArray& frame) {
+            return HubAnswer{{frame.left(2), frame.mid(2, 3), frame.mid(5)}};
+        });
+        CabinetSender3th& sender = *CabinetSender3th::getInstance();
+        QCOMPARE(sender.uploadNiccMeasure({}, gamut()), 0);
+        QCOMPARE(m_session->ending(), Ending::Answered);
+        m_hub->setScript([](const QByteArray&, const QByteArray& frame) { return HubAnswer{{frame.left(6)}, true}; });
+        QElapsedTimer timer;
+        timer.start();
+        QCOMPARE(sender.uploadNiccMeasure({}, gamut()), 105);
+        QCOMPARE(m_session->ending(), Ending::Closed);
+        QVERIFY(timer.elapsed() < 30000);
+        m_hub->setScript([](const QByteArray&, const QByteArray&) { return HubAnswer(); });
+        m_session->disServerConnect();
+        m_session->connectToServer("127.0.0.1", m_hub->port());
+        m_session->setTimeLimit(20);
+        timer.start();
+        QCOMPARE(sender.uploadNiccMeasure({}, gamut()), 105);
+        QCOMPARE(m_session->ending(), Ending::TimeOver);
+        QVERIFY(timer.elapsed() >= 20);
     }
 
     void whatIsNotSentDoesNotHoldUpTheNextConnection()
