@@ -20,7 +20,10 @@ namespace CabinetSenderSpace {
 /// The other four operations of the interface are not implemented here. getInstance() gives a ready sender in which
 /// they fail.
 ///
-/// An attached session stays its owner's, who may delete it at any time; but a sender that is destroyed deletes a
+/// Each operation blocks its thread until the session's wait is over. One at a time: a second one meanwhile, also from
+/// another thread, fails.
+///
+/// An attached session stays its owner's, who may delete it between calls; but a sender that is destroyed deletes a
 /// session that is then connected, and leaves one that is not. (That asymmetry is relied on: a connected session is
 /// handed over with the sender.)
 class QUALITYUTILITY_EXPORT CabinetSender3th : public CabinetSenderBase

@@ -78,6 +78,17 @@ ClientSession::Ending ClientSession::ending() const
 
 bool ClientSession::sendToServerSync(const QByteArray& request, QByteArray& reply, bool waitWithoutLimit)
 {
+    if (m_isBusy.exchange(true)) {
+        qCritical() << "[ClientSession] another request is waiting for its reply";
+        return false;
+    }
+    const bool isAnswered = exchange(request, reply, waitWithoutLimit);
+    m_isBusy = false;
+    return isAnswered;
+}
+
+bool ClientSession::exchange(const QByteArray& request, QByteArray& reply, bool waitWithoutLimit)
+{
     m_waitWithoutLimit = waitWithoutLimit;
     m_ending = Ending::Closed;
     if (!m_isConnected) {

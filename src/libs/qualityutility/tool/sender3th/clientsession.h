@@ -7,6 +7,7 @@
 #include <QTimer>
 #include <qualityutility/qualityutility_export.h>
 
+#include <atomic>
 #include <memory>
 
 class QTcpSocket;
@@ -21,8 +22,9 @@ namespace CabinetSenderSpace {
 /// A TCP session with the message hub: one framed request at a time, answered by one framed reply. docs/message-hub.md
 /// has the frames.
 ///
-/// Used on the thread that owns it; requests are serialised by the caller. A wait blocks its thread: no timers or
-/// events of the host run meanwhile, only the session's own socket is served.
+/// Used on the thread that owns it; requests are serialised by the caller. One that comes while another waits, also
+/// from another thread, fails at once with a critical line. A wait blocks its thread: no timers or events of the host
+/// run meanwhile, only the session's own socket is served.
 ///
 /// Replies are paired with requests first in, first out. One that comes after its request has timed out answers the
 /// next request, whose own reply then answers the one after it, and so on for good: after a request without an answer,
@@ -56,7 +58,7 @@ public:
 
     /// Sends a request and blocks until a reply is there: for the wait attempts times the read wait (900 times 1000
     /// ms), for the time limit when there is one, or without limit. False when it is not connected, when the request
-    /// cannot be written, or when no reply came; `reply` then stays as it was.
+    /// cannot be written, when another request waits, or when no reply came; `reply` then stays as it was.
     bool sendToServerSync(const QByteArray& request, QByteArray& reply, bool waitWithoutLimit);
     /// Why the last request ended, or the last wait of getResultFromCache().
     Ending ending() const;
@@ -90,6 +92,7 @@ private Q_SLOTS:
     void slot_ReConnect();
 
 private:
+    bool exchange(const QByteArray& request, QByteArray& reply, bool waitWithoutLimit);
     bool isClosed() const;
     void waitForArrival(int wait);
 
@@ -107,6 +110,7 @@ private:
     int m_timeLimit = 0;
     bool m_waitWithoutLimit = false;
     Ending m_ending = Ending::None;
+    std::atomic<bool> m_isBusy{false}; ///< a request waits for its reply
 };
 
 } // namespace CabinetSenderSpace

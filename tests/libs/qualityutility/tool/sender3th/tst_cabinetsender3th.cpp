@@ -258,6 +258,21 @@ private Q_SLOTS:
         QVERIFY(timer.elapsed() >= 20);
     }
 
+    void aRequestMeanwhileIsRefused()
+    {
+        bool isSent = true;
+        m_hub->setScript([&](const QByteArray&, const QByteArray& frame) { // on the hub's thread
+            QByteArray reply;
+            isSent = m_session->sendToServerSync("me too", reply, false);
+            return HubAnswer{{frame}};
+        });
+        QCOMPARE(CabinetSender3th::getInstance()->uploadNiccMeasure({}, gamut()), 0);
+        m_hub->setScript(nullptr); // after which what the script has written may be read
+        QVERIFY(!isSent);
+        QCOMPARE(criticals(),
+                 QStringList("critical default: [ClientSession] another request is waiting for its reply"));
+    }
+
     void whatIsNotSentDoesNotHoldUpTheNextConnection()
     {
         QTcpServer deaf;
