@@ -10,7 +10,6 @@ namespace {
 using CabinetSenderSpace::CabinetSender3th;
 
 constexpr int connectMs = 2000;
-constexpr int lookMs = 100;
 
 QString hubName(const QString& host, int port)
 {
@@ -42,7 +41,9 @@ HubClient::HubClient(const HubAddress& address, const Output& output)
         m_host = QStringLiteral("127.0.0.1");
     HostLog::install(output.quiet);
     requireReachable(m_host, m_port);
-    m_session.setWaits(connectMs, lookMs, qMax(1, static_cast<int>(m_timeout * 1000.0 / lookMs)));
+    const int timeLimit = qMax(1, qRound(m_timeout * 1000.0));
+    m_session.setWaits(connectMs, timeLimit, 1);
+    m_session.setTimeLimit(timeLimit);
     m_session.connectToServer(m_host, static_cast<quint16>(m_port));
     m_sender->attachSession(&m_session);
 }
@@ -67,7 +68,7 @@ double HubClient::run(const std::function<int(CabinetSender3th&)>& operation)
     const double seconds = static_cast<double>(timer.nsecsElapsed()) / 1e9;
     if (result == CabinetSenderSpace::ResultSuccess)
         return seconds;
-    throw failure(HostLog::takeCriticalLine(), seconds);
+    throw failure(HostLog::takeCriticalLine());
 }
 
 void HubClient::startSimulated(const Output& output)
@@ -81,14 +82,14 @@ void HubClient::startSimulated(const Output& output)
     output.note(QStringLiteral("qualityctl: no address: using a simulated hub in this process"));
 }
 
-CommandError HubClient::failure(const QString& line, double seconds) const
+CommandError HubClient::failure(const QString& line) const
 {
     if (line.startsWith(QLatin1String("result parse failed!")))
         return {ExitCode::Protocol, QStringLiteral("%1: the reply is not the hub's protocol: %2").arg(name(), line)};
     if (line.startsWith(QLatin1String("result error!")))
         return {ExitCode::Unavailable, QStringLiteral("%1: the hub answered with error number %2")
                                            .arg(name(), line.section(QLatin1Char(' '), -1))};
-    if (seconds < m_timeout * 0.9)
+    if (m_session.ending() == CabinetSenderSpace::ClientSession::Ending::Closed)
         return {ExitCode::Unavailable, QStringLiteral("%1: the connection was closed before the reply").arg(name())};
     return {ExitCode::Timeout, QStringLiteral("%1: no reply within %2 s").arg(name()).arg(m_timeout)};
 }

@@ -34,7 +34,7 @@ public:
 
 private:
     void startSimulated(const Output& output);
-    CommandError failure(const QString& line, double seconds) const;
+    CommandError failure(const QString& line) const;
 
     double m_timeout;
     QString m_host;
