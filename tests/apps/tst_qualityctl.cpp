@@ -242,7 +242,7 @@ private Q_SLOTS:
         QVERIFY2(refused.err.contains("connection refused"), qPrintable(refused.err));
     }
 
-    void hubFailuresAreToldApart_data()
+    void hubAnswersAreToldApart_data()
     {
         QTest::addColumn<QByteArray>("answer"); ///< raw bytes; "close" closes the connection
         QTest::addColumn<int>("exitCode");
@@ -251,9 +251,12 @@ private Q_SLOTS:
         QTest::newRow("closed") << QByteArray("close") << 69 << "the connection was closed before the reply";
         QTest::newRow("not the protocol") << QByteArray("\x05\0\0\0hello", 9) << 76 << "not the hub's protocol";
         QTest::newRow("error number") << QByteArray("\x0b\0\0\0{\"error\":7}", 15) << 69 << "error number 7";
+        QTest::newRow("no figures") << QByteArray("\x0b\0\0\0{\"error\":0}", 15) << 0 << "\"level\": null";
+        QTest::newRow("half of them") << QByteArray("\x1d\0\0\0{\"error\":0,\"data\":{\"mode\":0}}", 33) << 0
+                                      << "\"level\": null,\n    \"mode\": 0,";
     }
 
-    void hubFailuresAreToldApart()
+    void hubAnswersAreToldApart()
     {
         QFETCH(QByteArray, answer);
         QFETCH(QString, message);
@@ -270,12 +273,12 @@ private Q_SLOTS:
             });
         });
         QObject owner;
-        QProcess* process =
-            start({"hub", "ping", "--timeout", "0.5", "--port", QString::number(server.serverPort())}, &owner);
+        QProcess* process = start(
+            {"hub", "ping", "--json", "--timeout", "0.5", "--port", QString::number(server.serverPort())}, &owner);
         QTRY_COMPARE_WITH_TIMEOUT(process->state(), QProcess::NotRunning, 10000); // this test's event loop is the hub
         const Run done = finish(process);
         QTEST(done.exitCode, "exitCode");
-        QVERIFY2(done.err.contains(message), qPrintable(done.err));
+        QVERIFY2(done.out.contains(message), qPrintable(done.out));
     }
 
     void aFaultyDocumentIsToldByPath_data()

@@ -8,9 +8,14 @@
 
 #include <QEventLoop>
 
+#include <limits>
+
 namespace {
 
 using CabinetSenderSpace::CabinetSender3th;
+
+/// What the sender leaves where the hub's reply has no figure.
+constexpr int notGiven = std::numeric_limits<int>::min();
 
 struct HubArguments
 {
@@ -26,15 +31,25 @@ CommandResult done(const HubClient& hub, const QString& what, double seconds, QJ
     return {QStringLiteral("%1: %2, %3 s\n").arg(hub.name(), what).arg(seconds, 0, 'f', 4), json};
 }
 
+QString figureText(int figure)
+{
+    return figure == notGiven ? QStringLiteral("not given") : QString::number(figure);
+}
+
+QJsonValue figureJson(int figure)
+{
+    return figure == notGiven ? QJsonValue(QJsonValue::Null) : QJsonValue(figure);
+}
+
 CommandResult queryFineGray(const HubArguments& arguments, const Output& output, const QString& what)
 {
     HubClient hub(arguments.hub, output);
-    int level = 0;
-    int mode = 0;
+    int level = notGiven;
+    int mode = notGiven;
     const double seconds =
         hub.run([&](CabinetSender3th& sender) { return sender.getFineGrayConfig({}, 0, level, mode); });
-    return done(hub, what.arg(level).arg(mode), seconds,
-                {{QStringLiteral("level"), level}, {QStringLiteral("mode"), mode}});
+    return done(hub, what.arg(figureText(level), figureText(mode)), seconds,
+                {{QStringLiteral("level"), figureJson(level)}, {QStringLiteral("mode"), figureJson(mode)}});
 }
 
 CommandResult ping(const HubArguments& arguments, const Output& output)
