@@ -10,6 +10,7 @@ namespace {
 
 constexpr int headerLength = 4;
 constexpr quint32 maxPayload = 64 * 1024 * 1024;
+constexpr int readAtOnce = 64 * 1024; ///< of one client, before the others' turn
 
 /// What crosses the mutex shares nothing: Qt counts references where a thread sanitizer does not see it.
 QByteArray deepCopy(const QByteArray& bytes)
@@ -18,6 +19,86 @@ QByteArray deepCopy(const QByteArray& bytes)
 }
 
 } // namespace
+
+/// One client: its requests are read, answered and taken from it one by one, as fast as it takes the answers. What it
+/// sends meanwhile waits in its own socket, so that a client costs no more than one request and one answer.
+class SimulatedHub::Connection : public QObject
+{
+public:
+    Connection(SimulatedHub& hub, QTcpSocket* socket) : QObject(socket), m_hub(hub), m_socket(socket)
+    {
+        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+        socket->setReadBufferSize(readAtOnce);
+        connect(socket, &QTcpSocket::readyRead, this, &Connection::serve);
+        connect(socket, &QTcpSocket::bytesWritten, this, &Connection::serve);
+        connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+    }
+
+private:
+    void serve();
+    bool sendAnswer();
+    bool answerRequest();
+    bool readMore();
+
+    SimulatedHub& m_hub;
+    QTcpSocket* m_socket;
+    QByteArray m_received;
+    int m_taken = 0;    ///< bytes of `m_received` that are done with
+    HubAnswer m_answer; ///< what is still to be written of it
+    bool m_isServing = false;
+};
+
+void SimulatedHub::Connection::serve()
+{
+    if (m_isServing) // writing reports what is written
+        return;
+    m_isServing = true;
+    while (sendAnswer() && (answerRequest() || readMore())) {
+    }
+    m_isServing = false;
+}
+
+/// True when all of it is on its way and the next request may come.
+bool SimulatedHub::Connection::sendAnswer()
+{
+    while (m_socket->bytesToWrite() == 0 && !m_answer.chunks.isEmpty()) {
+        m_socket->write(m_answer.chunks.takeFirst());
+        m_socket->flush();
+    }
+    if (m_socket->bytesToWrite() > 0)
+        return false;
+    if (m_answer.closes)
+        m_socket->disconnectFromHost();
+    return m_socket->state() == QAbstractSocket::ConnectedState;
+}
+
+bool SimulatedHub::Connection::answerRequest()
+{
+    const int size = m_received.size() - m_taken - headerLength;
+    if (size < 0)
+        return false;
+    const auto length = qFromLittleEndian<quint32>(m_received.constData() + m_taken);
+    if (length > maxPayload) {
+        m_socket->abort(); // not a client of ours
+        return true;       // to where it is seen that it has gone
+    }
+    if (static_cast<quint32>(size) < length)
+        return false;
+    const QByteArray request = m_received.mid(m_taken + headerLength, static_cast<int>(length));
+    m_taken += headerLength + request.size();
+    m_answer = m_hub.answer(request);
+    return true;
+}
+
+bool SimulatedHub::Connection::readMore()
+{
+    if (m_taken > 0)
+        m_received = m_received.mid(m_taken); // a copy: what a large request took comes back
+    m_taken = 0;
+    const QByteArray part = m_socket->read(readAtOnce);
+    m_received += part;
+    return !part.isEmpty();
+}
 
 QByteArray hubFrame(const QByteArray& payload)
 {
@@ -53,53 +134,36 @@ SimulatedHub::~SimulatedHub()
 
 void SimulatedHub::accept()
 {
-    while (QTcpSocket* socket = m_server->nextPendingConnection()) {
-        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-        const auto buffer = std::make_shared<QByteArray>();
-        QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket, buffer] { readFrom(socket, *buffer); });
-        QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-    }
+    while (QTcpSocket* socket = m_server->nextPendingConnection())
+        new Connection(*this, socket); // the socket's
 }
 
-void SimulatedHub::readFrom(QTcpSocket* socket, QByteArray& buffer)
+HubAnswer SimulatedHub::answer(const QByteArray& request)
 {
-    buffer += socket->readAll();
-    while (buffer.size() >= headerLength) {
-        const auto length = qFromLittleEndian<quint32>(buffer.constData());
-        if (length > maxPayload) { // not a client of ours
-            socket->abort();
-            return;
-        }
-        if (static_cast<quint32>(buffer.size() - headerLength) < length)
-            return;
-        const QByteArray request = buffer.mid(headerLength, static_cast<int>(length));
-        buffer.remove(0, headerLength + static_cast<int>(length));
-        answer(socket, request);
-    }
-}
-
-void SimulatedHub::answer(QTcpSocket* socket, const QByteArray& request)
-{
-    HubAnswer answer;
-    {
-        const std::lock_guard lock(m_mutex);
+    const std::lock_guard lock(m_mutex);
+    ++m_requestCount;
+    if (m_keepsRequests)
         m_requests.append(deepCopy(request));
-        const QByteArray replyFrame = hubFrame(m_commands.execute(request));
-        answer = m_script ? m_script(request, replyFrame) : HubAnswer{{replyFrame}};
-    }
-    for (const QByteArray& chunk : qAsConst(answer.chunks)) {
-        socket->write(chunk);
-        while (socket->bytesToWrite() > 0 && socket->waitForBytesWritten()) {
-        }
-    }
-    if (answer.closes)
-        socket->disconnectFromHost();
+    const QByteArray replyFrame = hubFrame(m_commands.execute(request));
+    return m_script ? m_script(request, replyFrame) : HubAnswer{{replyFrame}};
 }
 
 void SimulatedHub::setScript(Script script)
 {
     const std::lock_guard lock(m_mutex);
     m_script = std::move(script);
+}
+
+qint64 SimulatedHub::requestCount() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_requestCount;
+}
+
+void SimulatedHub::keepRequests()
+{
+    const std::lock_guard lock(m_mutex);
+    m_keepsRequests = true;
 }
 
 QList<QByteArray> SimulatedHub::requests() const

@@ -10,7 +10,6 @@
 #include <mutex>
 
 class QTcpServer;
-class QTcpSocket;
 
 namespace Simulator {
 
@@ -25,7 +24,8 @@ struct HubAnswer
 QByteArray hubFrame(const QByteArray& payload);
 
 /// A message hub on 127.0.0.1, served on a thread of its own, so that blocking clients of the same process can talk to
-/// it. It keeps what it receives. All functions may be called from any thread.
+/// it. Each client gets its answers in order, whatever the others do; one that does not take them is not read from
+/// meanwhile. All functions may be called from any thread.
 class SimulatedHub
 {
 public:
@@ -44,16 +44,21 @@ public:
     /// Replaces the script; by default every request gets the hub's own reply.
     void setScript(Script script);
 
-    /// The payloads of all requests so far.
+    /// How many requests have come so far.
+    qint64 requestCount() const;
+    /// From now on the payloads of requests are kept, for as long as the hub lives.
+    void keepRequests();
+    /// The payloads that were kept, oldest first.
     QList<QByteArray> requests() const;
     /// The "data" that a command has brought last.
     QJsonObject received(int command) const;
 
 private:
+    class Connection;
+
     SimulatedHub() = default;
     void accept();
-    void readFrom(QTcpSocket* socket, QByteArray& buffer);
-    void answer(QTcpSocket* socket, const QByteArray& request);
+    HubAnswer answer(const QByteArray& request);
 
     QThread m_thread;
     QTcpServer* m_server = nullptr; ///< lives on the thread
@@ -61,6 +66,8 @@ private:
     mutable std::mutex m_mutex; ///< guards what follows
     HubCommands m_commands;
     Script m_script;
+    qint64 m_requestCount = 0;
+    bool m_keepsRequests = false;
     QList<QByteArray> m_requests;
 };
 

@@ -99,7 +99,7 @@ CommandResult serve(const HubArguments& arguments, const Output& output)
     const Interrupt interrupt;
     QEventLoop loop;
     loop.exec();
-    const int requests = hub->requests().size();
+    const qint64 requests = hub->requestCount();
     return {QStringLiteral("served %1 requests\n").arg(requests), {{QStringLiteral("requests"), requests}}};
 }
 

@@ -102,6 +102,7 @@ private Q_SLOTS:
 
     void commandsOnTheWire()
     {
+        m_hub->keepRequests();
         CabinetSender3th& sender = *CabinetSender3th::getInstance();
         int level = -1;
         int mode = -1;
@@ -385,6 +386,7 @@ private Q_SLOTS:
 
     void aClientInAnotherLanguageTalksToTheHub()
     {
+        m_hub->keepRequests();
         QProcess python;
         python.start("python3", {EXAMPLES "/hub_client.py", QString::number(m_hub->port())});
         if (!isStarted(python))
