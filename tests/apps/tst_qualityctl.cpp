@@ -240,6 +240,12 @@ private Q_SLOTS:
         const Run refused = run({"hub", "ping", "--port", port});
         QCOMPARE(refused.exitCode, 69);
         QVERIFY2(refused.err.contains("connection refused"), qPrintable(refused.err));
+
+        server = start({"hub", "serve", "--quiet"}, &owner); // a port that nobody chose is told all the same
+        server->setReadChannel(QProcess::StandardError);
+        QVERIFY(server->waitForReadyRead(10000));
+        ::kill(static_cast<pid_t>(server->processId()), SIGTERM);
+        QCOMPARE(finish(server).out, QString("served 0 requests\n"));
     }
 
     void hubAnswersAreToldApart_data()

@@ -91,16 +91,20 @@ CommandResult sendMeasure(const HubArguments& arguments, const Output& output)
 
 CommandResult serve(const HubArguments& arguments, const Output& output)
 {
+    const Interrupt interrupt; // before the port is told: who knows it may end this at once
     QString error;
-    const auto hub = Simulator::SimulatedHub::start(static_cast<quint16>(arguments.hub.port), error);
+    const int wanted = arguments.hub.port;
+    const auto hub = Simulator::SimulatedHub::start(static_cast<quint16>(wanted), error);
     if (!hub)
         throw CommandError{ExitCode::Unavailable, QStringLiteral("hub serve: %1").arg(error)};
-    output.note(QStringLiteral("qualityctl: simulated hub on 127.0.0.1:%1; Ctrl-C ends it").arg(hub->port()));
-    const Interrupt interrupt;
+    const bool isKnown = wanted != 0;
+    Output{output.json, output.quiet && isKnown}.note(
+        QStringLiteral("qualityctl: simulated hub on 127.0.0.1:%1; Ctrl-C ends it").arg(hub->port()));
     QEventLoop loop;
     loop.exec();
     const qint64 requests = hub->requestCount();
-    return {QStringLiteral("served %1 requests\n").arg(requests), {{QStringLiteral("requests"), requests}}};
+    return {QStringLiteral("served %1 requests\n").arg(requests),
+            {{QStringLiteral("port"), hub->port()}, {QStringLiteral("requests"), requests}}};
 }
 
 using Run = CommandResult (*)(const HubArguments&, const Output&);
