@@ -9,12 +9,22 @@ import struct
 import sys
 
 
+def receive(connection, size):
+    """Exactly `size` bytes: they come in as many pieces as the network makes of them."""
+    data = bytearray()
+    while len(data) < size:
+        piece = connection.recv(size - len(data))
+        if not piece:
+            raise EOFError("the hub closed the connection before its reply was complete")
+        data += piece
+    return bytes(data)
+
+
 def exchange(connection, command):
     payload = json.dumps(command).encode()
     connection.sendall(struct.pack("<I", len(payload)) + payload)
-    header = connection.recv(4, socket.MSG_WAITALL)
-    (length,) = struct.unpack("<I", header)
-    return json.loads(connection.recv(length, socket.MSG_WAITALL))
+    (length,) = struct.unpack("<I", receive(connection, 4))
+    return json.loads(receive(connection, length))
 
 
 def main():

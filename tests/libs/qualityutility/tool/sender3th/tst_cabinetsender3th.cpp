@@ -46,6 +46,14 @@ bool isStarted(QProcess& python)
     return false;
 }
 
+HubAnswer byteByByte(const QByteArray&, const QByteArray& frame)
+{
+    HubAnswer answer;
+    for (const char byte : frame)
+        answer.chunks << QByteArray(1, byte);
+    return answer;
+}
+
 QByteArray nextLine(QProcess& process)
 {
     while (!process.canReadLine() && process.waitForReadyRead(20000)) {
@@ -196,12 +204,7 @@ private Q_SLOTS:
         row("header split", Ending::Answered, 0, [](const QByteArray&, const QByteArray& frame) {
             return HubAnswer{{frame.left(2), frame.mid(2)}};
         });
-        row("byte by byte", Ending::Answered, 0, [](const QByteArray&, const QByteArray& frame) {
-            HubAnswer answer;
-            for (const char byte : frame)
-                answer.chunks << QByteArray(1, byte);
-            return answer;
-        });
+        row("byte by byte", Ending::Answered, 0, byteByByte);
         row("two frames glued", Ending::TimeOver, 105,
             [](const QByteArray&, const QByteArray& frame) { return HubAnswer{{frame + frame}}; });
         row("huge length", Ending::TimeOver, 105,
@@ -237,9 +240,7 @@ private Q_SLOTS:
     {
         m_session->setWaits(2000, 5, 1);
         m_session->setTimeLimit(60000);
-        m_hub->setScript([](const QByteArray&, const QByteArray& frame) {
-            return HubAnswer{{frame.left(2), frame.mid(2, 3), frame.mid(5)}};
-        });
+        m_hub->setScript(byteByByte);
         CabinetSender3th& sender = *CabinetSender3th::getInstance();
         QCOMPARE(sender.uploadNiccMeasure({}, gamut()), 0);
         QCOMPARE(m_session->ending(), Ending::Answered);
@@ -387,6 +388,7 @@ private Q_SLOTS:
     void aClientInAnotherLanguageTalksToTheHub()
     {
         m_hub->keepRequests();
+        m_hub->setScript(byteByByte);
         QProcess python;
         python.start("python3", {EXAMPLES "/hub_client.py", QString::number(m_hub->port())});
         if (!isStarted(python))
