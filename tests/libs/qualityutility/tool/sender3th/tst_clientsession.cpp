@@ -1,0 +1,138 @@
+#include "support/logcapture.h"
+
+#include <simulator/simulatedhub.h>
+
+#include <QElapsedTimer>
+#include <QRegularExpression>
+#include <QTcpServer>
+#include <QTest>
+#include <qualityutility/tool/sender3th/clientsession.h>
+
+using CabinetSenderSpace::ClientSession;
+using Ending = CabinetSenderSpace::ClientSession::Ending;
+using Simulator::HubAnswer;
+using Simulator::hubFrame;
+using Simulator::SimulatedHub;
+
+class ClientSessionTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    QStringList criticals() { return m_log->take().filter(QRegularExpression("^critical")); }
+
+    std::unique_ptr<SimulatedHub> m_hub;
+    std::unique_ptr<ClientSession> m_session;
+    QScopedPointer<LogCapture> m_log;
+
+private Q_SLOTS:
+    void init()
+    {
+        m_log.reset(new LogCapture);
+        QString error;
+        m_hub = SimulatedHub::start(0, error);
+        QVERIFY2(m_hub != nullptr, qPrintable(error));
+        m_session = std::make_unique<ClientSession>();
+        m_session->setWaits(2000, 5, 60);
+        m_session->connectToServer("127.0.0.1", m_hub->port());
+        QVERIFY(m_session->isConnected());
+    }
+
+    void cleanup()
+    {
+        m_session.reset();
+        m_hub.reset();
+        m_log.reset();
+    }
+
+    void aLimitInTimeIsNotCountedInLooks()
+    {
+        m_session->setWaits(2000, 5, 1);
+        m_session->setTimeLimit(60000);
+        m_hub->setScript([](const QByteArray&, const QByteArray& frame) {
+            return HubAnswer{{frame.left(2), frame.mid(2, 3), frame.mid(5)}};
+        });
+        QByteArray reply;
+        QVERIFY(m_session->sendToServerSync("{}", reply, false));
+        QCOMPARE(m_session->ending(), Ending::Answered);
+        m_hub->setScript([](const QByteArray&, const QByteArray& frame) { return HubAnswer{{frame.left(6)}, true}; });
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(!m_session->sendToServerSync("{}", reply, false));
+        QCOMPARE(m_session->ending(), Ending::Closed);
+        QVERIFY(timer.elapsed() < 30000);
+        m_hub->setScript([](const QByteArray&, const QByteArray&) { return HubAnswer(); });
+        m_session->disServerConnect();
+        m_session->connectToServer("127.0.0.1", m_hub->port());
+        m_session->setTimeLimit(20);
+        timer.start();
+        QVERIFY(!m_session->sendToServerSync("{}", reply, false));
+        QCOMPARE(m_session->ending(), Ending::TimeOver);
+        QVERIFY(timer.elapsed() >= 20);
+    }
+
+    void aRequestMeanwhileIsRefused()
+    {
+        bool isSent = true;
+        m_hub->setScript([&](const QByteArray&, const QByteArray& frame) { // on the hub's thread
+            QByteArray none;
+            isSent = m_session->sendToServerSync("me too", none, false);
+            return HubAnswer{{frame}};
+        });
+        QByteArray reply;
+        QVERIFY(m_session->sendToServerSync("{}", reply, false));
+        m_hub->setScript(nullptr); // after which what the script has written may be read
+        QVERIFY(!isSent);
+        QCOMPARE(criticals().filter("[ClientSession] another request is waiting for its reply").size(), 1);
+    }
+
+    void whatIsNotSentDoesNotHoldUpTheNextConnection()
+    {
+        QTcpServer deaf;
+        QVERIFY(deaf.listen(QHostAddress::LocalHost));
+        ClientSession session;
+        session.setWaits(2000, 5, 1);
+        session.connectToServer("127.0.0.1", deaf.serverPort());
+        QByteArray reply;
+        QVERIFY(!session.sendToServerSync(QByteArray(16 * 1024 * 1024, 'x'), reply, false));
+        session.disServerConnect();
+        session.setWaits(2000, 5, 60);
+        session.connectToServer("127.0.0.1", m_hub->port());
+        QVERIFY(session.isConnected() && session.sendToServerSync("{}", reply, false));
+    }
+
+    void aLateReplyAnswersTheNextRequest()
+    {
+        // A hub that is one reply behind: every request but the first gets the reply to the one before it.
+        m_hub->setScript([before = QByteArray()](const QByteArray& request, const QByteArray&) mutable {
+            const QByteArray late = std::exchange(before, "reply to " + request);
+            return late.isEmpty() ? HubAnswer() : HubAnswer{{hubFrame(late)}};
+        });
+        QByteArray reply = "untouched";
+        QVERIFY(!m_session->sendToServerSync("1", reply, false));
+        QCOMPARE(reply, QByteArray("untouched"));
+        for (const char* late : {"reply to 1", "reply to 2"}) {
+            QVERIFY(m_session->sendToServerSync("2", reply, false));
+            QCOMPARE(reply, QByteArray(late));
+        }
+    }
+
+    void aWaitIsBoundedAndARefusedConnectionIsToldInTheLog()
+    {
+        const quint16 port = m_hub->port();
+        m_hub->setScript([](const QByteArray&, const QByteArray&) { return HubAnswer(); });
+        QElapsedTimer timer;
+        timer.start();
+        QByteArray reply;
+        QVERIFY(!m_session->sendToServerSync("x", reply, false));
+        QVERIFY2(timer.elapsed() >= 190 && timer.elapsed() < 5000, qPrintable(QString::number(timer.elapsed())));
+        m_hub.reset();
+        ClientSession other;
+        QVERIFY(other.connectToServer("127.0.0.1", port));
+        QVERIFY(!other.isConnected());
+        QVERIFY(criticals().last().contains("socket error, errcode "));
+    }
+};
+
+QTEST_GUILESS_MAIN(ClientSessionTest)
+#include "tst_clientsession.moc"
