@@ -1,54 +1,311 @@
 #include "wholefile_p.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
+#include <QRandomGenerator>
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <utility>
 
 namespace {
 
-constexpr qint64 copyBlock = qint64{1024} * 1024;
+namespace fs = std::filesystem;
 
-/// commit() alone would put a short file in the place of the good one on a full disk, and report success: every byte
-/// and the flush are checked before.
-bool commitChecked(QSaveFile& file, bool isWritten)
+constexpr qint64 copyBlock = qint64{1024} * 1024;
+constexpr mode_t modeBits = 0777;
+constexpr mode_t newFileMode = 0666; // less the process's mask
+constexpr mode_t privateMode = 0600;
+
+class Descriptor
 {
-    if (isWritten && file.flush())
-        return file.commit();
-    file.cancelWriting();
-    return false;
+public:
+    explicit Descriptor(int fd) : m_fd(fd) {}
+    ~Descriptor() { close(); }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    bool isOpen() const { return m_fd >= 0; }
+    int fd() const { return m_fd; }
+    bool close() { return m_fd < 0 || ::close(std::exchange(m_fd, -1)) == 0; }
+
+private:
+    int m_fd;
+};
+
+struct Outcome
+{
+    WholeFileResult result = WholeFileResult::Written;
+    int error = 0;
+};
+
+/// With the error of the system call just made.
+Outcome failed(WholeFileResult result)
+{
+    return {result, errno};
 }
 
-bool copyBytes(QFile& from, QSaveFile& to)
+/// Empty for a name that no file can have: cut at a NUL it would be another file's.
+fs::path nativeName(const QString& path)
+{
+    return path.contains(QChar::Null) ? fs::path() : fs::path(QFile::encodeName(path).toStdString());
+}
+
+/// Sets errno where the result is FileKind::Other.
+FileKind look(const fs::path& name, struct stat& found)
+{
+    if (name.empty() || ::stat(name.c_str(), &found) != 0) {
+        errno = name.empty() ? EINVAL : errno;
+        return errno == ENOENT ? FileKind::None : FileKind::Other;
+    }
+    if (S_ISREG(found.st_mode))
+        return FileKind::Regular;
+    if (S_ISCHR(found.st_mode))
+        return FileKind::Device;
+    errno = S_ISDIR(found.st_mode) ? EISDIR : ENOTSUP;
+    return FileKind::Other;
+}
+
+/// Where a chain of links ends, whether or not something is there. look() has found that it does end.
+fs::path followed(fs::path name)
+{
+    std::error_code error;
+    for (fs::path target = fs::read_symlink(name, error); !error; target = fs::read_symlink(name, error))
+        name = name.parent_path() / target;
+    return name;
+}
+
+bool writeAll(int file, const QByteArray& content)
+{
+    for (qint64 done = 0; done < content.size();) {
+        const ssize_t count = ::write(file, content.constData() + done, static_cast<size_t>(content.size() - done));
+        if (count > 0)
+            done += count;
+        else if (count == 0 || errno != EINTR)
+            return false;
+    }
+    return true;
+}
+
+bool bringToDisk(int file)
+{
+    return ::fsync(file) == 0 || errno == EINVAL; // file systems without it say so
+}
+
+/// Gives a new file the owner and group of the one that it replaces, as far as the process may. False when the group
+/// is another one then.
+bool keepOwner(int file, const struct stat& old)
+{
+    // Only root may give a file away, but a member of the group may give it to the group.
+    return ::fchown(file, old.st_uid, old.st_gid) == 0 || ::fchown(file, static_cast<uid_t>(-1), old.st_gid) == 0;
+}
+
+/// The mode of a file that replaces one of mode `old`.
+mode_t keptMode(mode_t old, bool isGroupKept, WholeFileWay way)
+{
+    mode_t mode = old & modeBits;
+    if (!isGroupKept) { // the old group's people are among the others now: only what both might do is left to each
+        const mode_t both = (mode >> 3) & mode & 07;
+        mode = (mode & 0700) | (both << 3) | both;
+    }
+    return way == WholeFileWay::Update ? mode : mode | S_IWUSR;
+}
+
+void keepAttributes(int file, const struct stat& old, WholeFileWay way)
+{
+    const bool isGroupKept = keepOwner(file, old);
+    // Where modes cannot be set the new file stays private.
+    static_cast<void>(::fchmod(file, keptMode(old.st_mode, isGroupKept, way)));
+}
+
+/// A new file beside the one that it will replace; it goes with this object unless it was moved there.
+class FreshFile
+{
+public:
+    FreshFile(fs::path target, mode_t mode) : m_target(std::move(target)), m_file(create(mode)) {}
+    ~FreshFile()
+    {
+        if (!m_isMoved && m_file.isOpen())
+            ::unlink(m_name.c_str());
+    }
+    FreshFile(const FreshFile&) = delete;
+    FreshFile& operator=(const FreshFile&) = delete;
+
+    bool isOpen() const { return m_file.isOpen(); }
+    int fd() const { return m_file.fd(); }
+    bool moveToTarget()
+    {
+        m_isMoved = ::rename(m_name.c_str(), m_target.c_str()) == 0;
+        return m_isMoved;
+    }
+
+private:
+    int create(mode_t mode)
+    {
+        for (int attempt = 0; attempt < 100; ++attempt) {
+            const quint32 number = QRandomGenerator::system()->generate();
+            m_name = m_target.parent_path() / (".whole-" + std::to_string(number));
+            const int file = ::open(m_name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+            if (file >= 0 || errno != EEXIST)
+                return file;
+        }
+        return -1;
+    }
+
+    fs::path m_target;
+    fs::path m_name;
+    Descriptor m_file;
+    bool m_isMoved = false;
+};
+
+/// Whether the last call was refused for what the folder allows, and not for what is in it.
+bool isFolderClosed()
+{
+    return errno == EACCES || errno == EPERM;
+}
+
+bool isWritable(const fs::path& name)
+{
+    return Descriptor(::open(name.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK)).isOpen();
+}
+
+/// Makes sure that an open file can take `size` bytes. It may be longer afterwards, also on failure.
+bool reserve(int file, off_t before, off_t size)
+{
+#ifdef __APPLE__
+    fstore_t store{F_ALLOCATEALL, F_PEOFPOSMODE, 0, size - before, 0};
+    return size <= before || ::fcntl(file, F_PREALLOCATE, &store) != -1;
+#else
+    static_cast<void>(before); // holes in the file are filled too
+    errno = size > 0 ? ::posix_fallocate(file, 0, size) : 0;
+    return errno == 0;
+#endif
+}
+
+bool writeFromStart(int file, const QByteArray& content, off_t size)
+{
+    return ::lseek(file, 0, SEEK_SET) == 0 && writeAll(file, content) && bringToDisk(file) &&
+           ::ftruncate(file, size) == 0;
+}
+
+Outcome writeInPlace(const fs::path& name, const QByteArray& content)
+{
+    const Descriptor file(::open(name.c_str(), O_RDWR | O_CLOEXEC));
+    QFile reader;
+    if (!file.isOpen() || !reader.open(file.fd(), QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return failed(WholeFileResult::OpenFailed);
+    const qint64 before = reader.size();
+    const QByteArray overwritten = reader.read(content.size()); // what lies behind goes last, when all else is done
+    if (overwritten.size() != qMin<qint64>(before, content.size()))
+        return failed(WholeFileResult::OpenFailed);
+    const bool hasRoom = reserve(file.fd(), before, content.size());
+    if (hasRoom && writeFromStart(file.fd(), content, content.size()))
+        return {};
+    const Outcome outcome = failed(WholeFileResult::WriteFailed);
+    writeFromStart(file.fd(), hasRoom ? overwritten : QByteArray(), before);
+    return outcome;
+}
+
+Outcome writeThrough(const fs::path& device, const QByteArray& content)
+{
+    Descriptor file(::open(device.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC));
+    if (!file.isOpen())
+        return failed(WholeFileResult::OpenFailed);
+    return writeAll(file.fd(), content) && file.close() ? Outcome() : failed(WholeFileResult::WriteFailed);
+}
+
+Outcome replace(const fs::path& name, const QByteArray& content, WholeFileWay way)
+{
+    struct stat old
+    {};
+    const FileKind kind = look(name, old);
+    if (kind == FileKind::Device)
+        return writeThrough(name, content);
+    const bool isThere = kind == FileKind::Regular;
+    if (kind == FileKind::Other || (isThere && way == WholeFileWay::Update && !isWritable(name)))
+        return failed(WholeFileResult::OpenFailed);
+    FreshFile fresh(way == WholeFileWay::RenewName ? name : followed(name), isThere ? privateMode : newFileMode);
+    if (fresh.isOpen()) {
+        if (isThere)
+            keepAttributes(fresh.fd(), old, way);
+        if (!writeAll(fresh.fd(), content) || !bringToDisk(fresh.fd()))
+            return failed(WholeFileResult::WriteFailed);
+        if (fresh.moveToTarget())
+            return {};
+    }
+    if (isThere && isFolderClosed()) // also one where only the owner of a file may replace it
+        return writeInPlace(name, content);
+    return failed(fresh.isOpen() ? WholeFileResult::WriteFailed : WholeFileResult::OpenFailed);
+}
+
+bool copyBytes(QFile& from, int to)
 {
     while (!from.atEnd()) {
         const QByteArray block = from.read(copyBlock);
-        if (block.isEmpty() || to.write(block) != block.size())
+        if (block.isEmpty() || !writeAll(to, block))
             return false;
     }
     return from.error() == QFileDevice::NoError;
 }
 
+mode_t modeOf(QFile::Permissions permissions)
+{
+    const auto bits = static_cast<mode_t>(static_cast<int>(permissions)); // a hexadecimal digit for each three bits
+    return ((bits >> 6) & 0700) | ((bits >> 1) & 0070) | (bits & 0007);
+}
+
 } // namespace
 
-WholeFileResult replaceWholeFile(const QString& path, const QByteArray& content)
+WholeFileResult replaceWholeFile(const QString& path, const QByteArray& content, WholeFileWay way, QString* reason)
 {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return WholeFileResult::OpenFailed;
-    const bool isWritten = file.write(content) == content.size();
-    return commitChecked(file, isWritten) ? WholeFileResult::Written : WholeFileResult::WriteFailed;
+    const Outcome outcome = replace(nativeName(path), content, way);
+    if (reason && outcome.error != 0)
+        *reason = qt_error_string(outcome.error);
+    return outcome.result;
 }
 
 bool copyWholeFile(const QString& source, const QString& destination)
 {
-    QFile from(source);
-    const QFileInfo old(destination);
-    // A copy of a file that may not be written is one itself, and the next copy replaces it all the same.
-    if (old.isFile() && !old.isWritable() && from.exists())
-        QFile::setPermissions(destination, old.permissions() | QFile::WriteOwner);
-    QSaveFile to(destination);
-    if (!from.open(QIODevice::ReadOnly) || !to.open(QIODevice::WriteOnly))
+    QFile from(source); // of the resource system too
+    const fs::path target = nativeName(destination);
+    struct stat old
+    {};
+    const FileKind kind = look(target, old);
+    if (kind == FileKind::Device || kind == FileKind::Other || !QFileInfo(source).isFile() ||
+        !from.open(QIODevice::ReadOnly))
         return false;
-    const bool isCopied = copyBytes(from, to) && to.setPermissions(from.permissions());
-    return commitChecked(to, isCopied);
+    FreshFile fresh(target, privateMode);
+    if (!fresh.isOpen())
+        return false;
+    if (kind == FileKind::Regular)
+        keepOwner(fresh.fd(), old);
+    return copyBytes(from, fresh.fd()) && ::fchmod(fresh.fd(), modeOf(from.permissions())) == 0 &&
+           bringToDisk(fresh.fd()) && fresh.moveToTarget();
+}
+
+bool moveWholeFile(const QString& finished, const QString& path)
+{
+    const fs::path name = nativeName(finished);
+    const fs::path target = nativeName(path);
+    struct stat old
+    {};
+    const FileKind kind = look(target, old);
+    const Descriptor file(::open(name.c_str(), O_RDONLY | O_CLOEXEC));
+    if (kind == FileKind::Device || kind == FileKind::Other || !file.isOpen())
+        return false;
+    if (kind == FileKind::Regular)
+        keepAttributes(file.fd(), old, WholeFileWay::RenewName);
+    return bringToDisk(file.fd()) && ::rename(name.c_str(), target.c_str()) == 0;
+}
+
+FileKind fileKind(const QString& path)
+{
+    struct stat found
+    {};
+    return look(nativeName(path), found);
 }

@@ -3,15 +3,45 @@
 #include <QByteArray>
 #include <QString>
 
-// Files replaced whole: the new content is made beside the old and moved over it. Whatever happens at any moment (a
-// kill, a full disk), the file holds all of the old content or all of the new. A symbolic link is followed. On failure
-// nothing is left beside the file.
+// Files replaced whole: the new content is made beside the old under a short name of its own (".whole-" and digits),
+// brought to the disk and moved over it. Whatever happens at any moment (a kill, a full disk), the file holds all of
+// the old content or all of the new. On failure nothing is left beside the file; after a kill the new one may be.
+//
+// - Owner, group and mode stay as far as this process may set them; a file that loses its group is open to nobody to
+//   whom it was closed.
+// - Only regular files are replaced. A character device is written through; a folder, a block device, a pipe and a
+//   socket are refused, and so are an empty name and one with a NUL in it.
+// - Where the folder may not be changed but the file may, the content is written in place, after its room on the disk
+//   was reserved; when that fails the old content is put back. Only there can a kill leave a mixture.
+//
+// Any thread; they block for the file work. docs/documents.md tells users the same.
 
 enum class WholeFileResult { Written, OpenFailed, WriteFailed };
 
-/// Replaces a file's content; its permissions stay.
-WholeFileResult replaceWholeFile(const QString& path, const QByteArray& content);
+enum class WholeFileWay {
+    Update,    ///< The file goes on: links are followed, its mode stays, and one that may not be written is refused.
+    Renew,     ///< A new file in its place: links are followed, and its owner may write it whatever its mode was.
+    RenewName, ///< As Renew, but a link gives way itself: what it led to stays as it was.
+};
 
-/// Replaces a file by a copy of another, with the other's permissions. A file copied onto itself stays as it is. False
-/// when it fails.
+/// Replaces a file's content, or makes the file. `reason`, where given, gets the system's text for a failure.
+WholeFileResult replaceWholeFile(const QString& path, const QByteArray& content,
+                                 WholeFileWay way = WholeFileWay::Update, QString* reason = nullptr);
+
+/// Replaces a file by a copy of another, with the other's mode; never in place. A link at the destination gives way
+/// itself. A file copied onto itself stays as it is. False when it fails: the destination is then as it was.
 bool copyWholeFile(const QString& source, const QString& destination);
+
+/// Moves a finished file of the same folder, or of a folder in it, over `path`, as RenewName; never in place. It keeps
+/// its own mode where there was no file. False when it fails: `path` is then as it was and `finished` still there.
+bool moveWholeFile(const QString& finished, const QString& path);
+
+/// What a name leads to, through links.
+enum class FileKind {
+    None,    ///< nothing: a file can be made, if the folder is there
+    Regular, ///< a file that can be replaced
+    Device,  ///< a character device
+    Other,   ///< what is no place for a file, or cannot be looked at
+};
+
+FileKind fileKind(const QString& path);
