@@ -14,7 +14,9 @@
 #include <QFile>
 #include <qualityutility/latin1_p.h>
 
+#include <algorithm>
 #include <array>
+#include <limits>
 
 namespace {
 
@@ -489,7 +491,9 @@ void PicQualityFileTool::JsonToMGCoeffs(const QJsonObject& object, MagicGrayCoef
     JsonFields::read(magicTables, object, coeffs);
     // These two come from other producers; this library never writes them.
     readInt(object, latin1("compBase"), [&](int bits) { param.setBaseScaleBit(bits); });
-    readInt(object, latin1("maxDataShiftBase"), [&](int bits) { param.setPWMRangeBit(bits + pwmRangeOffset); });
+    readInt(object, latin1("maxDataShiftBase"), [&](int bits) {
+        param.setPWMRangeBit(std::min(bits, std::numeric_limits<int>::max() - pwmRangeOffset) + pwmRangeOffset);
+    });
 }
 
 // Fine-gray configuration

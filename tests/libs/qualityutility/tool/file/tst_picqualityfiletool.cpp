@@ -355,6 +355,8 @@ private Q_SLOTS:
         QTest::addColumn<int>("pwmRangeBit");
         QTest::newRow("both") << QByteArray(R"({"compBase": 4, "maxDataShiftBase": 4})") << 4 << 12;
         QTest::newRow("text") << QByteArray(R"({"compBase": "4", "maxDataShiftBase": "4"})") << -1 << -1;
+        QTest::newRow("top of the range")
+            << QByteArray(R"({"compBase": 2147483647, "maxDataShiftBase": 2147483647})") << 2147483647 << 2147483647;
         QTest::newRow("not whole") << QByteArray(R"({"compBase": 4.5, "maxDataShiftBase": 4.5})") << 0 << 8;
     }
 
