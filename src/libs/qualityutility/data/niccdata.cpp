@@ -1,5 +1,6 @@
 #include "niccdata.h"
 
+#include <QMutexLocker>
 #include <qualityutility/publishedinstance_p.h>
 
 namespace {
@@ -18,4 +19,28 @@ NICCData* NICCData::getInstance()
 void NICCData::releaseInstance()
 {
     releasePublishedInstance(m_instance);
+}
+
+QString NICCData::getVersion() const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_version;
+}
+
+void NICCData::setVersion(const QString& version)
+{
+    const QMutexLocker lock(&m_mutex);
+    m_version = version;
+}
+
+QDate NICCData::getManageDate() const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_manageDate;
+}
+
+void NICCData::setManageDate(QDate date)
+{
+    const QMutexLocker lock(&m_mutex);
+    m_manageDate = date;
 }

@@ -1,14 +1,16 @@
 #pragma once
 
 #include <QDate>
+#include <QMutex>
 #include <QObject>
 #include <QString>
 #include <qualityutility/qualityutility_export.h>
 
 #include <atomic>
 
-/// Version of the gamut-correction (NICC) data and the day on which it was managed. getInstance() may be called by any
-/// thread; the members are used from one.
+/// Version of the gamut-correction (NICC) data and the day on which it was managed. All but releaseInstance() may be
+/// called by any thread at any time; each call sees a whole value, while two calls may see another thread's change
+/// between them.
 class QUALITYUTILITY_EXPORT NICCData : public QObject
 {
     Q_OBJECT
@@ -19,17 +21,18 @@ public:
     /// Deletes the instance; the next getInstance() starts anew. Nobody may be using it.
     static void releaseInstance();
 
-    QString getVersion() const { return m_version; }
-    void setVersion(const QString& version) { m_version = version; }
+    QString getVersion() const;
+    void setVersion(const QString& version);
     /// The day on which this object was made, until another is set.
-    QDate getManageDate() const { return m_manageDate; }
-    void setManageDate(QDate date) { m_manageDate = date; }
+    QDate getManageDate() const;
+    void setManageDate(QDate date);
 
 private:
     NICCData() = default;
 
     static std::atomic<NICCData*> m_instance;
 
+    mutable QMutex m_mutex; ///< of the two below
     QString m_version = QStringLiteral("2.0");
     QDate m_manageDate = QDate::currentDate();
 };

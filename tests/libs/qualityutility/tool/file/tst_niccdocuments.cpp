@@ -13,6 +13,10 @@
 #include <qualityutility/data/niccdata.h>
 #include <qualityutility/tool/file/picqualityfiletool.h>
 
+#include <atomic>
+#include <thread>
+#include <vector>
+
 using Model::ColorGamutInfo;
 using Tool = PicQualityFileTool;
 
@@ -99,6 +103,34 @@ private Q_SLOTS:
         QVERIFY(back.isOpen && back.target == target);
         QVERIFY(!Tool::writeNiccConfig(m_folder->path(), led, target));
         QCOMPARE(m_log->take(), QStringList{"critical default: file \"" + m_folder->path() + "\" open failed!!!"});
+    }
+
+    void threadsWriteWholeDocumentsWhileTheVersionChanges()
+    {
+        const QStringList versions{QString(40, 'a'), QString(40, 'b')};
+        NICCData& data = *NICCData::getInstance();
+        data.setVersion(versions[0]);
+        std::atomic<int> running{4};
+        std::atomic<int> torn{0};
+        std::vector<std::thread> writers;
+        for (int i = running; i > 0; --i) {
+            writers.emplace_back([&] {
+                for (int n = 0; n < 3000; ++n) {
+                    QByteArray document;
+                    Tool::writeNicc(gamut("led", 0.69), gamut("target", 0.64), document);
+                    const QJsonObject root = QJsonDocument::fromJson(document).object();
+                    torn += versions.contains(root["vesion"].toString()) && !root["Time"].toString().isEmpty() ? 0 : 1;
+                }
+                --running;
+            });
+        }
+        for (int n = 0; running > 0; ++n) {
+            data.setVersion(QString(40, n % 2 == 0 ? 'a' : 'b')); // a text of its own each time
+            data.setManageDate(QDate(2026, 1, 1 + n % 28));
+        }
+        for (std::thread& writer : writers)
+            writer.join();
+        QCOMPARE(torn.load(), 0);
     }
 
     void coverageIsReadThoughNeverWritten()
