@@ -15,8 +15,9 @@ bool readExisting(const QString& path, QIODevice::OpenMode mode, QByteArray& con
         DocumentFile::logFailure(path, "open failed!!!");
         return false;
     }
-    content = file.readAll();
-    if (!content.isEmpty())
+    if (file.size() <= DocumentFile::maximumBytes)
+        content = file.isSequential() ? file.read(DocumentFile::maximumBytes + 1) : file.readAll();
+    if (!content.isEmpty() && content.size() <= DocumentFile::maximumBytes)
         return true;
     DocumentFile::logFailure(path, " invalid!!!");
     return false;
@@ -30,6 +31,21 @@ bool takeParsed(const QByteArray& content, const std::function<void(const QJsonO
         return false;
     take(document.object());
     return true;
+}
+
+bool writeAs(WholeFileWay way, const QString& path, const QByteArray& content)
+{
+    const WholeFileResult result = content.size() > DocumentFile::maximumBytes ? WholeFileResult::WriteFailed
+                                                                               : replaceWholeFile(path, content, way);
+    if (result == WholeFileResult::Written)
+        return true;
+    DocumentFile::logFailure(path, result == WholeFileResult::OpenFailed ? "open failed!!!" : "write failed!!!");
+    return false;
+}
+
+QByteArray toText(const QJsonObject& root)
+{
+    return QJsonDocument(root).toJson(QJsonDocument::Indented);
 }
 
 } // namespace
@@ -49,37 +65,31 @@ bool DocumentFile::isPresent(const QString& path)
 
 bool DocumentFile::write(const QString& path, const QJsonObject& root)
 {
-    return write(path, QJsonDocument(root).toJson(QJsonDocument::Indented));
+    return write(path, toText(root));
 }
 
 bool DocumentFile::write(const QString& path, const QByteArray& content)
 {
-    switch (replaceWholeFile(path, content)) {
-    case WholeFileResult::Written:
-        return true;
-    case WholeFileResult::OpenFailed:
-        logFailure(path, "open failed!!!");
-        return false;
-    case WholeFileResult::WriteFailed:
-        break;
-    }
-    logFailure(path, "write failed!!!");
-    return false;
+    return writeAs(WholeFileWay::RenewName, path, content);
 }
 
 bool DocumentFile::update(const QString& path, const QJsonObject& initial,
                           const std::function<void(QJsonObject& root)>& change)
 {
     QJsonObject root = initial;
-    if (QFile::exists(path)) {
+    const FileKind kind = fileKind(path);
+    if (kind == FileKind::Regular) {
         QByteArray content;
         // For writing too, so that a file that may not be changed is refused here.
         if (!readExisting(path, QIODevice::ReadWrite, content))
             return false;
         root = QJsonDocument::fromJson(content).object();
+    } else if (kind != FileKind::None) { // reading a pipe could wait for ever, and what was read would be gone
+        logFailure(path, "open failed!!!");
+        return false;
     }
     change(root);
-    return write(path, root);
+    return writeAs(WholeFileWay::Update, path, toText(root));
 }
 
 bool DocumentFile::read(const QString& path, const std::function<void(const QJsonObject& root)>& take)

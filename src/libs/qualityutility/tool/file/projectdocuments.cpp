@@ -65,5 +65,5 @@ bool PicQualityFileTool::removeTempProConfig(const QString& archive)
 
 bool PicQualityFileTool::writeRvcardConfig(const QString& path, const QByteArray& content)
 {
-    return replaceWholeFile(path, content) == WholeFileResult::Written;
+    return replaceWholeFile(path, content, WholeFileWay::RenewName) == WholeFileResult::Written;
 }
