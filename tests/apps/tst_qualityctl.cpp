@@ -1,6 +1,8 @@
 #include "support/hostrun.h"
 #include "support/testfiles.h"
 
+#include <sys/stat.h>
+
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
@@ -202,6 +204,21 @@ private Q_SLOTS:
                  qPrintable(shown.out));
         QCOMPARE(run(arguments).exitCode, 73); // nothing is overwritten without being asked
         QCOMPARE(run(arguments + QStringList("--force")).exitCode, 0);
+    }
+
+    void anOutputIsWrittenUnderItsNameOrRefused()
+    {
+        const auto draw = [&](const QString& path) {
+            return run({"gray", "chart", "--table", "gray-table.csv", "--force", "--out", path}).exitCode;
+        };
+        const QString pipe = m_folder.filePath("pipe.svg");
+        QCOMPARE(mkfifo(qPrintable(pipe), 0600), 0);
+        QCOMPARE(draw(pipe), 73);
+        QVERIFY(QFileInfo::exists(pipe) && !QFileInfo(pipe).isFile());
+        QVERIFY(QFile::link("chart.svg", m_folder.filePath("link.svg")));
+        QCOMPARE(draw(m_folder.filePath("link.svg")), 0);
+        QVERIFY(QFileInfo(m_folder.filePath("chart.svg")).isFile());
+        QCOMPARE(draw(m_folder.filePath(QString("not UTF-8 %1.svg").arg(QChar(QChar::ReplacementCharacter)))), 73);
     }
 
     void builtInTablesAndSettingsAreShown()

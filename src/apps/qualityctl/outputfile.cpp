@@ -4,12 +4,25 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QSaveFile>
+#include <qualityutility/tool/file/wholefile_p.h>
+
+namespace {
+
+/// What is not UTF-8 on the command line has become the replacement character.
+void requireSayableName(const QString& path)
+{
+    if (path.contains(QChar::ReplacementCharacter))
+        throw CommandError{ExitCode::CannotCreate,
+                           QStringLiteral("%1: the name is not UTF-8, the file would get another").arg(path)};
+}
+
+} // namespace
 
 void makeOutputFolder(const QString& path)
 {
     if (path.isEmpty())
         throw CommandError{ExitCode::Usage, QStringLiteral("--out: expected a folder, found an empty text")};
+    requireSayableName(path);
     if (QFileInfo::exists(path) && !QFileInfo(path).isDir())
         throw CommandError{ExitCode::CannotCreate,
                            QStringLiteral("--out %1: expected a folder, found a file").arg(path)};
@@ -17,25 +30,31 @@ void makeOutputFolder(const QString& path)
         throw CommandError{ExitCode::CannotCreate, QStringLiteral("--out %1: the folder cannot be made").arg(path)};
 }
 
+bool isRegularFile(const QString& path)
+{
+    return fileKind(path) == FileKind::Regular;
+}
+
 void requireNewFile(const QString& path, bool force)
 {
-    const QFileInfo info(path);
-    if ((info.exists() || info.isSymLink()) && !force) // a dangling link is followed when it is written
+    requireSayableName(path);
+    const FileKind kind = fileKind(path);
+    if (kind == FileKind::Other && QFileInfo::exists(path))
+        throw CommandError{
+            ExitCode::CannotCreate,
+            QStringLiteral("%1: expected a file, found a folder, a pipe or what else cannot be replaced").arg(path)};
+    // A link to nothing is followed when it is written.
+    if ((kind == FileKind::Regular || (kind == FileKind::None && QFileInfo(path).isSymLink())) && !force)
         throw CommandError{ExitCode::CannotCreate, QStringLiteral("%1 exists").arg(path),
                            QStringLiteral("--force replaces it")};
 }
 
 void writeOutputFile(const QString& path, const QByteArray& content)
 {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        throw CommandError{ExitCode::CannotCreate, QStringLiteral("%1: %2").arg(path, file.errorString())};
-    // commit() alone reports success on a full disk; cancelling forgets the cause.
-    const bool isWritten = file.write(content) == content.size() && file.flush();
-    const QString reason = file.errorString();
-    if (!isWritten)
-        file.cancelWriting();
-    if (!isWritten || !file.commit())
-        throw CommandError{ExitCode::InputOutput,
-                           QStringLiteral("%1: %2").arg(path, isWritten ? file.errorString() : reason)};
+    requireSayableName(path);
+    QString reason;
+    const WholeFileResult result = replaceWholeFile(path, content, WholeFileWay::Renew, &reason);
+    if (result != WholeFileResult::Written)
+        throw CommandError{result == WholeFileResult::OpenFailed ? ExitCode::CannotCreate : ExitCode::InputOutput,
+                           QStringLiteral("%1: %2").arg(path, reason)};
 }
