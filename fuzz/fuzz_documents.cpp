@@ -1,4 +1,5 @@
-// Every reader and updater on one document. What an updater leaves must be readable again.
+// Every reader and updater on one document. What an updater leaves must be readable again. Some changes put a number at
+// the edge of a type in the place of another: changing digits one by one hardly ever leads there.
 
 #include "fuzzing.h"
 
@@ -10,6 +11,14 @@
 #include <suite/model/magicgrayparam.h>
 
 #include <qualityutility/tool/file/picqualityfiletool.h>
+
+#include <algorithm>
+#include <array>
+#include <random>
+#include <string>
+#include <string_view>
+
+extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t maxSize);
 
 namespace {
 
@@ -40,7 +49,36 @@ void readAll(const QString& path)
     Tool::readNewNicc(path, name, temperature, fromInput);
 }
 
+constexpr std::array<std::string_view, 10> edges{
+    "2147483647", "-2147483648", "2147483648",        "4294967295", "9007199254740993",
+    "1e308",      "5e-324",      "-9007199254740993", "255.5",      "-1",
+};
+
+/// The document with another number in the place of the first one at or after a place; itself without one.
+std::string withNumber(const std::string& document, std::size_t from, std::string_view number)
+{
+    const std::size_t begin = document.find_first_of("-0123456789", from);
+    if (begin == std::string::npos)
+        return document;
+    const std::size_t end = document.find_first_not_of("-+.eE0123456789", begin);
+    return document.substr(0, begin) + std::string(number) + document.substr(std::min(end, document.size()));
+}
+
 } // namespace
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize,
+                                               unsigned int seed)
+{
+    std::mt19937 random(seed);
+    if (size == 0 || random() % 2 == 0)
+        return LLVMFuzzerMutate(data, size, maxSize);
+    const std::string document(data, data + size);
+    const std::string changed = withNumber(document, random() % size, edges[random() % edges.size()]);
+    if (changed.size() > maxSize)
+        return LLVMFuzzerMutate(data, size, maxSize);
+    std::copy(changed.begin(), changed.end(), data);
+    return changed.size();
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -39,6 +39,8 @@ def documents():
     yield "gray", {"rMeasure": points, "gMeasure": points, "bMeasure": [], "rGrayCoeffs": [1, 2, 255], "magnitudes": [0],
                    "grayEffectPara": {"switchMG": True}, "grayDetailPara": {"peakInvalid": True, "peakLum": 5},
                    "mgData": {"rMG0Measure": points, "rMGMeasure": [{"measure": points}], "mgCurrentLUTs": [1]}}
+    yield "foreign", {"openGray": True, "xbitType": 3, "grayDetailPara": {"peakInvalid": True, "maxLum": 5},
+                      "mgData": {"compBase": 4, "maxDataShiftBase": 4}}
     yield "cache", {"grayAdvance": {"maxNum": 4, "wMeasure": points, "coeffs": {}, "lumTargets": {}}, "wMeasure1": points}
     yield "nicc", {"vesion": "1.0", "Time": "2026-11-21", "LEDColorGamnut": gamut, "TargetColorGamnut": gamut,
                    "IsOpen": True, "UsedIndex": 3}
