@@ -29,6 +29,15 @@ private:
                              cabinets + "}]}");
     }
 
+    /// A named pipe.
+    QString pipe() const
+    {
+        const QString path = m_folder.filePath("pipe");
+        if (!QFile::exists(path) && ::mkfifo(path.toLocal8Bit().constData(), 0600) != 0)
+            qFatal("cannot make a pipe");
+        return path;
+    }
+
     QTemporaryDir m_folder;
 
 private Q_SLOTS:
@@ -103,8 +112,12 @@ private Q_SLOTS:
         const auto row = [](const QString& arguments, int code, const char* message) {
             QTest::newRow(qPrintable(arguments)) << arguments.split(' ') << code << message;
         };
-        const auto file = [&](const char* name, const QByteArray& content) {
+        const auto file = [&](const QString& name, const QByteArray& content) {
             return writeFile(m_folder.filePath(name), content);
+        };
+        const auto large = [&](const QString& name, int mebibytes) {
+            QFile::resize(file(name, {}), qint64{mebibytes} * 1024 * 1024 + 1);
+            return m_folder.filePath(name);
         };
         row("dance", 64, "dance");
         row("send gray", 64, "--table is required");
@@ -129,6 +142,11 @@ private Q_SLOTS:
             "line 3: expected an integer from 0 to 255, found \"256\"");
         row("send gray --table " + file("quoted.csv", "\"1\",\"2\",\"3\",\"4\"\n"), 65, "line 1: expected an integer");
         row("send gray --table " + file("p%1%2.csv", "1 2 3\n"), 65, "p%1%2.csv, line 1: expected 4 columns");
+        row("send gray --table " + file("long.csv", "1 2 3 4" + QByteArray(2000, ' ') + "5\n"), 65,
+            "line 1: expected at most 1024 characters, found 2008");
+        row("send gray --table " + large("large-table", 16), 65, "larger than 16 MiB");
+        row("doc check " + large("large-document", 64), 65, "larger than 64 MiB");
+        row("send bin --file " + pipe(), 66, "expected a file, found a pipe or device");
         row("hub ping --timeout nan", 64, "expected a number from 0.001 to 86400, found nan");
         row("send gray --table " + file("none.csv", "# nothing\n"), 65, "no gray levels");
         row("send gamut --gamut nonsense", 66, "neither a standard gamut nor a file");
@@ -164,6 +182,22 @@ private Q_SLOTS:
         QTEST(json.exitCode, "exitCode");
         QVERIFY2(json.json().value("error")["message"].toString().contains(message), qPrintable(json.out));
         QCOMPARE(json.json().value("error")["code"].toInt(), json.exitCode);
+    }
+
+    void aPipeIsAnInputOnceSomebodyWritesIntoIt()
+    {
+        const Run alone = run({"doc", "check", pipe()});
+        QCOMPARE(alone.exitCode, 66);
+        QVERIFY2(alone.err.contains("document " + pipe() + ": a pipe that nobody writes into"), qPrintable(alone.err));
+        QObject owner;
+        QProcess* named = start({"doc", "check", pipe()}, &owner);
+        writeFile(pipe(), R"({"magnitudes": [1]})"); // opens when the reader has
+        QCOMPARE(finish(named).exitCode, 0);
+        QProcess* anonymous = start({"doc", "check", "/dev/stdin"}, &owner);
+        QVERIFY(anonymous->waitForStarted());
+        anonymous->write(R"({"magnitudes": [1]})");
+        anonymous->closeWriteChannel();
+        QCOMPARE(finish(anonymous).exitCode, 0);
     }
 
     void gamutFiguresAreFractionsAndComeFromTheIntegers()

@@ -78,7 +78,8 @@ CalibrationJournal CalibrationJournal::begin(const QString& path, const QJsonObj
 
 CalibrationJournal CalibrationJournal::read(const QString& path)
 {
-    const QByteArray content = readInputFile(path, QStringLiteral("calibration journal"));
+    constexpr qint64 maxJournalBytes = qint64{256} * 1024 * 1024; // every retry of a large wall adds to it
+    const QByteArray content = readInputFile(path, QStringLiteral("calibration journal"), maxJournalBytes);
     CalibrationJournal journal;
     journal.m_path = path;
     for (int start = 0, end = 0; (end = content.indexOf('\n', start)) >= 0; start = end + 1) {

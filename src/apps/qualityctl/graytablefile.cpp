@@ -12,6 +12,8 @@
 namespace {
 
 constexpr int maxLevels = 65536;
+constexpr int maxLineLength = 1024;
+constexpr qint64 maxTableBytes = qint64{16} * 1024 * 1024;
 
 unsigned char readByte(const QString& text, const QString& place)
 {
@@ -39,18 +41,22 @@ GrayTableFile readGrayTable(const QString& path)
 {
     static const QRegularExpression separators(QStringLiteral("[,;\\s]+"));
     GrayTableFile table;
-    QTextStream stream(readInputFile(path, QStringLiteral("gray table")));
+    QTextStream stream(readInputFile(path, QStringLiteral("gray table"), maxTableBytes));
     bool isFirst = true;
     for (int number = 1; !stream.atEnd(); ++number) {
         const QString line = stream.readLine().trimmed();
         if (line.isEmpty() || line.startsWith(QLatin1Char('#')))
             continue;
+        const QString place = QStringLiteral("gray table %1, line %2").arg(path, QString::number(number));
+        if (line.size() > maxLineLength)
+            throw CommandError{ExitCode::BadData,
+                               QStringLiteral("%1: expected at most %2 characters, found %3")
+                                   .arg(place, QString::number(maxLineLength), QString::number(line.size()))};
         const QStringList columns = line.split(separators);
         const bool skipped = isFirst && isHeading(columns);
         isFirst = false;
         if (skipped)
             continue;
-        const QString place = QStringLiteral("gray table %1, line %2").arg(path, QString::number(number));
         if (columns.size() != 4)
             throw CommandError{ExitCode::BadData,
                                QStringLiteral("%1: expected 4 columns (red, green, blue, magnitude), found %2")

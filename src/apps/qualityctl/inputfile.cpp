@@ -6,20 +6,67 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
 namespace {
+
+#ifdef Q_OS_UNIX
+bool isPipe(const QString& path)
+{
+    struct stat status = {};
+    return ::stat(QFile::encodeName(path).constData(), &status) == 0 && S_ISFIFO(status.st_mode);
+}
+
+/// Opens a pipe, but does not wait for ever for a first writer, as opening a named one would. One that is there may
+/// take all its time. Gives false for a pipe without one.
+bool openPipe(QFile& file)
+{
+    constexpr int patienceMs = 2000; // a shell starts reader and writer side by side
+    const int pipe = ::open(QFile::encodeName(file.fileName()).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (pipe < 0 || !file.open(pipe, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle))
+        return file.open(QIODevice::ReadOnly); // which says what is wrong
+    pollfd first{pipe, POLLIN, 0};
+    if (::poll(&first, 1, patienceMs) == 0) { // neither content nor the end of it
+        char byte = 0;
+        const auto count = ::read(pipe, &byte, 1); // an error, "try again", is a writer who has not written yet
+        if (count == 0)
+            return false;
+        if (count > 0)
+            file.ungetChar(byte);
+    }
+    return ::fcntl(pipe, F_SETFL, ::fcntl(pipe, F_GETFL) & ~O_NONBLOCK) == 0;
+}
+#else
+bool isPipe(const QString&)
+{
+    return false;
+}
+
+bool openPipe(QFile& file)
+{
+    return file.open(QIODevice::ReadOnly);
+}
+#endif
 
 /// Opens a file for reading, once: a pipe can be read only so.
 void openInput(QFile& file, const QString& what)
 {
-    const QFileInfo info(file.fileName());
+    const QString path = file.fileName(); // the file forgets it when it takes over a pipe
+    const auto refuse = [&](const QString& reason) {
+        throw CommandError{ExitCode::NoInput, QStringLiteral("%1 %2: %3").arg(what, path, reason)};
+    };
+    const QFileInfo info(path);
     if (!info.exists())
-        throw CommandError{ExitCode::NoInput, QStringLiteral("%1 %2: no such file").arg(what, file.fileName())};
+        refuse(QStringLiteral("no such file"));
     if (info.isDir())
-        throw CommandError{ExitCode::NoInput,
-                           QStringLiteral("%1 %2: expected a file, found a folder").arg(what, file.fileName())};
-    if (!file.open(QIODevice::ReadOnly))
-        throw CommandError{ExitCode::NoInput,
-                           QStringLiteral("%1 %2: %3").arg(what, file.fileName(), file.errorString())};
+        refuse(QStringLiteral("expected a file, found a folder"));
+    if (!(isPipe(path) ? openPipe(file) : file.open(QIODevice::ReadOnly)))
+        refuse(file.isOpen() ? QStringLiteral("a pipe that nobody writes into") : file.errorString());
 }
 
 } // namespace
@@ -34,10 +81,9 @@ void requireReadableFile(const QString& path, const QString& what)
     openInput(file, what);
 }
 
-QByteArray readInputFile(const QString& path, const QString& what)
+QByteArray readInputFile(const QString& path, const QString& what, qint64 maxBytes)
 {
     constexpr qint64 readBlock = qint64{1024} * 1024;
-    constexpr qint64 maxBytes = qint64{256} * 1024 * 1024;
     QFile file(path);
     openInput(file, what);
     QByteArray content;
@@ -46,7 +92,8 @@ QByteArray readInputFile(const QString& path, const QString& what)
     if (file.error() != QFileDevice::NoError)
         throw CommandError{ExitCode::InputOutput, QStringLiteral("%1 %2: %3").arg(what, path, file.errorString())};
     if (content.size() > maxBytes)
-        throw CommandError{ExitCode::BadData, QStringLiteral("%1 %2: larger than 256 MiB").arg(what, path)};
+        throw CommandError{ExitCode::BadData,
+                           QStringLiteral("%1 %2: larger than %3 MiB").arg(what, path).arg(maxBytes / readBlock)};
     return content;
 }
 

@@ -9,8 +9,12 @@
 /// than once.
 void requireReadableFile(const QString& path, const QString& what);
 
-/// The whole content, also of a pipe. Throws CommandError: no input; bad data for more than 256 MiB.
-QByteArray readInputFile(const QString& path, const QString& what);
+/// The most that an input may hold unless its kind says otherwise; docs/calibration.md lists them.
+constexpr qint64 maxInputBytes = qint64{64} * 1024 * 1024;
+
+/// The whole content, also of a pipe: a named one that nobody writes into within two seconds is refused. Throws
+/// CommandError: no input; bad data for more than `maxBytes`.
+QByteArray readInputFile(const QString& path, const QString& what, qint64 maxBytes = maxInputBytes);
 
 /// The content as a JSON object. Throws as readInputFile, and bad data for what is not one.
 QJsonObject readJsonObject(const QString& path, const QString& what);

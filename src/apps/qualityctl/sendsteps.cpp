@@ -107,6 +107,7 @@ SendStep modeStep(bool isOn, bool keepOthers)
 
 SendStep binStep(const QString& path)
 {
+    requireReadableFile(path, QStringLiteral("binary")); // the library reads it once more
     const QByteArray content = readInputFile(path, QStringLiteral("binary"));
     SendStep step;
     step.name = QStringLiteral("bin");

@@ -13,6 +13,7 @@ namespace Service {
 
 namespace {
 
+constexpr qint64 maxMebibytes = 32;                    // some 350,000 cabinets with all their members
 constexpr double maxExactInteger = 9007199254740991.0; // 2^53 - 1: above it a JSON number may name two integers
 
 QString describe(const QJsonValue& value)
@@ -219,9 +220,14 @@ std::optional<Wall> readWall(const QString& filePath, QString& error)
         error = QStringLiteral("wall document %1: cannot be read: %2").arg(filePath, file.errorString());
         return std::nullopt;
     }
-    const QByteArray bytes = file.readAll();
+    constexpr qint64 maxBytes = maxMebibytes * 1024 * 1024;
+    const QByteArray bytes = file.read(maxBytes + 1);
     if (file.error() != QFileDevice::NoError) {
         error = QStringLiteral("wall document %1: cannot be read: %2").arg(filePath, file.errorString());
+        return std::nullopt;
+    }
+    if (bytes.size() > maxBytes) {
+        error = QStringLiteral("wall document %1: larger than %2 MiB").arg(filePath).arg(maxMebibytes);
         return std::nullopt;
     }
     QJsonParseError parse;

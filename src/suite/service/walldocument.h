@@ -20,8 +20,9 @@ struct WallDevice
 /// Devices in the document's order.
 using Wall = std::vector<WallDevice>;
 
-/// Reads a wall document (JSON, see docs/wall-document.md). On failure gives nothing and writes to `error` the file,
-/// the place (line and column, or a path such as devices[2].cabinets[0].cid) and what was expected and found.
+/// Reads a wall document (JSON of at most 32 MiB, see docs/wall-document.md). On failure gives nothing and writes to
+/// `error` the file, the place (line and column, or a path such as devices[2].cabinets[0].cid) and what was expected
+/// and found.
 SUITE_SERVICE_EXPORT std::optional<Wall> readWall(const QString& filePath, QString& error);
 
 /// Reads a wall document and, only if all of it is good, makes it the registry's content. Returns whether it did.

@@ -112,6 +112,10 @@ private Q_SLOTS:
         QVERIFY2(error.contains("absent.json: cannot be read: No such file"), qPrintable(error));
         QVERIFY(!Service::readWall(m_folder.path(), error)); // a folder
         QVERIFY2(error.contains("cannot be read"), qPrintable(error));
+        const QString path = write({});
+        QVERIFY(QFile::resize(path, 32 * 1024 * 1024 + 1));
+        QVERIFY(!Service::readWall(path, error));
+        QVERIFY2(error.endsWith("larger than 32 MiB"), qPrintable(error));
     }
 };
 
