@@ -7,7 +7,7 @@ namespace {
 /// How much later than its timeout a request with Fault::Late is answered.
 constexpr std::chrono::milliseconds lateBy{50};
 
-FaultChance drawFault(const DeviceBehaviour& behaviour, std::mt19937& random)
+FaultChance drawFault(const DeviceBehaviour& behaviour, std::minstd_rand& random)
 {
     double roll = std::uniform_real_distribution<double>(0.0, 1.0)(random);
     for (const FaultChance& entry : behaviour.faults) {
@@ -48,7 +48,8 @@ std::shared_ptr<SimulatedWall> SimulatedWall::create(const Service::Wall& wall, 
             return nullptr;
         }
         std::seed_seq deviceSeed{seed, index++};
-        result->m_devices.emplace(id, Device{SimulatedDevice(device.entry), *behaviour, std::mt19937(deviceSeed), {}});
+        result->m_devices.emplace(id,
+                                  Device{SimulatedDevice(device.entry), *behaviour, std::minstd_rand(deviceSeed), {}});
     }
     result->m_worker = std::thread([wall = result.get()] { wall->run(); });
     return result;

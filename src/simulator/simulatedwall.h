@@ -40,7 +40,7 @@ private:
     {
         SimulatedDevice device;
         DeviceBehaviour behaviour;
-        std::mt19937 random;
+        std::minstd_rand random; ///< a few bytes: a wall may have very many devices
         Clock::time_point freeAt;
     };
 
