@@ -41,7 +41,11 @@ private:
     QTemporaryDir m_folder;
 
 private Q_SLOTS:
-    void initTestCase() { qputenv("SUITE_COMPANY_DIR", m_folder.filePath("company").toLocal8Bit()); }
+    void initTestCase()
+    {
+        qputenv("SUITE_COMPANY_DIR", m_folder.filePath("company").toLocal8Bit());
+        qputenv("TMPDIR", m_folder.path().toLocal8Bit());
+    }
 
     void modeChangesTheGamutBitOfEachCabinetAndNothingElse()
     {
@@ -238,6 +242,18 @@ private Q_SLOTS:
                  qPrintable(shown.out));
         QCOMPARE(run(arguments).exitCode, 73); // nothing is overwritten without being asked
         QCOMPARE(run(arguments + QStringList("--force")).exitCode, 0);
+        // A disk with room for the first document of another calibration, and not for the second.
+        const auto contents = [&] {
+            return readFile(documents[0]["path"].toString()) + readFile(documents[1]["path"].toString());
+        };
+        const QByteArray before = contents();
+        QStringList other = arguments + QStringList("--force");
+        other[3] = writeFile(m_folder.filePath("other.json"),
+                             readFile(EXAMPLES "/gray-calibration.json").replace("0.02", "0.03"));
+        Hindrance full;
+        full.fileBytes = static_cast<rlim_t>((documents[0]["bytes"].toInt() + documents[1]["bytes"].toInt()) / 2);
+        QCOMPARE(run(other, full).exitCode, 74);
+        QCOMPARE(contents(), before);
     }
 
     void anOutputIsWrittenUnderItsNameOrRefused()

@@ -105,8 +105,8 @@ void CalibrationJournal::append(const DeviceRecord& record)
     const QByteArray added = line(toJson(record));
     QFile file(m_path);
     // A line that an earlier end cut short makes room.
-    if (!file.open(QIODevice::ReadWrite) || !file.resize(m_wholeBytes) || !file.seek(m_wholeBytes) ||
-        file.write(added) != added.size() || !file.flush())
+    if (!file.open(QIODevice::ReadWrite | QIODevice::Unbuffered) || !file.resize(m_wholeBytes) ||
+        !file.seek(m_wholeBytes) || !writeThrough(file, added))
         throw CommandError{ExitCode::InputOutput, QStringLiteral("%1: %2").arg(m_path, file.errorString())};
     m_wholeBytes += added.size();
     m_records.insert(record.device, record);

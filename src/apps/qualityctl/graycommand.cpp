@@ -2,6 +2,7 @@
 #include "graycalibration.h"
 #include "hostcharts.h"
 #include "hostlog.h"
+#include "inputfile.h"
 #include "outputfile.h"
 
 #include <CLI/CLI.hpp>
@@ -14,6 +15,8 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonArray>
+#include <QSaveFile>
+#include <QTemporaryDir>
 #include <qualityutility/resource/picqualityresource.h>
 #include <qualityutility/tool/file/picqualityfiletool.h>
 
@@ -30,6 +33,11 @@ struct GrayArguments
 
 struct Paths
 {
+    explicit Paths(const QString& folder)
+        : config(QDir(folder).filePath(QStringLiteral("fine-gray.gray"))),
+          cache(QDir(folder).filePath(QStringLiteral("grayCache.gray")))
+    {}
+
     QString config;
     QString cache;
 };
@@ -38,8 +46,7 @@ Paths preparePaths(const GrayArguments& arguments)
 {
     const QString folder = QString::fromStdString(arguments.out);
     makeOutputFolder(folder);
-    const Paths paths{QDir(folder).filePath(QStringLiteral("fine-gray.gray")),
-                      QDir(folder).filePath(QStringLiteral("grayCache.gray"))};
+    const Paths paths(folder);
     for (const QString& path : {paths.config, paths.cache})
         requireNewFile(path, arguments.force);
     return paths;
@@ -57,6 +64,37 @@ bool writeCache(const QString& path, const GrayCalibration& calibration)
     return Tool::writeFineGrayCache(path, calibration.red, calibration.green, calibration.blue) &&
            Tool::updateFineGrayCache(path, calibration.advance) &&
            Tool::updateFineGrayCache(path, calibration.magicGray);
+}
+
+/// Opens a file for a replacement, and writes it. Throws CommandError: cannot create, or input/output.
+void prepareReplacement(QSaveFile& file, const QByteArray& content)
+{
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        throw CommandError{ExitCode::CannotCreate, QStringLiteral("%1: %2").arg(file.fileName(), file.errorString())};
+    if (!writeThrough(file, content))
+        throw CommandError{ExitCode::InputOutput, QStringLiteral("%1: %2").arg(file.fileName(), file.errorString())};
+}
+
+/// Puts both documents in their places, or none: a document takes several steps to write, so they are made elsewhere,
+/// and stand on the disk whole before the first takes its place.
+void writeBoth(const Paths& paths, const GrayCalibration& calibration)
+{
+    const QTemporaryDir own;
+    const Paths made(own.path());
+    if (!own.isValid() || !writeConfiguration(made.config, calibration) || !writeCache(made.cache, calibration))
+        throw CommandError{ExitCode::InputOutput,
+                           QStringLiteral("%1: the documents cannot be written").arg(QDir::tempPath()),
+                           HostLog::takeCriticalLine()};
+    QSaveFile config(paths.config);
+    QSaveFile cache(paths.cache);
+    constexpr qint64 maxBytes = 16 * maxInputBytes; // a document is longer than what it is made from
+    prepareReplacement(config, readInputFile(made.config, QStringLiteral("document"), maxBytes));
+    prepareReplacement(cache, readInputFile(made.cache, QStringLiteral("document"), maxBytes));
+    for (QSaveFile* file : {&config, &cache}) {
+        if (!file->commit())
+            throw CommandError{ExitCode::InputOutput,
+                               QStringLiteral("%1: %2").arg(file->fileName(), file->errorString())};
+    }
 }
 
 /// What a configuration or a cache gives back of a calibration, compared with it.
@@ -85,10 +123,7 @@ CommandResult writeDocuments(const GrayArguments& arguments, const Output& outpu
     const GrayCalibration calibration = readGrayCalibration(QString::fromStdString(arguments.calibration));
     const Paths paths = preparePaths(arguments);
     HostLog::install(output.quiet);
-    if (!writeConfiguration(paths.config, calibration) || !writeCache(paths.cache, calibration))
-        throw CommandError{
-            ExitCode::InputOutput,
-            QStringLiteral("%1: the documents cannot be written").arg(QString::fromStdString(arguments.out))};
+    writeBoth(paths, calibration);
     CommandResult result;
     QList<QStringList> rows{{QStringLiteral("document"), QStringLiteral("bytes"), QStringLiteral("read back")}};
     QJsonArray documents;

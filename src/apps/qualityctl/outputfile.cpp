@@ -3,6 +3,7 @@
 #include "output.h"
 
 #include <QDir>
+#include <QFileDevice>
 #include <QFileInfo>
 #include <qualityutility/tool/file/wholefile_p.h>
 
@@ -47,6 +48,14 @@ void requireNewFile(const QString& path, bool force)
     if ((kind == FileKind::Regular || (kind == FileKind::None && QFileInfo(path).isSymLink())) && !force)
         throw CommandError{ExitCode::CannotCreate, QStringLiteral("%1 exists").arg(path),
                            QStringLiteral("--force replaces it")};
+}
+
+bool writeThrough(QFileDevice& file, const QByteArray& content)
+{
+    qint64 done = 0;
+    for (qint64 step = 1; step > 0 && done < content.size(); done += step)
+        step = file.write(content.constData() + done, content.size() - done);
+    return done == content.size();
 }
 
 void writeOutputFile(const QString& path, const QByteArray& content)

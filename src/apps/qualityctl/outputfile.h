@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
+class QFileDevice;
+
 // Files that a command makes for the user. A name that is not UTF-8 is refused: the file would get another one.
 
 /// Makes a folder with its parents. Throws CommandError, usage or cannot create.
@@ -19,3 +21,8 @@ void requireNewFile(const QString& path, bool force);
 /// Replaces a file whole, also one that may not be written, and keeps whose it is and who may read it; a link is
 /// followed. Throws CommandError: cannot create, or input/output.
 void writeOutputFile(const QString& path, const QByteArray& content);
+
+/// Writes all of it to a file that is open unbuffered. When that fails, the file's errorString() says why: Qt itself
+/// gives no reason where a part still fitted.
+bool writeThrough(QFileDevice& file, const QByteArray& content);
+
