@@ -2,7 +2,9 @@
 #include "support/testfiles.h"
 
 #include <suite/model/colorgamutinfo.h>
+#include <sys/stat.h>
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
@@ -230,9 +232,67 @@ private Q_SLOTS:
         QCOMPARE(run(calibrate({"--force", "--bin", out("screen.nrf")})).exitCode, 64);
         QVERIFY(QFile::remove(out("screen.nrf")));
         QCOMPARE(run(calibrate({"--html", m_folder->path(), "--force"})).exitCode, 73);
+        const QString pipe = m_folder->filePath("pipe");
+        QCOMPARE(::mkfifo(pipe.toLocal8Bit().constData(), 0600), 0);
+        QVERIFY(run(calibrate({"--html", pipe, "--force"})).out.contains("expected a file, found a pipe or device"));
         QCOMPARE(run({"verify", out()}).exitCode, 66);
         writeFile(out("calibration.jsonl"), "{}\n");
         QCOMPARE(run({"verify", out()}).exitCode, 65);
+    }
+
+    void whatCannotBeWrittenSaysWhy_data()
+    {
+        QTest::addColumn<qint64>("fileBytes"); ///< 0: no limit
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("no room for the lock") << qint64{1} << 74 << "calibration.lock: cannot be made: File too large";
+        QTest::newRow("no room for the journal") << qint64{500} << 74 << "calibration.jsonl: File too large";
+        QTest::newRow("no room for a chart") << qint64{17000} << 74 << "gamut-xy.svg: File too large";
+        QTest::newRow("no permission") << qint64{0} << 73 << "calibration.lock: cannot be made: Permission denied";
+    }
+
+    void whatCannotBeWrittenSaysWhy()
+    {
+        QFETCH(qint64, fileBytes);
+        Hindrance hindrance;
+        if (fileBytes > 0)
+            hindrance.fileBytes = static_cast<rlim_t>(fileBytes);
+        else
+            hindrance.obeysPermissions = true;
+        QVERIFY(QDir().mkpath(out()));
+        if (hindrance.obeysPermissions)
+            QVERIFY(QFile::setPermissions(out(), QFile::ReadOwner | QFile::ExeOwner));
+        const Run done = run(calibrate(), hindrance);
+        QFile::setPermissions(out(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        QTEST(done.exitCode, "exitCode");
+        QFETCH(QString, message);
+        QCOMPARE(done.json().value("error")["message"].toString(), out(message));
+    }
+
+    void aRunThatEndsEarlyLeavesWhatIsTrue()
+    {
+        // A kill between making the lock and writing its owner left it so.
+        QFile lock(writeFile(out("calibration.lock"), {}));
+        QVERIFY(lock.open(QIODevice::ReadWrite));
+        QVERIFY(lock.setFileTime(QDateTime::currentDateTime().addSecs(-5), QFileDevice::FileModificationTime));
+        const QStringList arguments = calibrate(wall("{}"));
+        QCOMPARE(run(arguments).exitCode, 0);
+        // A finished calibration stays one, with its switch on, whatever becomes of a further run.
+        const QByteArray nicc = readFile(out("screen.nicc"));
+        Hindrance full;
+        full.fileBytes = static_cast<rlim_t>(nicc.size() - 1);
+        QCOMPARE(run(arguments + QStringList("--resume"), full).exitCode, 74);
+        QCOMPARE(readFile(out("screen.nicc")), nicc);
+        full.fileBytes = 500; // room for the lock, none for the journal
+        QCOMPARE(run(arguments + QStringList("--force"), full).exitCode, 74);
+        QCOMPARE(readFile(out("screen.nicc")), nicc);
+        // A new one that was killed as soon as its journal stood still has the documents of the earlier one.
+        const QByteArray journal = readFile(out("calibration.jsonl"));
+        writeFile(out("calibration.jsonl"), journal.left(journal.indexOf('\n') + 1));
+        writeFile(out("gray.svg"), "of a calibration with a table");
+        QCOMPARE(run({"verify", out(), "--max-de", "11"}).exitCode, 65);
+        QCOMPARE(run(arguments + QStringList("--resume")).exitCode, 0);
+        QVERIFY(!QFile::exists(out("gray.svg")));
     }
 
     void projectCommandsLoseNothing()
@@ -269,6 +329,13 @@ private Q_SLOTS:
         QVERIFY(!done.out.contains(QChar(0x1b)) && done.out.contains("<script>%1"));
         QVERIFY(!readFile(out("report.html")).contains("<script"));
         checkDocuments();
+        // A report's link is followed, also when it is made anew.
+        const QString report = writeFile(m_folder->filePath("site/report.html"), "earlier");
+        QVERIFY(QFile::link(report, m_folder->filePath("link.html")));
+        QCOMPARE(
+            run(calibrate(wall("{}")) + QStringList({"--force", "--html", m_folder->filePath("link.html")})).exitCode,
+            0);
+        QVERIFY(readFile(report).contains("Calibration of"));
     }
 
     void chartsAreWrittenByTheirSuffix()

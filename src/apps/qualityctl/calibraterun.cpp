@@ -16,6 +16,8 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLockFile>
+#include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <qualityutility/tool/file/picqualityfiletool.h>
 
 namespace {
@@ -106,6 +108,9 @@ bool isSameFile(const QString& first, const QString& second)
 void checkFiles(const CalibrateOptions& options, const CalibrationFiles& files)
 {
     const QFileInfo html(files.html);
+    if (html.exists() && !html.isFile() && !html.isDir())
+        throw CommandError{ExitCode::CannotCreate,
+                           QStringLiteral("--html %1: expected a file, found a pipe or device").arg(files.html)};
     if (html.isDir() || !html.absoluteDir().exists())
         throw CommandError{ExitCode::CannotCreate,
                            QStringLiteral("--html %1: expected a file in a folder that is there").arg(files.html)};
@@ -127,6 +132,13 @@ void checkFiles(const CalibrateOptions& options, const CalibrationFiles& files)
         requireNewFile(files.html, options.force);
 }
 
+/// Removes those of the calibration that this one replaces: what a link leads to, so that the link is followed again.
+void removeDocuments(const CalibrationFiles& files)
+{
+    for (const QString& path : files.outputs())
+        QFile::remove(QFileInfo::exists(path) ? QFileInfo(path).canonicalFilePath() : path);
+}
+
 CalibrationJournal openJournal(const CalibrateOptions& options, const CalibrationFiles& files,
                                const QJsonObject& inputs)
 {
@@ -137,9 +149,10 @@ CalibrationJournal openJournal(const CalibrateOptions& options, const Calibratio
     if (!options.resume || !QFileInfo::exists(files.journal)) {
         for (const QString& path : files.outputs())
             requireNewFile(path, options.force);
-        for (const QString& path : files.outputs())
-            QFile::remove(path); // of the calibration that this one replaces
-        return CalibrationJournal::begin(files.journal, inputs);
+        // Only then: a kill in between must leave no folder whose journal tells of documents that are gone.
+        const CalibrationJournal begun = CalibrationJournal::begin(files.journal, inputs);
+        removeDocuments(files);
+        return begun;
     }
     CalibrationJournal journal = CalibrationJournal::read(files.journal);
     for (auto it = inputs.begin(); it != inputs.end(); ++it) {
@@ -148,13 +161,63 @@ CalibrationJournal openJournal(const CalibrateOptions& options, const Calibratio
                                QStringLiteral("--resume: %1 was begun with another %2").arg(files.journal, it.key()),
                                QStringLiteral("give the inputs of the first run, or --force to begin anew")};
     }
+    if (journal.records().isEmpty())
+        removeDocuments(files); // a run that was ended at its begin may not have come to it
     return journal;
+}
+
+/// `fault` with the reason why no file can be made in a folder, or not grow there; as it is where one can.
+QString withObstacle(const QString& fault, const QString& folder)
+{
+    constexpr int probeBytes = 65536;
+    QTemporaryFile probe(QDir(folder).filePath(QStringLiteral("probe-XXXXXX")));
+    const bool isGood = probe.open() && writeThrough(probe, QByteArray(probeBytes, 0));
+    return isGood ? fault : QStringLiteral("%1: %2").arg(fault, probe.errorString());
 }
 
 [[noreturn]] void throwNotWritten(const QString& path)
 {
-    throw CommandError{ExitCode::InputOutput, QStringLiteral("%1: cannot be written").arg(path),
-                       HostLog::takeCriticalLine()};
+    const QString line = HostLog::takeCriticalLine();
+    throw CommandError{ExitCode::InputOutput,
+                       withObstacle(QStringLiteral("%1: cannot be written").arg(path), QFileInfo(path).path()), line};
+}
+
+[[noreturn]] void throwNotLocked(const QLockFile& lock, const QString& path)
+{
+    const QString folder = QFileInfo(path).path();
+    qint64 process = 0;
+    QString host;
+    QString application;
+    if (lock.error() != QLockFile::LockFailedError)
+        throw CommandError{lock.error() == QLockFile::PermissionError ? ExitCode::CannotCreate : ExitCode::InputOutput,
+                           withObstacle(QStringLiteral("%1: cannot be made").arg(path), folder)};
+    if (!lock.getLockInfo(&process, &host, &application))
+        throw CommandError{ExitCode::Unavailable,
+                           QStringLiteral("%1: names no owner, and cannot be removed").arg(path)};
+    throw CommandError{ExitCode::Unavailable, QStringLiteral("%1: another calibration is at work there").arg(folder),
+                       QStringLiteral("process %1 on %2").arg(QString::number(process), host)};
+}
+
+/// Takes the lock of a calibration's folder. Throws CommandError: unavailable, cannot create, input/output.
+void takeLock(QLockFile& lock, const QString& path)
+{
+    constexpr int ownerlessMs = 1000;
+    constexpr int attempts = 30;
+    constexpr int attemptMs = 100;
+    const auto isOwnerless = [&lock] {
+        qint64 process = 0;
+        QString text;
+        return lock.error() == QLockFile::LockFailedError && !lock.getLockInfo(&process, &text, &text);
+    };
+    lock.setStaleLockTime(0); // a lock with a living owner never gets old
+    bool isTaken = lock.tryLock(0);
+    // An owner is written as soon as the file is made: one that stays without was left by a kill in between.
+    for (int i = 0; i < attempts && !isTaken && isOwnerless(); ++i) {
+        lock.setStaleLockTime(ownerlessMs);
+        isTaken = lock.tryLock(attemptMs);
+    }
+    if (!isTaken)
+        throwNotLocked(lock, path);
 }
 
 Model::FineGrayCoeffs fineGrayOf(const GrayTableFile& table)
@@ -167,13 +230,24 @@ Model::FineGrayCoeffs fineGrayOf(const GrayTableFile& table)
     return coeffs;
 }
 
+/// Replaces the NICC configuration with its switch at once: at no moment is one off that was on.
+void writeNicc(const QString& path, const CalibrationContent& content, bool isOpen)
+{
+    const QTemporaryDir own;
+    const QString made = own.filePath(QStringLiteral("made.nicc"));
+    if (!own.isValid() || !Tool::writeNiccConfig(made, content.measured, content.target) ||
+        !Tool::updateNiccOpenConfig(made, isOpen))
+        throw CommandError{
+            ExitCode::InputOutput,
+            withObstacle(QStringLiteral("%1: cannot be written").arg(QDir::tempPath()), QDir::tempPath())};
+    writeOutputFile(path, readInputFile(made, QStringLiteral("document")));
+}
+
 /// Writes what is known before anything is sent. Gives the files.
-QStringList writeDocuments(const CalibrationFiles& files, const CalibrationContent& content)
+QStringList writeDocuments(const CalibrationFiles& files, const CalibrationContent& content, bool isDone)
 {
     QStringList written{files.nicc};
-    if (!Tool::writeNiccConfig(files.nicc, content.measured, content.target) ||
-        !Tool::updateNiccOpenConfig(files.nicc, false))
-        throwNotWritten(files.nicc);
+    writeNicc(files.nicc, content, isDone);
     if (!content.table.isEmpty()) {
         if (!Tool::writeFineGrayConfig(files.gray, {}, {}, {}, fineGrayOf(readGrayTable(content.table))))
             throwNotWritten(files.gray);
@@ -185,6 +259,15 @@ QStringList writeDocuments(const CalibrationFiles& files, const CalibrationConte
         written << files.cabinet;
     }
     return written;
+}
+
+/// Whether there is nothing left to send.
+bool isDone(const CalibrationTarget& target, const CalibrationJournal& journal)
+{
+    const auto devices = target.devices();
+    return std::all_of(devices.begin(), devices.end(), [&journal](const std::string& device) {
+        return journal.records().value(QString::fromStdString(device)).isDone();
+    });
 }
 
 /// Serves the devices that the journal does not have done.
@@ -281,12 +364,11 @@ CommandResult runCalibrate(const CalibrateOptions& options, const Output& output
     report.target = target->name();
     const CalibrationFiles files(options);
     makeOutputFolder(QString::fromStdString(options.out));
-    QLockFile lock(files.in("calibration.lock"));
-    if (!lock.tryLock(0))
-        throw CommandError{ExitCode::Unavailable,
-                           QStringLiteral("%1: another calibration is at work there").arg(files.folder.path())};
+    const QString lockPath = files.in("calibration.lock");
+    QLockFile lock(lockPath);
+    takeLock(lock, lockPath);
     CalibrationJournal journal = openJournal(options, files, inputsOf(options, content, *target));
-    report.files = writeDocuments(files, content);
+    report.files = writeDocuments(files, content, isDone(*target, journal));
     {
         const Interrupt interrupt(Interrupt::What::FinishRunning);
         serveAll(*target, journal, report, output);
