@@ -30,16 +30,16 @@ class MagicGrayParam;
 /// work. Nothing throws.
 ///
 /// File operations are of three kinds, and log their failures as critical lines `file "<path>" <text>`:
-/// - Writers (write...) replace the document; updaters (update...) replace only their own keys and keep all others,
-/// creating a missing
-///   file as the empty fine-gray configuration. Both replace the file whole: after a kill or on a full disk it holds
-///   the old document or the new one. False with "open failed!!!" (a folder, no parent folder, no permission) or "write
-///   failed!!!"; an updater also with " invalid!!!" for an empty file. An updater takes what is not a JSON object for
+/// - Writers (write...) make a new document in the place of the old one; updaters (update...) replace only their own
+///   keys and keep all others, creating a missing file as the empty fine-gray configuration. Both replace the file
+///   whole: after a kill or on a full disk it holds the old document or the new one (docs/documents.md has the one
+///   exception, and what becomes of links, devices, closed folders and the file's owner). False with "open failed!!!"
+///   (a folder, no parent folder, no permission, an empty name) or "write failed!!!"; an updater also with
+///   " invalid!!!" for an empty file and for one of more than 256 MiB. An updater takes what is not a JSON object for
 ///   an empty one.
 /// - Readers (read...) fill what they find under a known key of the right type and leave every other output as it was.
-/// False with "can not
-///   find!!!", "open failed!!!" or, for an empty file, " invalid!!!"; content that is not JSON gives true and fills
-///   nothing.
+///   False with "can not find!!!", "open failed!!!" or, for an empty file and for one of more than 256 MiB,
+///   " invalid!!!"; content that is not JSON gives true and fills nothing.
 ///
 /// Points are luminance (cd/m2) and CIE 1931 xy; their names are not stored.
 class QUALITYUTILITY_EXPORT PicQualityFileTool
@@ -80,9 +80,9 @@ public:
     static void mapToJsonArray(const MeasureSeries& series, QJsonArray& out);
     static void jsonArrayToMap(const QJsonArray& array, MeasureSeries& out);
 
-    /// Copies a file over another, which is replaced whole; permissions come along. False, with the line `file
-    /// "<source>" not find`, when there is no source, and when the copy cannot be made: the destination is then as it
-    /// was.
+    /// Copies a file over another, which is replaced whole; permissions come along. A link at the destination gives
+    /// way itself, and what it leads to stays as it is. False, with the line `file "<source>" not find`, when there is
+    /// no source, and without one when the copy cannot be made: the destination is then as it was.
     static bool copyFile(const QString& source, const QString& destination);
 
     /// Returns 0.
@@ -191,7 +191,8 @@ public:
     /// cannot be deleted.
     static bool removeTempProConfig(const QString& archive);
 
-    /// Replaces a receiving-card configuration file whole. False when it cannot be written.
+    /// Replaces a receiving-card configuration file whole, as the writers do. False, without a line, when it cannot be
+    /// written.
     static bool writeRvcardConfig(const QString& path, const QByteArray& content);
 };
 

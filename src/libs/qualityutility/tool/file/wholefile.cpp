@@ -3,11 +3,15 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#ifdef __linux__
+#include <sys/xattr.h>
+#endif
 
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
@@ -105,22 +109,43 @@ bool keepOwner(int file, const struct stat& old)
     return ::fchown(file, old.st_uid, old.st_gid) == 0 || ::fchown(file, static_cast<uid_t>(-1), old.st_gid) == 0;
 }
 
-/// The mode of a file that replaces one of mode `old`.
-mode_t keptMode(mode_t old, bool isGroupKept, WholeFileWay way)
+/// Gives a new file the access-control list of the one that it replaces, or none where that has none, whatever the
+/// folder gives to new files. False when the mode alone would not say who may read it.
+bool keepAccessList(int file, const fs::path& old, bool isGroupKept)
 {
-    mode_t mode = old & modeBits;
-    if (!isGroupKept) { // the old group's people are among the others now: only what both might do is left to each
-        const mode_t both = (mode >> 3) & mode & 07;
-        mode = (mode & 0700) | (both << 3) | both;
-    }
-    return way == WholeFileWay::Update ? mode : mode | S_IWUSR;
+#ifdef __linux__
+    constexpr const char* attribute = "system.posix_acl_access";
+    const auto isAbsent = [] { return errno == ENODATA || errno == ENOTSUP; };
+    std::array<char, 4096> list{};
+    const ssize_t size = ::getxattr(old.c_str(), attribute, list.data(), list.size());
+    if (size >= 0)
+        return isGroupKept && ::fsetxattr(file, attribute, list.data(), static_cast<size_t>(size), 0) == 0;
+    return isAbsent() && (::fremovexattr(file, attribute) == 0 || isAbsent());
+#else
+    static_cast<void>(file), static_cast<void>(old), static_cast<void>(isGroupKept);
+    return true;
+#endif
 }
 
-void keepAttributes(int file, const struct stat& old, WholeFileWay way)
+/// The mode for a file whose group is another one now. The old group's people are among the others: each keeps only
+/// what both might do.
+mode_t withoutGroup(mode_t mode)
 {
+    const mode_t both = (mode >> 3) & mode & 07;
+    return (mode & 0700) | (both << 3) | both;
+}
+
+void keepAttributes(int file, const fs::path& name, const struct stat& old, WholeFileWay way)
+{
+    mode_t mode = old.st_mode & modeBits;
     const bool isGroupKept = keepOwner(file, old);
-    // Where modes cannot be set the new file stays private.
-    static_cast<void>(::fchmod(file, keptMode(old.st_mode, isGroupKept, way)));
+    if (!isGroupKept)
+        mode = withoutGroup(mode);
+    if (!keepAccessList(file, name, isGroupKept))
+        mode &= 0700;
+    if (way != WholeFileWay::Update)
+        mode |= S_IWUSR;
+    static_cast<void>(::fchmod(file, mode)); // where modes cannot be set the new file stays private
 }
 
 /// A new file beside the one that it will replace; it goes with this object unless it was moved there.
@@ -232,7 +257,7 @@ Outcome replace(const fs::path& name, const QByteArray& content, WholeFileWay wa
     FreshFile fresh(way == WholeFileWay::RenewName ? name : followed(name), isThere ? privateMode : newFileMode);
     if (fresh.isOpen()) {
         if (isThere)
-            keepAttributes(fresh.fd(), old, way);
+            keepAttributes(fresh.fd(), name, old, way);
         if (!writeAll(fresh.fd(), content) || !bringToDisk(fresh.fd()))
             return failed(WholeFileResult::WriteFailed);
         if (fresh.moveToTarget())
@@ -299,7 +324,7 @@ bool moveWholeFile(const QString& finished, const QString& path)
     if (kind == FileKind::Device || kind == FileKind::Other || !file.isOpen())
         return false;
     if (kind == FileKind::Regular)
-        keepAttributes(file.fd(), old, WholeFileWay::RenewName);
+        keepAttributes(file.fd(), target, old, WholeFileWay::RenewName);
     return bringToDisk(file.fd()) && ::rename(name.c_str(), target.c_str()) == 0;
 }
 

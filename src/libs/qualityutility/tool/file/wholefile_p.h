@@ -7,8 +7,8 @@
 // brought to the disk and moved over it. Whatever happens at any moment (a kill, a full disk), the file holds all of
 // the old content or all of the new. On failure nothing is left beside the file; after a kill the new one may be.
 //
-// - Owner, group and mode stay as far as this process may set them; a file that loses its group is open to nobody to
-//   whom it was closed.
+// - Owner, group, mode and (on Linux) access-control list stay as far as this process may set them; what cannot stay
+//   never opens a file to somebody to whom it was closed.
 // - Only regular files are replaced. A character device is written through; a folder, a block device, a pipe and a
 //   socket are refused, and so are an empty name and one with a NUL in it.
 // - Where the folder may not be changed but the file may, the content is written in place, after its room on the disk
