@@ -47,6 +47,16 @@ QJsonDocument parse(const QByteArray& reply, QJsonParseError& error)
     return QJsonDocument::fromJson(reply.left(length), &error);
 }
 
+/// What is wrong with a reply.
+HubFailure judge(const QByteArray& reply, QJsonParseError& error)
+{
+    const QJsonValue code = parse(reply, error).object().value(QLatin1String("error"));
+    if (error.error != QJsonParseError::NoError || code.isUndefined())
+        return {HubFailure::Kind::NotUnderstood};
+    const double number = code.toDouble(); // toInt() would give 0 for what no int holds
+    return number == 0.0 ? HubFailure() : HubFailure{HubFailure::Kind::Refused, number};
+}
+
 QByteArray commandText(const QJsonObject& command)
 {
     return QJsonDocument(command).toJson(QJsonDocument::Indented);
@@ -86,26 +96,25 @@ int CabinetSender3th::sendData(const QByteArray& request, QByteArray& reply, boo
         reply.clear(); // which then fails, whatever an earlier call has left there
     } else if (!m_session->sendToServerSync(request, reply, waitWithoutLimit)) {
         qCritical() << "send to server error!";
+        const bool isLate = m_session->ending() == ClientSession::Ending::TimeOver;
+        m_lastFailure = {isLate ? HubFailure::Kind::NoReply : HubFailure::Kind::NotConnected};
         return ResultNotDelivered;
     }
+    QJsonParseError error;
+    m_lastFailure = m_session ? judge(reply, error) : HubFailure{HubFailure::Kind::NotConnected};
     return judgeResult(reply) ? ResultSuccess : ResultNotDelivered;
 }
 
 bool CabinetSender3th::judgeResult(const QByteArray& reply)
 {
     QJsonParseError error;
-    const QJsonObject root = parse(reply, error).object();
-    const QJsonValue code = root.value(QLatin1String("error"));
-    if (error.error != QJsonParseError::NoError || code.isUndefined()) {
+    const HubFailure failure = judge(reply, error);
+    if (failure.kind == HubFailure::Kind::NotUnderstood)
         qCritical() << "result parse failed!" << reply << "jsonError.error" << error.error;
-        return false;
-    }
-    if (code.toDouble() == 0.0) // toInt() would give 0 for what no int holds
-        return true;
-    const QByteArray number = code.toVariant().toString().toLatin1();
-    qCritical() << "result error!"
-                << "resultCode" << number.constData();
-    return false;
+    else if (failure.kind == HubFailure::Kind::Refused)
+        qCritical() << "result error!"
+                    << "resultCode" << qUtf8Printable(QString::number(failure.number, 'g', 17));
+    return failure.kind == HubFailure::Kind::None;
 }
 
 QJsonObject CabinetSender3th::getLXYOb(const Model::LXY& point)

@@ -12,10 +12,25 @@
 
 namespace CabinetSenderSpace {
 
+/// Why an operation of the third generation failed.
+struct HubFailure
+{
+    enum class Kind {
+        None,          ///< it did not
+        NotConnected,  ///< there was no session or no connection, or it was lost before a reply came
+        NoReply,       ///< none came in the session's time
+        NotUnderstood, ///< the reply is no JSON object with an "error"
+        Refused,       ///< the hub answered with an error number
+    };
+
+    Kind kind = Kind::None;
+    double number = 0.0; ///< Refused: the error number
+};
+
 /// Sends to third-generation cabinets: each operation becomes one numbered JSON command to the message hub, which
 /// serves whatever cabinets it has. Targets, device and cabinet identifiers and the frequency are accepted and ignored.
 /// Results are 0 or ResultNotDelivered (105) for every failure: no session, no delivery, no reply in time, a reply that
-/// is not understood, or an error number in it; the log says which.
+/// is not understood, or an error number in it; lastFailure() and the log say which.
 ///
 /// The other four operations of the interface are not implemented here. getInstance() gives a ready sender in which
 /// they fail.
@@ -58,6 +73,8 @@ public:
     /// Whether a reply is a JSON object whose "error" is 0; a value that is not a number counts as 0. Any other number
     /// is an error, also 0.5 or one that no int holds.
     bool judgeResult(const QByteArray& reply);
+    /// Why the last sendData(), and so the last operation, failed.
+    const HubFailure& lastFailure() const { return m_lastFailure; }
     /// {"lum", "cx", "cy"}
     QJsonObject getLXYOb(const Model::LXY& point);
 
@@ -66,6 +83,7 @@ private:
 
     QPointer<ClientSession> m_session;
     QMutex m_mutex; ///< held by the destructor
+    HubFailure m_lastFailure;
     static std::atomic<CabinetSender3th*> m_instance;
 };
 

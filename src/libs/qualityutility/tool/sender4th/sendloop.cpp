@@ -29,9 +29,7 @@ void send(const DeviceAction& action, const std::string& deviceId, const std::sh
 /// The cabinets that a reply names, without the line that Parameters writes where it names none.
 CabinetList confirmedBy(const ActionAnswer::Reply& reply)
 {
-    const auto& items = reply.values.arguments().items();
-    const auto found = items.find("cids");
-    const auto* cids = found == items.end() ? nullptr : boost::any_cast<CabinetList>(&found->second);
+    const auto* cids = reply.values.arguments().find<CabinetList>("cids");
     return cids ? *cids : CabinetList();
 }
 

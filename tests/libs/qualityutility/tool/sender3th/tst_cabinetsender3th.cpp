@@ -61,10 +61,10 @@ QByteArray nextLine(QProcess& process)
 
 } // namespace
 
-using Ending = ClientSession::Ending;
+using Failure = HubFailure::Kind;
 
 Q_DECLARE_METATYPE(SimulatedHub::Script)
-Q_DECLARE_METATYPE(Ending)
+Q_DECLARE_METATYPE(Failure)
 
 class CabinetSender3thTest : public QObject
 {
@@ -196,27 +196,29 @@ private Q_SLOTS:
     {
         QTest::addColumn<SimulatedHub::Script>("script");
         QTest::addColumn<int>("result");
-        QTest::addColumn<Ending>("ending");
-        const auto row = [](const char* name, Ending ending, int result, const SimulatedHub::Script& script) {
-            QTest::newRow(name) << script << result << ending;
+        QTest::addColumn<Failure>("failure");
+        const auto row = [](const char* name, Failure failure, int result, const SimulatedHub::Script& script) {
+            QTest::newRow(name) << script << result << failure;
         };
-        row("header split", Ending::Answered, 0, [](const QByteArray&, const QByteArray& frame) {
+        row("header split", Failure::None, 0, [](const QByteArray&, const QByteArray& frame) {
             return HubAnswer{{frame.left(2), frame.mid(2)}};
         });
-        row("byte by byte", Ending::Answered, 0, byteByByte);
-        row("two frames glued", Ending::TimeOver, 105,
+        row("byte by byte", Failure::None, 0, byteByByte);
+        row("two frames glued", Failure::NoReply, 105,
             [](const QByteArray&, const QByteArray& frame) { return HubAnswer{{frame + frame}}; });
-        row("huge length", Ending::TimeOver, 105,
+        row("huge length", Failure::NoReply, 105,
             [](const QByteArray&, const QByteArray& frame) { return HubAnswer{{"\xff\xff\xff\x7f" + frame}}; });
-        row("garbage", Ending::TimeOver, 105,
+        row("garbage", Failure::NoReply, 105,
             [](const QByteArray&, const QByteArray&) { return HubAnswer{{"HTTP/1.1 400 Bad Request\r\n\r\n"}}; });
-        row("invalid UTF-8", Ending::Answered, 105, [](const QByteArray&, const QByteArray&) {
+        row("invalid UTF-8", Failure::NotUnderstood, 105, [](const QByteArray&, const QByteArray&) {
             return HubAnswer{{hubFrame("{\"error\":0,\"a\":\"\xff\xfe")}};
         });
-        row("non-ASCII text is too short", Ending::TimeOver, 105,
+        row("non-ASCII text is too short", Failure::NoReply, 105,
             [](const QByteArray&, const QByteArray&) { return HubAnswer{{hubFrame("{\"error\":0,\"a\":\"é\"}")}}; });
-        row("silence", Ending::TimeOver, 105, [](const QByteArray&, const QByteArray&) { return HubAnswer(); });
-        row("closes in the middle", Ending::Closed, 105, [](const QByteArray&, const QByteArray& frame) {
+        row("an error number", Failure::Refused, 105,
+            [](const QByteArray&, const QByteArray&) { return HubAnswer{{hubFrame("{\"error\":7}")}}; });
+        row("silence", Failure::NoReply, 105, [](const QByteArray&, const QByteArray&) { return HubAnswer(); });
+        row("closes in the middle", Failure::NotConnected, 105, [](const QByteArray&, const QByteArray& frame) {
             return HubAnswer{{frame.left(6)}, true};
         });
     }
@@ -227,7 +229,7 @@ private Q_SLOTS:
         m_hub->setScript(script);
         CabinetSender3th& sender = *CabinetSender3th::getInstance();
         QTEST(sender.uploadNiccMeasure({}, gamut()), "result");
-        QTEST(m_session->ending(), "ending");
+        QTEST(sender.lastFailure().kind, "failure");
         // A new connection serves the next request, whatever was left of the old one.
         m_hub->setScript(nullptr);
         m_session->disServerConnect();
