@@ -1,4 +1,5 @@
 #include "documentfile_p.h"
+#include "filefailurerecorder_p.h"
 #include "wholefile_p.h"
 
 #include <QDebug>
@@ -7,19 +8,40 @@
 
 namespace {
 
+/// The words of a failure's log line.
+const char* textOf(FileFailure::Kind kind)
+{
+    switch (kind) {
+    case FileFailure::Kind::Missing:
+        return "can not find!!!";
+    case FileFailure::Kind::OpenFailed:
+        return "open failed!!!";
+    case FileFailure::Kind::Invalid:
+        return " invalid!!!";
+    case FileFailure::Kind::WriteFailed:
+    case FileFailure::Kind::NotJson:
+    case FileFailure::Kind::Refused:
+        break;
+    }
+    return "write failed!!!";
+}
+
 /// Opens and reads a file that exists; logs why not.
 bool readExisting(const QString& path, QIODevice::OpenMode mode, QByteArray& content)
 {
     QFile file(path);
     if (!file.open(mode)) {
-        DocumentFile::logFailure(path, "open failed!!!");
+        DocumentFile::fail(FileFailure::Kind::OpenFailed, path, file.errorString());
         return false;
     }
     if (file.size() <= DocumentFile::maximumBytes)
         content = file.isSequential() ? file.read(DocumentFile::maximumBytes + 1) : file.readAll();
     if (!content.isEmpty() && content.size() <= DocumentFile::maximumBytes)
         return true;
-    DocumentFile::logFailure(path, " invalid!!!");
+    DocumentFile::fail(FileFailure::Kind::Invalid, path,
+                       content.isEmpty() && file.size() <= DocumentFile::maximumBytes
+                           ? QStringLiteral("empty")
+                           : QStringLiteral("larger than %1 bytes").arg(DocumentFile::maximumBytes));
     return false;
 }
 
@@ -35,11 +57,14 @@ bool takeParsed(const QByteArray& content, const std::function<void(const QJsonO
 
 bool writeAs(WholeFileWay way, const QString& path, const QByteArray& content)
 {
-    const WholeFileResult result = content.size() > DocumentFile::maximumBytes ? WholeFileResult::WriteFailed
-                                                                               : replaceWholeFile(path, content, way);
+    QString reason = QStringLiteral("larger than %1 bytes").arg(DocumentFile::maximumBytes);
+    const WholeFileResult result = content.size() > DocumentFile::maximumBytes
+                                       ? WholeFileResult::WriteFailed
+                                       : replaceWholeFile(path, content, way, &reason);
     if (result == WholeFileResult::Written)
         return true;
-    DocumentFile::logFailure(path, result == WholeFileResult::OpenFailed ? "open failed!!!" : "write failed!!!");
+    const bool isOpen = result == WholeFileResult::WriteFailed;
+    DocumentFile::fail(isOpen ? FileFailure::Kind::WriteFailed : FileFailure::Kind::OpenFailed, path, reason);
     return false;
 }
 
@@ -50,16 +75,17 @@ QByteArray toText(const QJsonObject& root)
 
 } // namespace
 
-void DocumentFile::logFailure(const QString& path, const char* text)
+void DocumentFile::fail(FileFailure::Kind kind, const QString& path, const QString& reason)
 {
-    qCritical() << "file" << path << text;
+    qCritical() << "file" << path << textOf(kind);
+    recordFileFailure({kind, path, reason, {}});
 }
 
 bool DocumentFile::isPresent(const QString& path)
 {
     if (QFile::exists(path))
         return true;
-    logFailure(path, "can not find!!!");
+    fail(FileFailure::Kind::Missing, path);
     return false;
 }
 
@@ -85,7 +111,7 @@ bool DocumentFile::update(const QString& path, const QJsonObject& initial,
             return false;
         root = QJsonDocument::fromJson(content).object();
     } else if (kind != FileKind::None) { // reading a pipe could wait for ever, and what was read would be gone
-        logFailure(path, "open failed!!!");
+        fail(FileFailure::Kind::OpenFailed, path, QStringLiteral("no regular file"));
         return false;
     }
     change(root);
@@ -104,5 +130,10 @@ bool DocumentFile::read(const QString& path, const std::function<void(const QJso
 bool DocumentFile::readJson(const QString& path, const std::function<void(const QJsonObject& root)>& take)
 {
     QByteArray content;
-    return isPresent(path) && readExisting(path, QIODevice::ReadOnly, content) && takeParsed(content, take);
+    if (!isPresent(path) || !readExisting(path, QIODevice::ReadOnly, content))
+        return false;
+    const bool isJson = takeParsed(content, take);
+    if (!isJson) // without a log line
+        recordFileFailure({FileFailure::Kind::NotJson, path});
+    return isJson;
 }

@@ -2,6 +2,7 @@
 
 #include <QJsonObject>
 #include <QString>
+#include <qualityutility/tool/file/filefailures.h>
 
 #include <functional>
 
@@ -13,9 +14,9 @@ namespace DocumentFile {
 /// ten of memory. An arbitrary file must not take all of a host's.
 constexpr qint64 maximumBytes = qint64{256} * 1024 * 1024;
 
-/// Writes `file "<path>" <text>`. The text " invalid!!!" begins with a blank, which gives two in the line: readers of
-/// the log know it so.
-void logFailure(const QString& path, const char* text);
+/// Writes `file "<path>" <text>` and tells the thread's FileFailures. The text of Invalid begins with a blank, which
+/// gives two in the line: readers of the log know it so.
+void fail(FileFailure::Kind kind, const QString& path, const QString& reason = {});
 
 /// Replaces the document whole by a new one: a link gives way itself, and so does a file that may not be written.
 bool write(const QString& path, const QByteArray& content);

@@ -1,6 +1,7 @@
 #include "picqualityfiletool.h"
 
 #include "documentfile_p.h"
+#include "filefailurerecorder_p.h"
 #include "jsonfields_p.h"
 #include "wholefile_p.h"
 
@@ -398,10 +399,15 @@ void PicQualityFileTool::jsonArrayToMap(const QJsonArray& array, MeasureSeries& 
 
 bool PicQualityFileTool::copyFile(const QString& source, const QString& destination)
 {
-    if (QFile::exists(source))
-        return copyWholeFile(source, destination);
-    DocumentFile::logFailure(source, "not find");
-    return false;
+    if (!QFile::exists(source)) {
+        qCritical() << "file" << source << "not find";
+        recordFileFailure({FileFailure::Kind::Missing, source});
+        return false;
+    }
+    const bool isCopied = copyWholeFile(source, destination);
+    if (!isCopied) // without a log line
+        recordFileFailure({FileFailure::Kind::WriteFailed, destination});
+    return isCopied;
 }
 
 int PicQualityFileTool::test()

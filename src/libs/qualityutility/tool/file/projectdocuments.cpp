@@ -1,6 +1,7 @@
 // The project archives of PicQualityFileTool.
 
 #include "documentfile_p.h"
+#include "filefailurerecorder_p.h"
 #include "picqualityfiletool.h"
 #include "projectarchive_p.h"
 #include "wholefile_p.h"
@@ -32,7 +33,7 @@ bool PicQualityFileTool::packProConfig(const QString& archive, const QString& ni
     addRole(gray, "gray not find");
     std::copy_if(others.begin(), others.end(), std::back_inserter(files), isThere);
     if (!ProjectArchive::pack(archive, files))
-        DocumentFile::logFailure(archive, "write failed!!!");
+        DocumentFile::fail(FileFailure::Kind::WriteFailed, archive);
     return true;
 }
 
@@ -65,5 +66,13 @@ bool PicQualityFileTool::removeTempProConfig(const QString& archive)
 
 bool PicQualityFileTool::writeRvcardConfig(const QString& path, const QByteArray& content)
 {
-    return replaceWholeFile(path, content, WholeFileWay::RenewName) == WholeFileResult::Written;
+    QString reason;
+    const WholeFileResult result = replaceWholeFile(path, content, WholeFileWay::RenewName, &reason);
+    if (result != WholeFileResult::Written) // without a log line
+        recordFileFailure(
+            {result == WholeFileResult::OpenFailed ? FileFailure::Kind::OpenFailed : FileFailure::Kind::WriteFailed,
+             path,
+             reason,
+             {}});
+    return result == WholeFileResult::Written;
 }

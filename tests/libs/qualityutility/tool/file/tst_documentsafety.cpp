@@ -20,6 +20,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
+#include <qualityutility/tool/file/filefailures.h>
 #include <qualityutility/tool/file/picqualityfiletool.h>
 
 #include <csignal>
@@ -159,6 +160,7 @@ private Q_SLOTS:
         QVERIFY(Tool::writeFineGrayCache(m_path, points, points, points));
         const QByteArray before = readFile(m_path);
         LogCapture log;
+        const FileFailures failures;
         {
             const FileSizeLimit full(static_cast<rlim_t>(limit));
             QVERIFY(!Tool::updateFineGrayCache(m_path, Model::FineGrayAdvanceParam()));
@@ -166,6 +168,9 @@ private Q_SLOTS:
         }
         const QString line = "critical default: file \"" + m_path + "\" write failed!!!";
         QCOMPARE(log.take(), QStringList({line, line}));
+        QCOMPARE(failures.list().size(), 2);
+        QCOMPARE(failures.list().last().kind, FileFailure::Kind::WriteFailed);
+        QCOMPARE(failures.list().last().reason, QString("File too large"));
         QCOMPARE(readFile(m_path), before);
         QCOMPARE(QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList("document.json"));
     }
