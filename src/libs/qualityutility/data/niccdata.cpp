@@ -1,6 +1,5 @@
 #include "niccdata.h"
 
-#include <QMutexLocker>
 #include <qualityutility/publishedinstance_p.h>
 
 namespace {
@@ -23,24 +22,24 @@ void NICCData::releaseInstance()
 
 QString NICCData::getVersion() const
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     return m_version;
 }
 
 void NICCData::setVersion(const QString& version)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_version = version;
 }
 
 QDate NICCData::getManageDate() const
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     return m_manageDate;
 }
 
 void NICCData::setManageDate(QDate date)
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_manageDate = date;
 }

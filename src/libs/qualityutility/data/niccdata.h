@@ -1,12 +1,12 @@
 #pragma once
 
 #include <QDate>
-#include <QMutex>
 #include <QObject>
 #include <QString>
 #include <qualityutility/qualityutility_export.h>
 
 #include <atomic>
+#include <mutex>
 
 /// Version of the gamut-correction (NICC) data and the day on which it was managed. All but releaseInstance() may be
 /// called by any thread at any time; each call sees a whole value, while two calls may see another thread's change
@@ -32,7 +32,7 @@ private:
 
     static std::atomic<NICCData*> m_instance;
 
-    mutable QMutex m_mutex; ///< of the two below
+    mutable std::mutex m_mutex; ///< of the two below
     QString m_version = QStringLiteral("2.0");
     QDate m_manageDate = QDate::currentDate();
 };

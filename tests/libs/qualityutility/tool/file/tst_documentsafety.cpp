@@ -1,7 +1,7 @@
-// What happens to documents when things go wrong outside: kills, full disks, hostile content, closed folders, pipes.
+// What happens to documents when things go wrong outside: kills, full disks, hostile content.
 
+#include "support/filesizelimit.h"
 #include "support/logcapture.h"
-#include "support/ordinaryuser.h"
 #include "support/testfiles.h"
 
 #include <suite/model/finegray.h>
@@ -9,8 +9,6 @@
 #include <suite/model/grayeffectpara.h>
 #include <suite/model/magicgraycoeffs.h>
 #include <suite/model/magicgrayparam.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -23,7 +21,6 @@
 #include <qualityutility/tool/file/filefailures.h>
 #include <qualityutility/tool/file/picqualityfiletool.h>
 
-#include <csignal>
 #include <cstdio>
 #include <random>
 
@@ -60,49 +57,7 @@ int updateForever(const QString& path)
     return 0;
 }
 
-/// A limit on the size of files that this process writes, while it lives: a disk that is full.
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit{bytes, m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &m_before); }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-private:
-    rlimit m_before{};
-};
-
-using Write = std::function<bool(const QString& path)>;
-
-const Write update = [](const QString& path) { return Tool::updateGrayStateConfig(path, {}, {}); };
-const Write rewrite = [](const QString& path) { return Tool::writeFineGrayCache(path, {}, {}, {}); };
-const Write writeCard = [](const QString& path) { return Tool::writeRvcardConfig(path, "{}"); };
-
-struct stat status(const QString& path)
-{
-    struct stat found
-    {};
-    if (lstat(qPrintable(path), &found) != 0)
-        qFatal("%s is gone", qPrintable(path));
-    return found;
-}
-
-void give(const QString& path, uid_t owner, gid_t group, mode_t mode)
-{
-    if ((geteuid() == 0 && chown(qPrintable(path), owner, group) != 0) || chmod(qPrintable(path), mode) != 0)
-        qFatal("cannot give %s away", qPrintable(path));
-}
-
 } // namespace
-
-Q_DECLARE_METATYPE(Write)
 
 class DocumentSafetyTest : public QObject
 {
@@ -173,127 +128,6 @@ private Q_SLOTS:
         QCOMPARE(failures.list().last().reason, QString("File too large"));
         QCOMPARE(readFile(m_path), before);
         QCOMPARE(QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList("document.json"));
-    }
-
-    void onlyFilesAreReplaced_data()
-    {
-        QTest::addColumn<int>("type");
-        QTest::newRow("pipe") << int{S_IFIFO};
-        QTest::newRow("device") << int{S_IFCHR};
-    }
-
-    void onlyFilesAreReplaced()
-    {
-        QFETCH(int, type);
-        const QString node = m_folder.filePath("node");
-        QFile::remove(node);
-        struct stat null
-        {};
-        QCOMPARE(stat("/dev/null", &null), 0);
-        if (mknod(qPrintable(node), static_cast<mode_t>(type) | 0600, null.st_rdev) != 0)
-            QSKIP("only root makes devices");
-        const QString link = m_folder.filePath("link");
-        QFile::remove(link);
-        QVERIFY(QFile::link(node, link));
-        const QString source = writeFile(m_folder.filePath("source"), "{}");
-        LogCapture log;
-        const bool isWritten = type == S_IFCHR; // what is written to a device is its own
-        for (const QString& path : {node, link}) {
-            QCOMPARE(rewrite(path), isWritten);
-            QCOMPARE(writeCard(path), isWritten);
-            QVERIFY(!Tool::copyFile(source, path));
-            QVERIFY(!update(path));
-            QCOMPARE(log.take().last(), "critical default: file \"" + path + "\" open failed!!!");
-            QCOMPARE(int(status(node).st_mode & S_IFMT), type);
-            QCOMPARE(int(status(link).st_mode & S_IFMT), int{S_IFLNK});
-        }
-    }
-
-    void aClosedFolderOrFileIsWrittenWhereTheOldContentIsSafe_data()
-    {
-        QTest::addColumn<Write>("write");
-        QTest::addColumn<int>("fileMode");
-        QTest::addColumn<int>("folderMode");
-        QTest::addColumn<int>("limit");     ///< of the disk
-        QTest::addColumn<int>("modeAfter"); ///< -1: refused
-        const Write copy = [](const QString& path) { return Tool::copyFile(QFileInfo(path).path() + ".source", path); };
-        const int room = 1000000;
-        QTest::newRow("a read-only file is replaced") << rewrite << 0444 << 0755 << room << 0644;
-        QTest::newRow("by a card file too") << writeCard << 0440 << 0755 << room << 0640;
-        QTest::newRow("and by a copy") << copy << 0444 << 0755 << room << 0604;
-        QTest::newRow("but not updated") << update << 0444 << 0755 << room << -1;
-        QTest::newRow("in a closed folder a file is updated in place") << update << 0664 << 0555 << room << 0664;
-        QTest::newRow("and written") << rewrite << 0600 << 0555 << room << 0600;
-        QTest::newRow("but a copy needs the folder") << copy << 0644 << 0555 << room << -1;
-        QTest::newRow("a copy leaves a read-only file so") << copy << 0444 << 0555 << room << -1;
-        QTest::newRow("nothing is open") << rewrite << 0444 << 0555 << room << -1;
-        QTest::newRow("no room to update in place") << update << 0644 << 0555 << 60 << -1;
-    }
-
-    void aClosedFolderOrFileIsWrittenWhereTheOldContentIsSafe()
-    {
-        QFETCH(Write, write);
-        QFETCH(int, fileMode);
-        QFETCH(int, folderMode);
-        QFETCH(int, limit);
-        QFETCH(int, modeAfter);
-        const QByteArray before(limit == 60 ? 50 : 5000, 'x'); // longer than what is written, or shorter
-        QTemporaryDir open;
-        const QString folder = open.filePath("closed");
-        const QString path = writeFile(folder + "/document.json", before);
-        give(open.path(), ordinaryUser, ordinaryUser, 0755);
-        give(writeFile(folder + ".source", "{}"), ordinaryUser, ordinaryUser, 0604);
-        give(path, ordinaryUser, ordinaryUser, static_cast<mode_t>(fileMode));
-        give(folder, ordinaryUser, ordinaryUser, static_cast<mode_t>(folderMode));
-        const bool isWritten = asOrdinaryUser({}, [&] {
-            const LogCapture log;
-            const FileSizeLimit disk(static_cast<rlim_t>(limit));
-            return write(path);
-        });
-        QCOMPARE(isWritten, modeAfter >= 0);
-        QCOMPARE(int(status(path).st_mode & 0777), isWritten ? modeAfter : fileMode);
-        give(folder, ordinaryUser, ordinaryUser, 0755);
-        QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden), QStringList("document.json"));
-        give(path, ordinaryUser, ordinaryUser, 0644);
-        QCOMPARE(readFile(path) == before, !isWritten);
-        QCOMPARE(QJsonDocument::fromJson(readFile(path)).isObject(), isWritten);
-    }
-
-    void aFileStaysWhoseItWas_data()
-    {
-        QTest::addColumn<Write>("write");
-        QTest::addColumn<bool>("asRoot");
-        QTest::addColumn<bool>("isMember"); ///< of the file's group
-        QTest::addColumn<int>("mode");
-        QTest::addColumn<int>("modeAfter");
-        QTest::newRow("root updates") << update << true << false << 0640 << 0640;
-        QTest::newRow("root writes") << rewrite << true << false << 0460 << 0660;
-        QTest::newRow("a member updates") << update << false << true << 0664 << 0664;
-        QTest::newRow("a stranger to whom it is closed writes") << rewrite << false << false << 0640 << 0600;
-        QTest::newRow("a stranger writes what the group may not read") << rewrite << false << false << 0604 << 0600;
-        QTest::newRow("a stranger updates what is open to all") << update << false << false << 0666 << 0666;
-    }
-
-    void aFileStaysWhoseItWas()
-    {
-        QFETCH(Write, write);
-        QFETCH(bool, asRoot);
-        QFETCH(bool, isMember);
-        QFETCH(int, mode);
-        if (geteuid() != 0)
-            QSKIP("only root gives files away");
-        constexpr uid_t owner = ordinaryUser - 1;
-        constexpr gid_t group = ordinaryUser - 2;
-        const QTemporaryDir folder;
-        give(folder.path(), 0, 0, 0777);
-        const QString path = writeFile(folder.filePath("document.json"), "{}");
-        give(path, owner, group, static_cast<mode_t>(mode));
-        QVERIFY(asRoot ? write(path)
-                       : asOrdinaryUser(isMember ? QList<gid_t>{group} : QList<gid_t>(), [&] { return write(path); }));
-        const struct stat after = status(path);
-        QCOMPARE(after.st_uid, asRoot ? owner : ordinaryUser);
-        QCOMPARE(after.st_gid, asRoot || isMember ? group : gid_t{ordinaryUser});
-        QTEST(int(after.st_mode & 0777), "modeAfter");
     }
 
     void nastyContentPassesEveryReaderAndUpdater_data()

@@ -534,63 +534,6 @@ private Q_SLOTS:
         QTEST(QString("%1 %2 %3 %4").arg(openGray).arg(openXbit).arg(xbitType).arg(open18bit), "switches");
     }
 
-    void whatALinkLeadsToIsUpdatedButNeverReplaced_data()
-    {
-        QTest::addColumn<Update>("write");
-        QTest::addColumn<bool>("isFollowed");
-        QTest::newRow("updater") << Update([](const QString& path) {
-            return Tool::updateFineGrayCache(path, advance(1));
-        }) << true;
-        QTest::newRow("writer") << Update([](const QString& path) {
-            return Tool::writeFineGrayCache(path, {}, {}, {});
-        }) << false;
-        QTest::newRow("card file") << Update([](const QString& path) { return Tool::writeRvcardConfig(path, "new"); })
-                                   << false;
-        QTest::newRow("copy") << Update([](const QString& path) {
-            return Tool::copyFile(writeFile(path + ".source", "new"), path);
-        }) << false;
-    }
-
-    void whatALinkLeadsToIsUpdatedButNeverReplaced()
-    {
-        QFETCH(Update, write);
-        QFETCH(bool, isFollowed);
-        writeFile(m_path, "{}");
-        QVERIFY(QFile::setPermissions(m_path, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup));
-        const QString link = m_folder.filePath("link.json");
-        QFile::remove(link);
-        QVERIFY(QFile::link("document.json", link)); // a relative one
-        QVERIFY(write(link));
-        QCOMPARE(QFileInfo(link).isSymLink(), isFollowed);
-        QCOMPARE(content() != "{}", isFollowed);
-        QVERIFY(readFile(link) != "{}");
-        QCOMPARE(QFile::permissions(m_path) & (QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther),
-                 QFile::Permissions(QFile::ReadGroup));
-    }
-
-    void aNameIsTakenWholeOrNotAtAll_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<bool>("isTaken");
-        QTest::newRow("as long as names can be") << m_folder.filePath(QString(255, 'n')) << true;
-        QTest::newRow("longer") << m_folder.filePath(QString(256, 'n')) << false;
-        QTest::newRow("empty") << QString() << false;
-        QTest::newRow("with a NUL") << m_folder.filePath(QString("cut") + QChar::Null + "here") << false;
-    }
-
-    void aNameIsTakenWholeOrNotAtAll()
-    {
-        QFETCH(QString, name);
-        QFETCH(bool, isTaken);
-        LogCapture log;
-        QCOMPARE(Tool::writeFineGrayCache(name, {}, {}, {}), isTaken);
-        const QStringList lines = log.take();
-        QCOMPARE(!lines.isEmpty() && lines.last().endsWith("\" open failed!!!"), !isTaken);
-        QCOMPARE(Tool::updateFineGrayCache(name, advance(1)), isTaken);
-        QVERIFY(Tool::copyFile(writeFile(m_path, "{}"), name) == isTaken);
-        QVERIFY(!QFile::exists(m_folder.filePath("cut")));
-    }
-
     void aDocumentBeyondTheLimitIsLeftAlone()
     {
         constexpr qint64 limit = qint64{256} * 1024 * 1024;
