@@ -35,7 +35,8 @@ std::atomic<PicqualityData*> PicqualityData::m_instance{nullptr};
 
 PicqualityData* PicqualityData::getInstance()
 {
-    // The tables load in a local event loop, in which a handler may ask for this instance too: not under the mutex.
+    // The tables load in a local event loop, in which a handler may ask for this instance too, or release the resource:
+    // not under the mutex, and with nothing of the resource kept.
     if (!m_instance.load(std::memory_order_acquire))
         PicQualityResource::getInstance()->initResourceFile();
     return publishedInstance(m_instance, m_sPicqualityDataMutex, [] { return new PicqualityData; });
@@ -48,8 +49,7 @@ void PicqualityData::releaseInstance()
 
 PicqualityData::PicqualityData()
 {
-    PicQualityResource& resource = *PicQualityResource::getInstance();
-    resource.initResourceFile();
+    PicQualityResource& resource = *PicQualityResource::getInstance(); // asked for its tables by getInstance()
     m_orgColorGamut = gamutOf(*ReceivingCard::RvCardConfigDataModel::getInstance());
 
     m_advanceParam.caliNum = 1;

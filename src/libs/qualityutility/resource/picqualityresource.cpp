@@ -12,12 +12,20 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
+#include <QLoggingCategory>
+#include <QPointer>
 #include <QSettings>
 #include <qualityutility/publishedinstance_p.h>
+
+#include <mutex>
 
 namespace {
 
 QMutex m_lock; // creation of the instance
+
+// Start of a loading. Both outlive every static object: they have nothing to destroy.
+std::mutex s_loadingMutex;
+bool s_isProcessLeft = false;
 
 /// The first two carry their own spelling.
 constexpr const char* grayTableNames[PicQualityResource::GrayTableCount] = {
@@ -54,6 +62,31 @@ static void putOwnTablesLast()
 }
 
 std::atomic<PicQualityResource*> PicQualityResource::m_instance{nullptr};
+
+/// Made before the first loading starts, so that it goes before all that stood then: the loading thread reads Qt's
+/// resources and logs, and may not be in the middle when Qt's static objects go.
+class PicQualityResource::LoadingGuard
+{
+public:
+    LoadingGuard()
+    {
+        // Qt makes some of them when they are first asked for: not by the loading thread, after this one.
+        QFile::exists(grayTablePath(Gray10));
+        QLoggingCategory::defaultCategory()->isInfoEnabled();
+        qFormatLogMessage(QtInfoMsg, {}, {});
+    }
+    ~LoadingGuard()
+    {
+        {
+            const std::lock_guard lock(s_loadingMutex);
+            s_isProcessLeft = true;
+        }
+        if (PicQualityResource* resource = m_instance.load(std::memory_order_acquire))
+            resource->wait();
+    }
+    LoadingGuard(const LoadingGuard&) = delete;
+    LoadingGuard& operator=(const LoadingGuard&) = delete;
+};
 
 PicQualityResource::PicQualityResource()
     : m_colorGamutFile(QStringLiteral("colorgamut.cfg")),
@@ -175,15 +208,33 @@ bool PicQualityResource::initResourceFile()
     return waitForReadResource();
 }
 
+/// Starts the loading, if it is neither done nor under way. False when there is nothing to wait for.
+bool PicQualityResource::startLoading()
+{
+    static const LoadingGuard guard;
+    const std::lock_guard lock(s_loadingMutex);
+    // In this order: a thread that ran and does so no longer has set the flag.
+    if (isRunning())
+        return true;
+    if (m_isLoaded || s_isProcessLeft)
+        return false;
+    start(QThread::InheritPriority);
+    return isRunning() || isFinished(); // neither: the system gave no thread
+}
+
 bool PicQualityResource::waitForReadResource()
 {
     if (m_isLoaded)
         return true;
     QEventLoop loop;
-    connect(this, &QThread::finished, &loop, [&loop] { loop.quit(); });
-    start(QThread::InheritPriority);
+    connect(this, &QThread::finished, &loop, &QEventLoop::quit); // first: the end may come before the loop begins
+    if (!startLoading())
+        return m_isLoaded;
+    const QPointer<PicQualityResource> self(this);
     if (QCoreApplication::instance())
         loop.exec();
+    if (!self) // released by an event handler
+        return false;
     // Told to quit in the middle, the loop ends early; the tables belong to the thread until it is done.
     wait();
     return m_isLoaded;
@@ -191,7 +242,11 @@ bool PicQualityResource::waitForReadResource()
 
 void PicQualityResource::run()
 {
-    putOwnTablesLast();
+    if (m_isLoaded) // start() is everybody's
+        return;
+    // Once: while they are away another thread misses them.
+    static std::once_flag s_ownTablesArePutLast;
+    std::call_once(s_ownTablesArePutLast, putOwnTablesLast);
     parseGrayFromFile(m_lutIndexPath, m_lutIndexTable);
     parseGrayFromFile(m_whiteGrayPath, m_whiteGrayTable);
     for (int table = 0; table < GrayTableCount; ++table)

@@ -42,14 +42,16 @@ public:
     /// The process's instance, made at the first call by any thread. Blocks while it is made (files are read).
     static PicQualityResource* getInstance();
     /// Deletes the instance; the next getInstance() starts anew. Waits for a loading that is under way. Nobody may be
-    /// using it.
+    /// using it, except that an event handler may release it under a waitForReadResource() of its own thread.
     static void releaseInstance();
 
     /// True at once when the tables are loaded, false at once while they are being loaded; otherwise as
-    /// waitForReadResource.
+    /// waitForReadResource. Any thread.
     bool initResourceFile();
-    /// Loads the tables, if they are not yet, while a local event loop keeps the caller's thread alive. True when they
-    /// are loaded.
+    /// Loads the tables, if they are not yet, while a local event loop keeps the caller's thread alive; without a
+    /// QCoreApplication the thread blocks. True when they are loaded. They are loaded once, however many threads ask.
+    /// False when an event handler released the instance meanwhile, when no thread could be started, and when the
+    /// process is being left (its static objects go, which waits for a loading that is under way). Any thread.
     bool waitForReadResource();
 
     /// Appends the numbers of a table file (text, one per line) to `list`; a line that does not convert is 0. False,
@@ -110,6 +112,8 @@ protected:
 private:
     PicQualityResource();
 
+    class LoadingGuard;
+    bool startLoading();
     void writeBack(const QString& key, const QString& value);
 
     static std::atomic<PicQualityResource*> m_instance;

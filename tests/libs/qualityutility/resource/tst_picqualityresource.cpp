@@ -1,6 +1,5 @@
 #include "support/logcapture.h"
 #include "support/testfiles.h"
-#include "support/threadedinstances.h"
 
 #include <sys/resource.h>
 
@@ -11,14 +10,11 @@
 #include <QJsonObject>
 #include <QProcess>
 #include <QResource>
-#include <QSemaphore>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextCodec>
-#include <QTimer>
 #include <qualityutility/resource/picqualityresource.h>
 
-#include <algorithm>
 #include <csignal>
 
 using Resource = PicQualityResource;
@@ -61,19 +57,6 @@ int runHost(const QStringList& arguments)
     if (!ownResources.isEmpty())
         QResource::unregisterResource(ownResources);
     return 0;
-}
-
-QSemaphore s_ticks;   // of a timer on the main thread
-QSemaphore s_waiting; // log lines of other threads that wait for one
-std::atomic<bool> s_isLoopAlive{true};
-
-void waitForTick(QtMsgType, const QMessageLogContext&, const QString&)
-{
-    if (QThread::currentThread() == QCoreApplication::instance()->thread())
-        return;
-    s_waiting.release();
-    s_isLoopAlive = s_ticks.tryAcquire(1, 5000) && s_isLoopAlive;
-    s_waiting.acquire();
 }
 
 struct Started
@@ -364,65 +347,6 @@ private Q_SLOTS:
         qputenv("HOST_RESOURCES", HOST_RESOURCES);
         QCOMPARE(start().state["whiteNumbers"].toInt(), 2);
         qunsetenv("HOST_RESOURCES");
-    }
-
-    void tablesLoadOnceWhileTheEventLoopLives()
-    {
-        Resource& resource = *Resource::getInstance();
-        // Each log line of the loading thread waits for a tick of this thread's timer: a loop that stood still would be
-        // noticed.
-        s_isLoopAlive = true;
-        const auto earlier = qInstallMessageHandler(waitForTick);
-        bool returnedAtOnce = true;
-        QTimer timer;
-        connect(&timer, &QTimer::timeout, [&] {
-            if (s_waiting.available() == 0)
-                return;
-            // The loading thread is in the middle, and stays there until the tick.
-            returnedAtOnce = returnedAtOnce && !resource.initResourceFile();
-            s_ticks.release();
-        });
-        timer.start(1);
-        const bool isLoaded = resource.initResourceFile();
-        qInstallMessageHandler(earlier);
-        QVERIFY(isLoaded && s_isLoopAlive && returnedAtOnce);
-        for (int bits = 10; bits <= 16; ++bits) {
-            for (const bool low : {false, true}) {
-                const int index = 2 * (bits - 10) + (low ? 1 : 0);
-                if (index >= Resource::GrayTableCount)
-                    continue;
-                const auto& table = resource.grayTable(static_cast<Resource::GrayTable>(index));
-                QCOMPARE(table.size(), 1 << bits);
-                QCOMPARE(int(table.first()), 0);
-                QCOMPARE(int(table.last()), (1 << bits) - 1);
-                QVERIFY(std::is_sorted(table.begin(), table.end()));
-            }
-        }
-        QCOMPARE(int(resource.grayTable(Resource::Gray10).at(512)), 147); // 1023 * (512 / 1023) ^ 2.8
-        QVERIFY(resource.workingGrayTable() == resource.grayTable(Resource::Gray10Low));
-        QCOMPARE(resource.lutIndexTable().last(), 65535u);
-        QCOMPARE(resource.whiteGrayTable().size(), 256);
-        QVERIFY(resource.initResourceFile() && resource.waitForReadResource());
-        QCOMPARE(resource.lutIndexTable().size(), 1024); // not loaded a second time
-    }
-
-    void sixteenThreadsGetOneInstance()
-    {
-        const auto found = threadedInstances([] {
-            Resource* resource = Resource::getInstance();
-            // What is reached through it is complete.
-            return resource->getFineGrayCacheFile().isEmpty() ? nullptr : resource;
-        });
-        QCOMPARE(found, std::set<Resource*>{Resource::getInstance()});
-    }
-
-    void twoHundredStartsAndReleases()
-    {
-        for (int i = 0; i < 200; ++i) {
-            QVERIFY(Resource::getInstance()->initResourceFile());
-            Resource::releaseInstance();
-        }
-        Resource::releaseInstance();
     }
 };
 
