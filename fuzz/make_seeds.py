@@ -54,6 +54,7 @@ for device in wall["devices"]:
     device["cabinets"] = device["cabinets"][:2]
 seed("wall", "wall", json.dumps(wall).encode())
 seed("settings", "shipped", (SHIPPED / "qualityadjust_config/picqualityconfigfile.ini").read_bytes())
+seed("settings", "odd", b'k=0\n[ %41 ];c\n"x"=1, "2;"\n\n%U006b\t= \\x41"\r\n[A]\nk=2\\\r\n3\n;c\n[A]x\nk=@Size(1 2)')
 seed("graytables", "numbers", b"0\n1\n 65535 \r\n-1\nx\n\n70000")
 for name, payload in [("ok", b'{"error":0}'), ("data", b'{"error":0,"data":{"level":14,"mode":1}}'), ("text", "测".encode())]:
     frame = struct.pack("<i", len(payload)) + payload

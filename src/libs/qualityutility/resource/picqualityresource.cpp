@@ -1,6 +1,7 @@
 #include "picqualityresource.h"
 
 #include "graytabletext_p.h"
+#include "settingstext_p.h"
 #include "settingswriteback_p.h"
 
 #include <suite/common/filehelper.h>
@@ -165,16 +166,17 @@ bool PicQualityResource::parsePicqualityConfigFile(const QString& file)
 void PicQualityResource::setFreq(float freq)
 {
     m_settings.freq = freq;
-    writeBack(QStringLiteral("Colorimeter410/Freq"), QString::number(static_cast<double>(freq), 'f', 2));
+    writeBack({QStringLiteral("Colorimeter410"), QStringLiteral("Freq")},
+              QString::number(static_cast<double>(freq), 'f', 2));
 }
 
 void PicQualityResource::setLastOpenPath(const QString& path)
 {
     m_settings.lastOpenPath = path;
-    writeBack(QStringLiteral("LastOpenPath/OpenPath"), path);
+    writeBack({QStringLiteral("LastOpenPath"), QStringLiteral("OpenPath")}, path);
 }
 
-void PicQualityResource::writeBack(const QString& key, const QString& value)
+void PicQualityResource::writeBack(const SettingsKey& key, const QString& value)
 {
     if (QFileInfo(m_settingsFile).isFile() && !writeBackSetting(m_settingsFile, key, value))
         qCritical() << "file" << m_settingsFile << "write failed!!!";

@@ -9,6 +9,8 @@
 #include <array>
 #include <atomic>
 
+struct SettingsKey;
+
 /// The places of the picture-quality files, the settings and the built-in gray tables of a process.
 ///
 /// The first getInstance() prepares the user's data folder and reads the settings file; initResourceFile() loads the
@@ -65,8 +67,9 @@ public:
     /// constructor.
     bool parsePicqualityConfigFile(const QString& file);
 
-    // Settings. Writing back replaces one key of the settings file whole and keeps all others (comments are dropped); a
-    // missing file is not made. A write-back that fails is logged and leaves the file as it was.
+    // Settings. Writing back changes one key of the settings file and keeps all else, comments too; a missing file is
+    // not made. It waits up to five seconds for another process that is changing the file. A write-back that fails is
+    // logged and leaves the file as it was.
 
     float getFreq() const { return m_settings.freq; }
     void setFreq(float freq);
@@ -114,7 +117,7 @@ private:
 
     class LoadingGuard;
     bool startLoading();
-    void writeBack(const QString& key, const QString& value);
+    void writeBack(const SettingsKey& key, const QString& value);
 
     static std::atomic<PicQualityResource*> m_instance;
 

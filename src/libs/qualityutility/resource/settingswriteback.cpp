@@ -1,57 +1,53 @@
+#include "settingstext_p.h"
 #include "settingswriteback_p.h"
 
+#include <QDeadlineTimer>
 #include <QFile>
-#include <QMap>
+#include <QFileInfo>
+#include <QLockFile>
 #include <QSettings>
-#include <QTemporaryDir>
+#include <QTextCodec>
+#include <QThread>
 #include <qualityutility/tool/file/wholefile_p.h>
 
 namespace {
 
-using Values = QMap<QString, QVariant>;
+constexpr char codecName[] = "GB2312";
+constexpr int maxLockWait = 5000; // ms
 
-Values valuesOf(QSettings& file)
+/// QLockFile itself looks again after 100 ms at first, and then ever more rarely; a change takes a tenth of that.
+bool takeLock(QLockFile& lock)
 {
-    Values values;
-    const QStringList keys = file.allKeys();
-    for (const QString& key : keys)
-        values.insert(key, file.value(key));
-    return values;
-}
-
-Values readValues(const QString& path)
-{
-    QSettings file(path, QSettings::IniFormat);
-    useSettingsCodec(file);
-    return valuesOf(file);
+    const QDeadlineTimer deadline(maxLockWait);
+    while (!lock.tryLock(0)) {
+        if (lock.error() != QLockFile::LockFailedError || deadline.hasExpired())
+            return false;
+        QThread::msleep(1);
+    }
+    return true;
 }
 
 } // namespace
 
 void useSettingsCodec(QSettings& file)
 {
-    file.setIniCodec("GB2312");
+    file.setIniCodec(codecName);
 }
 
-bool writeBackSetting(const QString& path, const QString& key, const QString& value)
+bool writeBackSetting(const QString& path, const SettingsKey& key, const QString& value)
 {
-    const QTemporaryDir folder;
-    const QString changed = folder.filePath(QStringLiteral("changed.ini"));
-    if (!folder.isValid() || !QFile::copy(path, changed))
+    QLockFile lock(QFileInfo(path).absoluteFilePath() + QStringLiteral(".lock"));
+    if (!takeLock(lock))
         return false;
-    Values expected;
-    {
-        QSettings file(changed, QSettings::IniFormat);
-        useSettingsCodec(file);
-        file.setValue(key, value);
-        expected = valuesOf(file);
-        file.sync();
-    }
-    // Read back under another name: parsed files are cached by their path. Values from a file are texts; so is the new
-    // one.
-    const QString renamed = folder.filePath(QStringLiteral("renamed.ini"));
-    if (!QFile::rename(changed, renamed) || readValues(renamed) != expected)
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
         return false;
-    QFile file(renamed);
-    return file.open(QIODevice::ReadOnly) && replaceWholeFile(path, file.readAll()) == WholeFileResult::Written;
+    const QByteArray text = file.readAll();
+    if (file.error() != QFileDevice::NoError)
+        return false;
+    file.close();
+    const auto changed = withSetting(text, key, value, QTextCodec::codecForName(codecName));
+    if (!changed)
+        return false;
+    return *changed == text || replaceWholeFile(path, *changed) == WholeFileResult::Written;
 }

@@ -22,6 +22,7 @@ using Resource = PicQualityResource;
 namespace {
 
 constexpr char hostArgument[] = "--host";
+constexpr char writerArgument[] = "--writer";
 
 /// What a host in miniature does: starts, writes back what it is told, and prints what it holds. Log lines go to its
 /// stderr.
@@ -57,6 +58,23 @@ int runHost(const QStringList& arguments)
     if (!ownResources.isEmpty())
         QResource::unregisterResource(ownResources);
     return 0;
+}
+
+/// A host that writes one key back many times and looks for it in the file each time. Gives how often it was not there.
+int runWriter(const QString& key)
+{
+    Resource& resource = *Resource::getInstance();
+    int lost = 0;
+    for (int i = 1; i <= 40; ++i) {
+        const bool isFreq = key == "Freq";
+        if (isFreq)
+            resource.setFreq(static_cast<float>(i));
+        else
+            resource.setLastOpenPath(QString::number(i));
+        const QString line = QString("%1=%2%3\n").arg(key).arg(i).arg(isFreq ? ".00" : "");
+        lost += readFile(resource.getSettingsFile()).contains(line.toLatin1()) ? 0 : 1;
+    }
+    return lost;
 }
 
 struct Started
@@ -190,16 +208,34 @@ private Q_SLOTS:
     void writeBackKeepsWhatItDoesNotKnow()
     {
         const QByteArray chinese = QTextCodec::codecForName("GB2312")->fromUnicode(QString::fromUtf8("屏幕"));
-        writeFile(settingsFile(), "[Unknown]\nName=" + chinese + "\nList=1, 2\n[Colorimeter410]\nFreq=50\nSpeed=7\n");
+        const QByteArray before = "; kept\n[Unknown]\nName=" + chinese + "\nList=1, 2\n[Colorimeter410]\nFreq=";
+        const QByteArray after = " ; Hz\nSpeed=7\n\n";
+        writeFile(settingsFile(), before + "50" + after);
         const QString path = QString::fromUtf8("/数据/图像, 1");
         QCOMPARE(start({"59.996", path}).exitCode, 0);
-        const QByteArray content = readFile(settingsFile());
-        QVERIFY2(content.contains("Name=" + chinese) && content.contains("List=1, 2"), content.constData());
-        QVERIFY2(content.contains("Freq=60.00"), content.constData());
+        QCOMPARE(readFile(settingsFile()),
+                 before + "60.00" + after + "\n[LastOpenPath]\nOpenPath=\"/" +
+                     QTextCodec::codecForName("GB2312")->fromUnicode(QString::fromUtf8("数据/图像, 1\"\n")));
         const Started again = start();
         QCOMPARE(again.state["freq"].toDouble(), 60.0);
         QCOMPARE(again.state["path"].toString(), path);
         QCOMPARE(again.state["speed"].toInt(), 7);
+    }
+
+    void twoProcessesLoseNothingOfEachOther()
+    {
+        writeFile(settingsFile(), "[Colorimeter410]\nFreq=0\n[LastOpenPath]\nOpenPath=0\n");
+        QProcess writers[2];
+        for (QProcess& writer : writers)
+            writer.start(inHost("app"), {writerArgument, &writer == writers ? "Freq" : "OpenPath"});
+        for (QProcess& writer : writers) {
+            QVERIFY(writer.waitForFinished(30000));
+            QCOMPARE(writer.exitStatus(), QProcess::NormalExit);
+            QCOMPARE(writer.exitCode(), 0);
+            QVERIFY(!writer.readAllStandardError().contains("write failed"));
+        }
+        QCOMPARE(readFile(settingsFile()), QByteArray("[Colorimeter410]\nFreq=40.00\n[LastOpenPath]\nOpenPath=40\n"));
+        QCOMPARE(QFileInfo(settingsFile()).dir().entryList(QDir::Files | QDir::Hidden).size(), 1);
     }
 
     void aFullDiskLeavesTheSettings_data()
@@ -356,6 +392,8 @@ int main(int argc, char** argv)
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.value(1) == hostArgument)
         return runHost(arguments.mid(2));
+    if (arguments.value(1) == writerArgument)
+        return runWriter(arguments.value(2));
     PicQualityResourceTest test;
     return QTest::qExec(&test, argc, argv);
 }
