@@ -31,19 +31,22 @@ constexpr auto magic()
     return MagicValue<T>{getter, assign<T, setter>};
 }
 
-void setMinGain(MagicGrayParam& param, int min)
-{
-    param.setGainRange(min, param.getMaxGain());
-}
+// The gain range is set whole: its minimum is held until the maximum is read.
+struct GainMinimum
+{};
+struct GainMaximum
+{};
 
-void setMaxGain(MagicGrayParam& param, int max)
+/// What is read into, and what is held.
+struct Reading
 {
-    param.setGainRange(param.getMinGain(), max);
-}
+    Settings& settings;
+    int minGain = 0;
+};
 
-using Target =
-    std::variant<int Settings::*, bool Settings::*, double Settings::*, float Settings::*, QString Settings::*,
-                 QStringList Settings::*, MagicValue<int>, MagicValue<bool>, MagicValue<double>>;
+using Target = std::variant<int Settings::*, bool Settings::*, double Settings::*, float Settings::*,
+                            QString Settings::*, QStringList Settings::*, MagicValue<int>, MagicValue<bool>,
+                            MagicValue<double>, GainMinimum, GainMaximum>;
 
 /// One key. Its default is the value that the target holds, unless it has one of its own.
 struct Row
@@ -89,8 +92,8 @@ const Row rows[] = {
     {colorimeterGroup, latin1("ChannelNO"), &Settings::channelNo},
     {colorimeterGroup, latin1("FreqList"), &Settings::freqList},
     {latin1("MagicGray"), latin1("MagicGrayState"), &Settings::magicGrayState},
-    {latin1("MagicGray"), latin1("MinGain"), MagicValue<int>{&MagicGrayParam::getMinGain, setMinGain}},
-    {latin1("MagicGray"), latin1("MaxGain"), MagicValue<int>{&MagicGrayParam::getMaxGain, setMaxGain}},
+    {latin1("MagicGray"), latin1("MinGain"), GainMinimum()},
+    {latin1("MagicGray"), latin1("MaxGain"), GainMaximum()},
     {latin1("MagicGray"), latin1("GainConfigUse"),
      magic<&MagicGrayParam::getGainConfigUse, &MagicGrayParam::setGainConfigUse>()},
     // Read before and after the PWM range: a record whose range limits its layers takes the number in the second time.
@@ -142,36 +145,56 @@ T convert(const QVariant& value)
 }
 
 template <typename T>
-QVariant current(const Settings& settings, T Settings::*member)
+QVariant current(const Reading& reading, T Settings::*member)
 {
-    return settings.*member;
+    return reading.settings.*member;
 }
 
 template <typename T>
-QVariant current(const Settings& settings, const MagicValue<T>& value)
+QVariant current(const Reading& reading, const MagicValue<T>& value)
 {
-    return (settings.magicGray.*value.get)();
+    return (reading.settings.magicGray.*value.get)();
+}
+
+QVariant current(const Reading& reading, GainMinimum)
+{
+    return reading.settings.magicGray.getMinGain();
+}
+
+QVariant current(const Reading& reading, GainMaximum)
+{
+    return reading.settings.magicGray.getMaxGain();
 }
 
 template <typename T>
-void store(Settings& settings, T Settings::*member, const QVariant& value)
+void store(Reading& reading, T Settings::*member, const QVariant& value)
 {
-    settings.*member = convert<T>(value);
+    reading.settings.*member = convert<T>(value);
 }
 
 template <typename T>
-void store(Settings& settings, const MagicValue<T>& target, const QVariant& value)
+void store(Reading& reading, const MagicValue<T>& target, const QVariant& value)
 {
-    target.set(settings.magicGray, convert<T>(value));
+    target.set(reading.settings.magicGray, convert<T>(value));
 }
 
-void readRow(QSettings& file, const Row& row, Settings& settings)
+void store(Reading& reading, GainMinimum, const QVariant& value)
+{
+    reading.minGain = value.toInt();
+}
+
+void store(Reading& reading, GainMaximum, const QVariant& value)
+{
+    reading.settings.magicGray.setGainRange(reading.minGain, value.toInt());
+}
+
+void readRow(QSettings& file, const Row& row, Reading& reading)
 {
     const QString path = row.group + QLatin1Char('/') + row.key;
     std::visit(
         [&](const auto& target) {
-            const QVariant fallback = row.ownDefault ? row.ownDefault() : current(settings, target);
-            store(settings, target, file.value(path, fallback));
+            const QVariant fallback = row.ownDefault ? row.ownDefault() : current(reading, target);
+            store(reading, target, file.value(path, fallback));
         },
         row.target);
 }
@@ -191,10 +214,11 @@ void finishColorimeter(Settings& settings)
 void PicQualitySettings::read(QSettings& file)
 {
     const Row* before = nullptr;
+    Reading reading{*this};
     for (const Row& row : rows) {
         if (before && before->group == colorimeterGroup && row.group != colorimeterGroup)
             finishColorimeter(*this);
-        readRow(file, row, *this);
+        readRow(file, row, reading);
         before = &row;
     }
 }
