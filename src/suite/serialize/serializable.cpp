@@ -3,6 +3,8 @@
 #include <QDebug>
 #include <QMetaProperty>
 
+#include <utility>
+
 namespace Xq::Serialize {
 
 namespace {
@@ -58,6 +60,33 @@ QVariant integers(const QVariantList& values)
     return QVariant::fromValue(list);
 }
 
+/// Texts by number, from the map of texts that stands for them; invalid where it is none.
+QVariant textsByNumber(const QVariantMap& values)
+{
+    QMap<int, QString> texts;
+    for (auto it = values.begin(); it != values.end(); ++it) {
+        const int number = it.key().toInt();
+        if (QString::number(number) != it.key() || it.value().userType() != QMetaType::QString)
+            return {};
+        texts.insert(number, it.value().toString());
+    }
+    return QVariant::fromValue(texts);
+}
+
+/// Lists and maps of any type as those of variants, which JSON documents hold.
+QVariant plain(const QVariant& value)
+{
+    if (value.userType() < QMetaType::User)
+        return value;
+    if (value.canConvert<QVariantMap>())
+        return value.value<QVariantMap>();
+    return value.canConvert<QVariantList>() ? value.value<QVariantList>() : value;
+}
+
+/// Whether all was taken by the deserialize() that runs on this thread; that of a nested object runs within its
+/// owner's, which learns by this of what was not.
+thread_local bool s_isWhole = true;
+
 /// `value` as the property's type; invalid where it is none.
 QVariant fitted(const QVariant& value, const QMetaProperty& property)
 {
@@ -68,6 +97,8 @@ QVariant fitted(const QVariant& value, const QMetaProperty& property)
         return withoutLoss(value, type);
     if (type == qMetaTypeId<QList<int>>() && value.userType() == QMetaType::QVariantList)
         return integers(value.toList());
+    if (type == qMetaTypeId<QMap<int, QString>>() && value.userType() == QMetaType::QVariantMap)
+        return textsByNumber(value.toMap());
     return {};
 }
 
@@ -84,19 +115,19 @@ QVariantMap Serializable::serialize(const Serializable* object, quint32 /*attrib
         return map;
     const QMetaObject& meta = *object->metaObject();
     for (int i = staticMetaObject.propertyCount(); i < meta.propertyCount(); ++i)
-        map.insert(QString::fromLatin1(meta.property(i).name()), meta.property(i).read(object));
+        map.insert(QString::fromLatin1(meta.property(i).name()), plain(meta.property(i).read(object)));
     return map;
 }
 
 bool Serializable::deserialize(const QVariantMap& map, quint32 /*attribute*/)
 {
     const QMetaObject& meta = *metaObject();
-    bool isWhole = true;
+    const bool isOwnerWhole = std::exchange(s_isWhole, true);
     for (auto it = map.begin(); it != map.end(); ++it) {
         const int index = meta.indexOfProperty(it.key().toLatin1().constData());
         if (index < staticMetaObject.propertyCount()) {
             qWarning() << meta.className() << "has no property" << it.key();
-            isWhole = false;
+            s_isWhole = false;
             continue;
         }
         const QMetaProperty property = meta.property(index);
@@ -104,9 +135,11 @@ bool Serializable::deserialize(const QVariantMap& map, quint32 /*attribute*/)
         if (!value.isValid() || !property.write(this, value)) {
             qWarning() << meta.className() << "property" << it.key() << "expected" << property.typeName() << "found"
                        << it.value();
-            isWhole = false;
+            s_isWhole = false;
         }
     }
+    const bool isWhole = s_isWhole;
+    s_isWhole = isOwnerWhole && isWhole;
     return isWhole;
 }
 
@@ -117,8 +150,10 @@ QVariant Serializable::packObjByAttribute(const QVariantMap& map, quint32 /*attr
 
 QVariantMap Serializable::unpackObjByAttribute(const QVariant& value, quint32 /*attribute*/)
 {
-    if (value.userType() != QMetaType::QVariantMap)
+    if (value.userType() != QMetaType::QVariantMap) {
         qWarning() << "a nested object expected a map, found" << value;
+        s_isWhole = false;
+    }
     return value.toMap();
 }
 

@@ -22,12 +22,14 @@ public:
     quint32 attribute() const { return m_attribute; }
     void setAttribute(quint32 attribute) { m_attribute = attribute; }
 
-    /// The properties of `object`, with their values. An empty map for none.
+    /// The properties of `object`, with their values. An empty map for none. Lists and maps are those of variants, keys
+    /// as decimal text, so that the map goes through a JSON document and back without loss (doubles to their precision,
+    /// integers to 53 bits).
     static QVariantMap serialize(const Serializable* object, quint32 attribute);
     /// Sets the properties that `map` names; the others stay. A value is taken when it has the property's type, or is a
-    /// number that the property's number type holds without loss, or a list of numbers for a list of integers. An
-    /// unknown name and a value that does not fit are skipped with a warning in the Qt log, and the rest is taken.
-    /// Returns whether everything in `map` itself was taken; a nested object's map counts as taken and logs for itself.
+    /// number that the property's number type holds without loss, or a list of numbers for a list of integers, or a map
+    /// of texts for texts by number. An unknown name and a value that does not fit are skipped with a warning in the Qt
+    /// log, and the rest is taken. Returns whether everything was taken, by nested objects too.
     bool deserialize(const QVariantMap& map, quint32 attribute);
 
     /// A nested object's map as the value of the property that stands for it, and back. Anything but a map unpacks to

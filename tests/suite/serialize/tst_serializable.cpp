@@ -106,12 +106,24 @@ private Q_SLOTS:
             QCOMPARE(after, before.value(name));
     }
 
-    void somethingElseThanAMapIsNoNestedObject()
+    void whatANestedObjectDoesNotTakeIsSaid_data()
     {
+        QTest::addColumn<QVariant>("lamp");
+        QTest::addColumn<bool>("isTaken");
+        QTest::newRow("fits") << QVariant(QVariantMap{{"power", 3}}) << true;
+        QTest::newRow("does not fit") << QVariant(QVariantMap{{"power", "3"}, {"gamma", 1.0}}) << false;
+        QTest::newRow("no map") << QVariant(5) << false;
+    }
+
+    void whatANestedObjectDoesNotTakeIsSaid()
+    {
+        QFETCH(QVariant, lamp);
+        QFETCH(bool, isTaken);
         Post post;
-        post.setLampMap(5);
-        QVERIFY(!post.lamp);
-        QCOMPARE(m_log->take().size(), 1);
+        QCOMPARE(post.deserialize({{"lamp", lamp}}, 0), isTaken);
+        QCOMPARE(m_log->take().size(), isTaken ? 0 : 1);
+        QCOMPARE(bool(post.lamp), lamp != QVariant(5));
+        QVERIFY(post.deserialize({}, 0)); // forgotten
     }
 
 private:

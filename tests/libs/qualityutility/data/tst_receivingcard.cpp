@@ -1,3 +1,5 @@
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QMetaProperty>
 #include <QTest>
 #include <qualityutility/data/nicccoeffs.h>
@@ -76,6 +78,22 @@ private Q_SLOTS:
         QVERIFY(!back.brightness()->deserialize({{"BlueGammaTable", QVariantList{1.5}}}, 0));
         QCOMPARE(back.brightness()->blueGammaTable().size(), 2);
         QCOMPARE(back.brightness()->colorTemperturePara().rCx, 0.7);
+    }
+
+    void aConfigurationComesBackFromJson()
+    {
+        ConfigData config;
+        config.brightness()->setGainMap({{3, "x"}, {-1, ""}});
+        config.brightness()->setGreenGammaTable({0, 65536, -2});
+        const QVariantMap map = Serializable::serialize(&config, 0);
+        const QByteArray text = QJsonDocument(QJsonObject::fromVariantMap(map)).toJson();
+        ConfigData back;
+        QVERIFY(back.deserialize(QJsonDocument::fromJson(text).object().toVariantMap(), 0));
+        QCOMPARE(Serializable::serialize(&back, 0), map);
+        QCOMPARE(back.brightness()->gainMap(), config.brightness()->gainMap());
+        QCOMPARE(back.brightness()->greenGammaTable(), config.brightness()->greenGammaTable());
+        QVERIFY(!back.deserialize({{"BrightnessParameter", QVariantMap{{"GainMap", QVariantMap{{"x", ""}}}}}}, 0));
+        QVERIFY(!back.deserialize({{"BrightnessParameter", QVariantMap{{"ColorTemperturePara", QVariant()}}}}, 0));
     }
 
     void valuesAreLimitedToTheirStorage_data()
