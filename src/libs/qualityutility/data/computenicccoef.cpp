@@ -40,6 +40,24 @@ void logOutput(const std::vector<short>& coefficients)
         line << QString::number(coefficient);
 }
 
+/// Zeros turn a wall dark, and a negative sum of a row asks a primary for less than no light in white: neither goes out
+/// in silence.
+void logWhatCannotBeShown(const std::vector<short>& coefficients, const QString& target)
+{
+    if (std::all_of(coefficients.begin(), coefficients.end(), [](short value) { return value == 0; })) {
+        qCritical() << "no gamut correction for" << target << ": a gamut's points make no RGB system";
+        return;
+    }
+    const char* const channels[] = {"red", "green", "blue"};
+    QStringList missing;
+    for (std::size_t row = 0; row < 3; ++row)
+        if (coefficients[3 * row] + coefficients[3 * row + 1] + coefficients[3 * row + 2] < 0)
+            missing << QLatin1String(channels[row]);
+    if (!missing.isEmpty())
+        qCritical() << "the white of" << target << "cannot be shown: it lies outside of the source's triangle and needs"
+                    << "a negative share of" << missing.join(QStringLiteral(", "));
+}
+
 } // namespace
 
 bool ComputeNICCCoef::createCoef(const Model::ColorGamutInfo& source, Model::ColorGamutInfo& target)
@@ -67,9 +85,7 @@ void ComputeNICCCoef::computeSingleCoef(Model::ColorGamutInfo& target, double wh
     logInput(whiteLumRatio, targetPrimaries, source, targetWhite, sourceWhite);
     iccObject.MICCMatrixCoef(coefficients.data(), &whiteLumRatio, targetPrimaries, source, targetWhite, sourceWhite);
     logOutput(coefficients);
-    if (std::all_of(coefficients.begin(), coefficients.end(), [](short value) { return value == 0; }))
-        qCritical() << "no gamut correction for" << QString::fromStdString(target.name)
-                    << ": a gamut's points make no RGB system";
+    logWhatCannotBeShown(coefficients, QString::fromStdString(target.name));
     target.coeff.setCoeffs(std::vector<unsigned short>(coefficients.begin(), coefficients.end()));
 
     double first = 0.0;

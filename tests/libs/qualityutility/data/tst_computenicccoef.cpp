@@ -3,6 +3,8 @@
 #include <QTest>
 #include <qualityutility/data/computenicccoef.h>
 
+#include <algorithm>
+
 namespace {
 
 Model::ColorGamutInfo panel()
@@ -90,6 +92,38 @@ private Q_SLOTS:
         const QStringList log = m_log->take();
         QCOMPARE(log.size(), 3);
         QVERIFY(log.last().startsWith("critical default:") && log.last().contains("Rec.709"));
+    }
+
+    void aWhiteThatCannotBeShownIsNamed_data()
+    {
+        QTest::addColumn<bool>("isSource");
+        QTest::newRow("target white") << false;
+        QTest::newRow("source white") << true;
+    }
+
+    void aWhiteThatCannotBeShownIsNamed()
+    {
+        QFETCH(bool, isSource);
+        const Model::ColorGamutInfo wall = panel();
+        int named = 0;
+        // From inside to outside of the wall's triangle, through the middle of its red-green edge and right beside it.
+        for (const double beside : {-0.1, -1e-3, -1e-6, -1e-9, -1e-13, 0.0, 1e-13, 1e-9, 1e-6, 1e-3, 0.1}) {
+            Model::ColorGamutInfo source = wall;
+            Model::ColorGamutInfo target = rec709();
+            Model::LXY& white = isSource ? source.wLxy : target.wLxy;
+            white.x = (wall.rLxy.x + wall.gLxy.x) / 2 + beside;
+            white.y = (wall.rLxy.y + wall.gLxy.y) / 2 + beside;
+            ComputeNICCCoef::createCoef(source, target);
+            const std::vector<unsigned short> stored = target.coeff.getCoeffs();
+            const std::vector<short> c(stored.begin(), stored.end());
+            const bool isDark = std::count(c.begin(), c.end(), 0) == 9;
+            const bool isNegative = c[0] + c[1] + c[2] < 0 || c[3] + c[4] + c[5] < 0 || c[6] + c[7] + c[8] < 0;
+            const QStringList lines = m_log->take().filter("critical default:").filter("Rec.709");
+            QCOMPARE(lines.size(), isDark || isNegative ? 1 : 0);
+            QVERIFY(isNegative == (lines.value(0).contains("negative share")) || isDark);
+            named += lines.size();
+        }
+        QVERIFY(named > 0);
     }
 
 private:
