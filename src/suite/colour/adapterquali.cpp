@@ -54,3 +54,13 @@ double AdapterQuali::MDeltaE76Lxy(OnePointLxy first, OnePointLxy second, OnePoin
     const Colour::Vector3 whiteXyz = toXyz(white);
     return Colour::deltaE76(Colour::toLab(toXyz(first), whiteXyz), Colour::toLab(toXyz(second), whiteXyz));
 }
+
+void AdapterQuali::MWRGBxy2RGBLratio(const ColorGamutPARM& gamut, OnePointLxy white, double* red, double* green,
+                                     double* blue) const
+{
+    const auto toXyz = Colour::rgbToXyz(primaries(gamut, white));
+    const Colour::Vector3 luminance = toXyz ? (*toXyz)[1] : Colour::Vector3{};
+    *red = luminance[0];
+    *green = luminance[1];
+    *blue = luminance[2];
+}

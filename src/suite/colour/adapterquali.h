@@ -22,6 +22,10 @@ struct OnePointLxy
 };
 
 /// The suite's door to its colour science. Stateless: any thread, nothing is allocated, nothing throws.
+///
+/// A host's own colour library has more behind this door, which nothing here calls. MRGBToLxy, MCulGammaArrayNum,
+/// MCountGammaOriginal, MCountGammaCurve and MCalculatePQ are not bundled: their names and argument types do not say
+/// what their tables hold, in which unit and at which scale, and a guess would be numbers that look right.
 class SUITE_COLOUR_EXPORT AdapterQuali
 {
 public:
@@ -41,4 +45,10 @@ public:
     /// CIE 1976 colour difference of two points beside the same white, whose luminance is L* 100. NaN where a y or the
     /// white's luminance is zero.
     double MDeltaE76Lxy(OnePointLxy first, OnePointLxy second, OnePointLxy white) const;
+
+    /// The shares of red, green and blue in the luminance of white (0..1, together 1; `white`'s own luminance plays no
+    /// part). A share below 0 means a white outside of the primaries' triangle. All zero for input that makes no RGB
+    /// system, as for MICCMatrixCoef.
+    void MWRGBxy2RGBLratio(const ColorGamutPARM& gamut, OnePointLxy white, double* red, double* green,
+                           double* blue) const;
 };

@@ -321,6 +321,19 @@ private Q_SLOTS:
         QVERIFY(isNear(deltaE76({50, 3, 4}, {50, 0, 0}), 5.0, 1e-12));
         QVERIFY(isNear(toLab({0.5, 0.008, 0.5}, {1, 1, 1}).lightness, 7.226370, 1e-6)); // the straight part
     }
+
+    void theSharesOfLuminanceAreThoseOfTheStandard()
+    {
+        const AdapterQuali adapter;
+        const Primaries rec709 = gamut("rec709");
+        double red = 0.0;
+        double green = 0.0;
+        double blue = 0.0;
+        adapter.MWRGBxy2RGBLratio(parm(rec709), {5, rec709.white.x, rec709.white.y}, &red, &green, &blue);
+        QVERIFY(isNear(red, 0.2126, 5e-5) && isNear(green, 0.7152, 5e-5) && isNear(blue, 0.0722, 5e-5)); // BT.709-6
+        adapter.MWRGBxy2RGBLratio(parm(rec709), {5, 0.3, 0.0}, &red, &green, &blue);
+        QVERIFY(red == 0.0 && green == 0.0 && blue == 0.0);
+    }
 };
 
 QTEST_APPLESS_MAIN(ColourTest)
