@@ -271,16 +271,39 @@ private Q_SLOTS:
         QCOMPARE(draw(m_folder.filePath(QString("not UTF-8 %1.svg").arg(QChar(QChar::ReplacementCharacter)))), 73);
     }
 
-    void builtInTablesAndSettingsAreShown()
+    void builtInTablesAndSettingsAreShownWithoutTouchingTheHostsFolder_data()
     {
-        const QJsonArray tables = run({"gray", "tables", "--json"}).json()["tables"].toArray();
+        QTest::addColumn<bool>("isHostTold");
+        QTest::newRow("the host's folder in the environment") << true;
+        QTest::newRow("no home that can be written to") << false;
+    }
+
+    void builtInTablesAndSettingsAreShownWithoutTouchingTheHostsFolder()
+    {
+        QFETCH(bool, isHostTold);
+        const QString data = m_folder.filePath("company/qualityadjust/data");
+        const QString transfer = writeFile(data + "/niccpath.nicc", "of a running host");
+        const QByteArray company = qgetenv("SUITE_COMPANY_DIR");
+        const QByteArray home = qgetenv("HOME");
+        if (!isHostTold) {
+            qunsetenv("SUITE_COMPANY_DIR");
+            qputenv("HOME", "/dev/null");
+        }
+        const Run listed = run({"gray", "tables", "--json"});
+        const Run shown = run({"settings", "show", "--json"});
+        const Run set = run({"settings", "set", "freq", "60"}); // as it is
+        qputenv("SUITE_COMPANY_DIR", company);
+        qputenv("HOME", home);
+        QCOMPARE(set.exitCode, 0);
+        const QJsonArray tables = listed.json()["tables"].toArray();
         QCOMPARE(tables.size(), 15);
         QCOMPARE(tables[12]["table"].toString(), "nGray_16");
         QCOMPARE(tables[12]["last"].toInt(), 65535);
-        const QJsonObject shown = run({"settings", "show", "--json"}).json();
-        QCOMPARE(shown["settings"]["frequency_hz"].toDouble(), 60.0); // the shipped file, beside the executable
-        QVERIFY(QFile::exists(shown["file"].toString()));
-        QVERIFY(QFile::exists(m_folder.filePath("company/qualityadjust/data/defaultcolorgamut.cfg")));
+        const QJsonObject settings = shown.json();
+        QCOMPARE(settings["settings"]["frequency_hz"].toDouble(), 60.0); // the shipped file, beside the executable
+        QVERIFY(QFile::exists(settings["file"].toString()));
+        QCOMPARE(readFile(transfer), QByteArray("of a running host"));
+        QCOMPARE(QDir(data).entryList(QDir::Files), QStringList("niccpath.nicc"));
     }
 
     void hubCommandsTalkToAHub()

@@ -1,3 +1,4 @@
+#include "builtinresource.h"
 #include "commands.h"
 #include "graycalibration.h"
 #include "hostcharts.h"
@@ -148,7 +149,7 @@ CommandResult writeDocuments(const GrayArguments& arguments, const Output& outpu
 CommandResult listTables(const Output& output)
 {
     HostLog::install(output.quiet);
-    PicQualityResource& resource = *PicQualityResource::getInstance();
+    PicQualityResource& resource = builtInResource();
     resource.initResourceFile();
     QList<QStringList> rows{
         {QStringLiteral("table"), QStringLiteral("numbers"), QStringLiteral("first"), QStringLiteral("last")}};

@@ -1,3 +1,4 @@
+#include "builtinresource.h"
 #include "commands.h"
 #include "hostlog.h"
 
@@ -25,7 +26,7 @@ double toDouble(float value)
 PicQualityResource& openResource(const Output& output)
 {
     HostLog::install(output.quiet);
-    return *PicQualityResource::getInstance();
+    return builtInResource();
 }
 
 CommandResult showSettings(const Output& output)

@@ -130,13 +130,12 @@ void PicQualityResource::initCacheFile()
 {
     const QString data =
         Service::SystemService::getRoamingCompanyPath() + QStringLiteral("/%1/%2/").arg(m_moduleFolder, m_dataFolder);
-    if (!QDir(data).exists())
-        Common::FileHelper::createDir(data);
+    const bool isThere = QDir(data).exists() || Common::FileHelper::createDir(data);
     const QString application = QCoreApplication::applicationDirPath() + QLatin1Char('/') + m_moduleFolder;
 
     const auto inData = [&data](const QString& path) { return data + QFileInfo(path).fileName(); };
     m_defaultColorGamutFile = inData(m_defaultColorGamutFile);
-    if (!QFile::exists(m_defaultColorGamutFile))
+    if (isThere && !QFile::exists(m_defaultColorGamutFile)) // QFile::copy would go by way of a temporary folder
         QFile::copy(application + QLatin1Char('/') + QFileInfo(m_defaultColorGamutFile).fileName(),
                     m_defaultColorGamutFile);
     m_colorGamutFile = application + QLatin1Char('/') + QFileInfo(m_colorGamutFile).fileName();
