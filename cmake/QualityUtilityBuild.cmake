@@ -66,9 +66,14 @@ function(qualityutility_library target)
   target_compile_features(${target} ${scope} cxx_std_17)
   target_include_directories(${target} ${scope}
     $<BUILD_INTERFACE:${ARG_BASE}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/${ARG_EXPORT}>)
-  install(DIRECTORY ${ARG_BASE}/${ARG_FOLDER}/
-    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${ARG_EXPORT}/${ARG_FOLDER} COMPONENT development
-    FILES_MATCHING PATTERN "*.h" PATTERN "*_p.h" EXCLUDE)
+  # File by file: installing the folder would make one for each that holds no header.
+  file(GLOB_RECURSE headers RELATIVE ${ARG_BASE} CONFIGURE_DEPENDS ${ARG_BASE}/${ARG_FOLDER}/*.h)
+  list(FILTER headers EXCLUDE REGEX "_p\\.h$")
+  foreach(header IN LISTS headers)
+    get_filename_component(folder ${header} DIRECTORY)
+    install(FILES ${ARG_BASE}/${header}
+      DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${ARG_EXPORT}/${folder} COMPONENT development)
+  endforeach()
   install(TARGETS ${target} EXPORT ${ARG_EXPORT}Targets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
