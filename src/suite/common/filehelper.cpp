@@ -3,6 +3,23 @@
 #include <QDir>
 #include <QFileInfo>
 
+namespace {
+
+constexpr auto owners = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
+
+/// Lets the owner look into a folder and all below it, and delete what is there. Links are not followed.
+void openFolders(const QString& path)
+{
+    const QFile::Permissions permissions = QFile::permissions(path);
+    if ((permissions & owners) != owners)
+        QFile::setPermissions(path, permissions | owners);
+    for (const QFileInfo& inner : QDir(path).entryInfoList(QDir::AllDirs | QDir::Hidden | QDir::NoDotAndDotDot))
+        if (!inner.isSymLink())
+            openFolders(inner.filePath());
+}
+
+} // namespace
+
 namespace Common {
 
 bool FileHelper::createDir(const QString& path)
@@ -21,7 +38,12 @@ bool FileHelper::deleteDir(const QString& path)
         return QFile::remove(entry);
     if (!info.exists())
         return true;
-    return info.isDir() && QDir(entry).removeRecursively();
+    if (!info.isDir())
+        return false;
+    if (QDir(entry).removeRecursively())
+        return true;
+    openFolders(entry);
+    return QDir(entry).removeRecursively();
 }
 
 } // namespace Common

@@ -16,7 +16,8 @@ public:
     static bool createDir(const QString& path);
 
     /// Deletes a folder with everything in it. A symbolic link, given or found inside, is itself deleted and never
-    /// followed. True when nothing is left of it. An empty path, a root and a file are refused.
+    /// followed. Folders that their owner may not change are opened for that first. True when nothing is left of it.
+    /// An empty path, a root and a file are refused.
     static bool deleteDir(const QString& path);
 };
 

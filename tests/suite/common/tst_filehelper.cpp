@@ -1,3 +1,5 @@
+#include "support/otheruser.h"
+
 #include <suite/common/filehelper.h>
 
 #include <QDir>
@@ -37,6 +39,17 @@ private Q_SLOTS:
         QCOMPARE(QDir(folder.path()).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot),
                  QStringList{"victim"});
         QVERIFY(QFile::exists(folder.filePath("victim/kept")));
+    }
+
+    void foldersClosedToTheirOwnerAreDeletedToo()
+    {
+        const QTemporaryDir folder;
+        const OtherUser user(folder.path());
+        const QString closed = folder.filePath("a/closed");
+        QVERIFY(QDir().mkpath(closed + "/b") && QFile::link(folder.path(), closed + "/link"));
+        QVERIFY(QFile::setPermissions(closed, QFile::ReadOwner) && QFile::setPermissions(folder.filePath("a"), {}));
+        QVERIFY(FileHelper::deleteDir(folder.filePath("a")));
+        QVERIFY(!QFile::exists(folder.filePath("a")) && QFile::exists(folder.path()));
     }
 
     void whatIsNoFolderIsRefused()
