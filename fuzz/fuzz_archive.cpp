@@ -1,9 +1,13 @@
-// Unpacking: whatever an archive holds, the process lives and every path that comes out is in the archive's folder.
+// Unpacking: whatever an archive holds, the process lives, every path that comes out is in the archive's folder, and
+// the files can be packed again.
 
 #include "fuzzing.h"
 
 #include <QDir>
+#include <QFile>
 #include <qualityutility/tool/file/picqualityfiletool.h>
+
+#include <algorithm>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
@@ -19,6 +23,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (!path.isEmpty() && !QDir::cleanPath(path).startsWith(folder) &&
             QDir::cleanPath(path) + QLatin1Char('/') != folder)
             qFatal("a path outside: %s", qPrintable(path));
+    others.erase(std::remove_if(others.begin(), others.end(),
+                                [](const QString& path) { return path.endsWith(QLatin1Char('/')); }),
+                 others.end());
+    const QString again = QFileInfo(archive).dir().filePath(QStringLiteral("again.zip"));
+    QFile::remove(again);
+    PicQualityFileTool::packProConfig(again, nicc, gray, config, others);
+    if (!QFile::exists(again))
+        qFatal("what was unpacked cannot be packed");
     PicQualityFileTool::removeTempProConfig(archive);
     return 0;
 }

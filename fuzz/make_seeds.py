@@ -64,6 +64,8 @@ seed("archive", "flat", archive([("a.nicc", "1"), ("b.gray", "2" * 300)], compre
 seed("archive", "folder", archive([("f/", ""), ("f/a.nrf", "1")]))
 seed("archive", "upwards", archive([("../a", "1")]))
 seed("archive", "empty", archive([]))
+seed("archive", "drive", archive([("f/C:a", "1")]))
+seed("archive", "comment", archive([("a", "1")])[:-2] + b"\xff\xff" + archive([]) + b"-" * (0xffff - 22))
 
 words = set()
 for source in (ROOT / "src").rglob("*.cpp"):

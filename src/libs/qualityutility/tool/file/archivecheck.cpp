@@ -1,6 +1,8 @@
 #include "archivecheck_p.h"
+#include "archiveview_p.h"
 
 #include <QDir>
+#include <QStorageInfo>
 #include <QTextCodec>
 #include <quazip/quazip.h>
 
@@ -22,23 +24,10 @@ bool hasDriveLetter(const QString& name)
     return name.size() >= 2 && name.at(1) == QLatin1Char(':') && name.at(0).unicode() < 0x80 && name.at(0).isLetter();
 }
 
-/// What is wrong with a name; empty for a good one.
-QString nameFault(const QString& name)
+/// Whether a name is not in the encoding that it was read in.
+bool isForeign(const QuaZipFileInfo64& entry)
 {
-    constexpr int maxPartBytes = 255;
-    if (name.isEmpty())
-        return QStringLiteral("an empty name");
-    if (std::any_of(name.begin(), name.end(), isControl))
-        return QStringLiteral("control characters in a name");
-    if (name.startsWith(QLatin1Char('/')) || name.contains(QLatin1Char('\\')) || hasDriveLetter(name))
-        return QStringLiteral("not a relative path");
-    for (const QString& part : name.split(QLatin1Char('/'))) {
-        if (part == QLatin1String("..") || part == QLatin1String("."))
-            return QStringLiteral("a path that leaves the folder");
-        if (part.toUtf8().size() > maxPartBytes)
-            return QStringLiteral("a name over 255 bytes");
-    }
-    return {};
+    return (entry.flags & utf8Flag) == 0 && entry.name.contains(QChar::ReplacementCharacter);
 }
 
 QString entryFault(const QuaZipFileInfo64& entry)
@@ -49,36 +38,31 @@ QString entryFault(const QuaZipFileInfo64& entry)
         return QStringLiteral("encrypted");
     if (entry.method != storedMethod && entry.method != deflatedMethod)
         return QStringLiteral("an unknown compression method");
-    return nameFault(entry.name);
+    return archiveNameFault(entry.name);
 }
 
-/// Whether there is nothing but an end record that counts no entries.
-bool isEmptyArchive(QIODevice& archive)
+/// Whether a name that did not decode is the same text as an earlier one: two files would become one.
+bool isMergedName(const QuaZipFileInfo64& entry, const ArchiveListing& listing)
 {
-    constexpr int endLength = 22;
-    const QByteArray end = archive.peek(endLength);
-    return end.size() == endLength && end.startsWith(QByteArray("PK\x05\x06") + QByteArray(16, '\0'));
+    return isForeign(entry) && listing.sizes.contains(QDir::cleanPath(entry.name));
 }
 
-/// One pass over the entries. `hasForeignNames` says whether a name did not decode.
-std::optional<ArchiveRefusal> checkEntries(QuaZip& zip, ArchiveListing& listing, bool& hasForeignNames)
+/// One pass over the entries, of which as many as the end record says. `hasForeignNames` says whether a name did not
+/// decode.
+std::optional<ArchiveRefusal> checkEntries(QuaZip& zip, ArchiveListing& listing, quint64& bytes, bool& hasForeignNames)
 {
+    constexpr quint64 noFileIsLarger = quint64{1} << 50; // so that the sum of all does not overflow
     const int expected = zip.getEntriesCount();
-    if (expected > maxArchiveEntries)
-        return ArchiveRefusal{QStringLiteral("%1 entries, over %2").arg(expected).arg(maxArchiveEntries), {}};
-    quint64 bytes = 0;
     for (bool more = zip.goToFirstFile(); more; more = zip.goToNextFile()) {
         QuaZipFileInfo64 entry;
         if (!zip.getCurrentFileInfo(&entry))
             break;
-        hasForeignNames =
-            hasForeignNames || ((entry.flags & utf8Flag) == 0 && entry.name.contains(QChar::ReplacementCharacter));
-        const QString fault = entryFault(entry);
+        hasForeignNames = hasForeignNames || isForeign(entry);
+        const QString fault = isMergedName(entry, listing) ? QStringLiteral("two names, in no known encoding, are one")
+                                                           : entryFault(entry);
         if (!fault.isEmpty())
             return ArchiveRefusal{fault, entry.name};
-        bytes += std::min(entry.uncompressedSize, maxArchiveBytes + 1);
-        if (bytes > maxArchiveBytes)
-            return ArchiveRefusal{QStringLiteral("over %1 MiB unpacked").arg(maxArchiveBytes / mebibyte), entry.name};
+        bytes += std::min(entry.uncompressedSize, noFileIsLarger);
         listing.sizes.insert(QDir::cleanPath(entry.name), entry.uncompressedSize);
         ++listing.entries;
     }
@@ -88,27 +72,91 @@ std::optional<ArchiveRefusal> checkEntries(QuaZip& zip, ArchiveListing& listing,
     return std::nullopt;
 }
 
-std::optional<ArchiveRefusal> checkWithCodec(QIODevice& archive, ArchiveListing& listing, const char* codec,
-                                             bool& hasForeignNames)
+/// Compares the number of entries that the end record says with the limit and with the list itself.
+std::optional<ArchiveRefusal> checkCount(int said, ArchiveView& archive)
+{
+    if (said > maxArchiveEntries)
+        return ArchiveRefusal{QStringLiteral("%1 entries, over %2").arg(said).arg(maxArchiveEntries), {}};
+    if (archive.countListed(said + 1) > said)
+        return ArchiveRefusal{QStringLiteral("a damaged list, longer than the %1 entries that it says").arg(said), {}};
+    return std::nullopt;
+}
+
+std::optional<ArchiveRefusal> checkWithCodec(ArchiveView& archive, ArchiveListing& listing, const char* codec,
+                                             quint64& bytes, bool& hasForeignNames)
 {
     listing = {0, {}, QTextCodec::codecForName(codec)};
+    bytes = 0;
     QuaZip zip(&archive);
     zip.setAutoClose(false);
     zip.setFileNameCodec(listing.nameCodec);
     if (!zip.open(QuaZip::mdUnzip))
         return ArchiveRefusal{QStringLiteral("not a zip archive, or a truncated one"), {}};
-    return checkEntries(zip, listing, hasForeignNames);
+    const auto refusal = checkCount(zip.getEntriesCount(), archive);
+    return refusal ? refusal : checkEntries(zip, listing, bytes, hasForeignNames);
 }
 
 } // namespace
 
-std::optional<ArchiveRefusal> checkArchive(QIODevice& archive, ArchiveListing& listing)
+ArchiveLimits ArchiveLimits::of(const QString& folder)
 {
-    if (isEmptyArchive(archive)) // which quazip takes for no archive
+    ArchiveLimits limits;
+    const qint64 available = QStorageInfo(folder).bytesAvailable();
+    if (available >= 0) // some file systems do not say
+        limits.freeBytes = static_cast<quint64>(available);
+    return limits;
+}
+
+bool ArchiveLimits::isBomb(quint64 bytes, quint64 archiveBytes) const
+{
+    return bytes > harmlessBytes && bytes / maxRatio > archiveBytes;
+}
+
+std::optional<ArchiveRefusal> ArchiveLimits::refuseSpace(quint64 bytes, const QString& where) const
+{
+    if (bytes <= freeBytes)
         return std::nullopt;
+    return ArchiveRefusal{QStringLiteral("%1 MiB do not fit into %2: %3 MiB are free")
+                              .arg(bytes / mebibyte + 1)
+                              .arg(where)
+                              .arg(freeBytes / mebibyte),
+                          {}};
+}
+
+QString archiveNameFault(const QString& name)
+{
+    constexpr int maxPartBytes = 255;
+    if (name.isEmpty())
+        return QStringLiteral("an empty name");
+    if (std::any_of(name.begin(), name.end(), isControl))
+        return QStringLiteral("control characters in a name");
+    if (name.startsWith(QLatin1Char('/')) || name.contains(QLatin1Char('\\')))
+        return QStringLiteral("not a relative path");
+    for (const QString& part : name.split(QLatin1Char('/'))) {
+        if (part == QLatin1String("..") || part == QLatin1String("."))
+            return QStringLiteral("a path that leaves the folder");
+        if (hasDriveLetter(part)) // below a folder too: the file could not be packed again under its own name
+            return QStringLiteral("not a relative path");
+        if (part.toUtf8().size() > maxPartBytes)
+            return QStringLiteral("a name over 255 bytes");
+    }
+    return {};
+}
+
+std::optional<ArchiveRefusal> checkArchive(QIODevice& archive, ArchiveListing& listing, const ArchiveLimits& limits)
+{
+    ArchiveView view(archive);
+    if (view.isEmptyArchive())
+        return std::nullopt;
+    quint64 bytes = 0;
     bool hasForeignNames = false;
-    auto refusal = checkWithCodec(archive, listing, "UTF-8", hasForeignNames);
+    auto refusal = checkWithCodec(view, listing, "UTF-8", bytes, hasForeignNames);
     if (hasForeignNames)
-        refusal = checkWithCodec(archive, listing, "GB18030", hasForeignNames);
-    return refusal;
+        refusal = checkWithCodec(view, listing, "GB18030", bytes, hasForeignNames);
+    if (!refusal && limits.isBomb(bytes, static_cast<quint64>(archive.size())))
+        refusal = ArchiveRefusal{QStringLiteral("%1 MiB unpacked, over %2 times the archive's size")
+                                     .arg(bytes / ArchiveLimits::mebibyte)
+                                     .arg(limits.maxRatio),
+                                 {}};
+    return refusal ? refusal : limits.refuseSpace(bytes, QStringLiteral("the temporary folder"));
 }

@@ -1,29 +1,18 @@
-#include "archivecheck_p.h"
+#include "archiveentries_p.h"
 #include "projectarchive_p.h"
+#include "temporaryfolder_p.h"
+#include "unnamedfile_p.h"
 
 #include <suite/common/filehelper.h>
 
 #include <QDebug>
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
-#include <QTemporaryDir>
-#include <quazip/JlCompress.h>
-
-#include <filesystem>
 
 namespace {
 
 using Common::FileHelper;
-
-bool moveOver(const QString& from, const QString& to)
-{
-    // QFile and QDir refuse to rename over what is there.
-    std::error_code error;
-    std::filesystem::rename(QFile::encodeName(from).toStdString(), QFile::encodeName(to).toStdString(), error);
-    return !error;
-}
 
 void logRefusal(const QString& archive, const ArchiveRefusal& refusal)
 {
@@ -50,6 +39,10 @@ std::optional<QString> temporaryFolder(const QString& archive)
         return std::nullopt;
     }
     const QString location = QStandardPaths::writableLocation(QStandardPaths::TempLocation);
+    if (location.isEmpty()) { // Qt's answer where it is missing: the folder would be one of the root's
+        logRefusal(archive, {QStringLiteral("no temporary folder can be made, the system's own is missing"), {}});
+        return std::nullopt;
+    }
     const QString folder = location + QLatin1Char('/') + name;
     if (isInside(archive, folder)) {
         logRefusal(archive, {QStringLiteral("it lies in its own temporary folder"), {}});
@@ -58,120 +51,99 @@ std::optional<QString> temporaryFolder(const QString& archive)
     return folder;
 }
 
-/// The files, where a symbolic link stands for a copy of its target: the archive would hold the link itself.
-QStringList withoutLinks(const QStringList& files, const QTemporaryDir& copies)
+/// What can be said against packing files before one of them is read. `bytes` are those of all of them.
+std::optional<ArchiveRefusal> checkFiles(const QStringList& files, const ArchiveLimits& limits, quint64& bytes)
 {
-    QStringList result;
+    if (files.size() > maxArchiveEntries)
+        return ArchiveRefusal{QStringLiteral("%1 files, over %2").arg(files.size()).arg(maxArchiveEntries), {}};
+    bytes = 0;
     for (const QString& file : files) {
         const QFileInfo info(file);
-        const QString folder = copies.filePath(QStringLiteral("links-%1").arg(result.size()));
-        const QString copy = folder + QLatin1Char('/') + info.fileName();
-        const bool isCopied = info.isSymLink() && FileHelper::createDir(folder) && QFile::copy(file, copy);
-        result << (isCopied ? copy : file);
+        const QString fault = info.isFile() ? archiveNameFault(info.fileName()) : QStringLiteral("not a file");
+        if (!fault.isEmpty())
+            return ArchiveRefusal{fault, info.fileName()};
+        bytes += static_cast<quint64>(info.size());
     }
-    return result;
+    return limits.refuseSpace(bytes, QStringLiteral("the archive's folder"));
 }
 
-/// Puts `fresh` in the place of `folder`; what was there is moved aside first and back when that fails.
-bool replaceFolder(const QString& fresh, const QString& folder)
+/// Checks an archive and extracts it into its folder's place.
+std::optional<ArchiveRefusal> unpackInto(const TemporaryFolder& folder, const QString& archive, QStringList& names)
 {
-    const QFileInfo old(folder);
-    if (!old.isSymLink() && !old.exists())
-        return moveOver(fresh, folder);
-    const QString aside = fresh + QStringLiteral("-old");
-    if ((!old.isSymLink() && !old.isDir()) || !moveOver(folder, aside))
-        return false;
-    if (!moveOver(fresh, folder)) {
-        moveOver(aside, folder);
-        return false;
-    }
-    FileHelper::deleteDir(aside);
-    return true;
-}
-
-/// Extracts everything into `folder` and compares it with the archive's own list.
-std::optional<ArchiveRefusal> extract(QFile& archive, const QString& folder, const ArchiveListing& listing,
-                                      QStringList& names)
-{
-    if (listing.entries == 0)
-        return std::nullopt;
-    const QStringList paths = JlCompress::extractDir(&archive, listing.nameCodec, folder);
-    if (paths.isEmpty())
-        return ArchiveRefusal{QStringLiteral("damaged, or it cannot be written"), {}};
-    if (paths.size() != listing.entries)
-        return ArchiveRefusal{
-            QStringLiteral("damaged, %1 of %2 entries came out").arg(paths.size()).arg(listing.entries), {}};
-    for (const QString& path : paths) {
-        const QString name = QDir(folder).relativeFilePath(path);
-        const QFileInfo info(path);
-        if (!info.isDir() && static_cast<quint64>(info.size()) != listing.sizes.value(name))
-            return ArchiveRefusal{QStringLiteral("damaged, or the disk is full"), name};
-        names << (info.isDir() ? name + QLatin1Char('/') : name); // a folder has no role, whatever its suffix
-    }
-    return std::nullopt;
+    QFile file(archive);
+    if (!file.open(QIODevice::ReadOnly))
+        return ArchiveRefusal{QStringLiteral("it cannot be read"), {}};
+    ArchiveListing listing;
+    if (auto refusal = checkArchive(file, listing, ArchiveLimits::of(QFileInfo(folder.path()).path())))
+        return refusal;
+    const QString fresh = folder.makeFresh();
+    if (fresh.isEmpty())
+        return ArchiveRefusal{QStringLiteral("no temporary folder can be made"), {}};
+    auto refusal = extractArchive(file, listing, fresh, names);
+    if (!refusal && !folder.replaceBy(fresh))
+        refusal = ArchiveRefusal{QStringLiteral("its temporary folder cannot be replaced"), {}};
+    if (refusal)
+        TemporaryFolder::clear(fresh);
+    return refusal;
 }
 
 } // namespace
 
-bool ProjectArchive::pack(const QString& archive, const QStringList& files)
+std::optional<ArchiveRefusal> ProjectArchive::pack(const QString& archive, const QStringList& files)
 {
-    const QFileInfo target(archive);
-    FileHelper::createDir(target.absolutePath());
-    const QTemporaryDir beside(target.absoluteDir().filePath(QStringLiteral(".packing-XXXXXX")));
-    if (!beside.isValid())
-        return false;
-    const QString fresh = beside.filePath(target.fileName());
-    if (!JlCompress::compressFiles(fresh, withoutLinks(files, beside)))
-        return false;
-    QFile packed(fresh);
-    ArchiveListing listing;
-    if (!packed.open(QIODevice::ReadOnly))
-        return false;
-    if (const auto refusal = checkArchive(packed, listing)) {
-        logRefusal(archive, *refusal); // nobody could unpack it
-        return false;
-    }
-    return moveOver(fresh, archive);
+    const QString folder = QFileInfo(archive).absolutePath();
+    FileHelper::createDir(folder);
+    return pack(archive, files, ArchiveLimits::of(folder));
 }
 
-std::optional<QStringList> ProjectArchive::unpack(const QString& archive)
+std::optional<ArchiveRefusal> ProjectArchive::pack(const QString& archive, const QStringList& files,
+                                                   const ArchiveLimits& limits)
 {
-    const auto folder = temporaryFolder(archive);
-    if (!folder)
-        return std::nullopt;
-    QFile file(archive);
+    quint64 bytes = 0;
+    if (auto refusal = checkFiles(files, limits, bytes))
+        return refusal;
+    UnnamedFile fresh(archive);
+    if (!fresh.file().isOpen())
+        return ArchiveRefusal{fresh.fault(), {}};
+    auto refusal = writeArchive(fresh.file(), files, ArchiveMethod::Deflated);
+    if (!refusal && limits.isBomb(bytes, static_cast<quint64>(fresh.file().size())))
+        refusal = writeArchive(fresh.file(), files, ArchiveMethod::Stored);
     ArchiveListing listing;
-    std::optional<ArchiveRefusal> refusal;
-    if (!file.open(QIODevice::ReadOnly))
-        refusal = ArchiveRefusal{QStringLiteral("it cannot be read"), {}};
-    else
-        refusal = checkArchive(file, listing);
-    QTemporaryDir fresh(*folder + QStringLiteral("-XXXXXX")); // of mode 0700
-    QStringList names;
-    if (!refusal && !fresh.isValid())
-        refusal = ArchiveRefusal{QStringLiteral("no temporary folder can be made"), {}};
     if (!refusal)
-        refusal = extract(file, fresh.path(), listing, names);
-    if (!refusal && !replaceFolder(fresh.path(), *folder))
-        refusal = ArchiveRefusal{QStringLiteral("its temporary folder cannot be replaced"), {}};
-    if (refusal) {
+        refusal = checkArchive(fresh.file(), listing, limits);
+    if (!refusal && !fresh.moveToTarget())
+        refusal = ArchiveRefusal{fresh.fault(), {}};
+    return refusal;
+}
+
+std::optional<QStringList> ProjectArchive::unpack(const QString& archive, int longestWait)
+{
+    const auto path = temporaryFolder(archive);
+    if (!path)
+        return std::nullopt;
+    const TemporaryFolder folder(*path, longestWait);
+    QStringList names;
+    const auto fault = folder.fault();
+    if (const auto refusal = fault ? ArchiveRefusal{*fault, {}} : unpackInto(folder, archive, names)) {
         logRefusal(archive, *refusal);
         return std::nullopt;
     }
-    fresh.setAutoRemove(false);
     QStringList paths;
     for (const QString& name : names)
-        paths << *folder + QLatin1Char('/') + name;
+        paths << *path + QLatin1Char('/') + name;
     return paths;
 }
 
 bool ProjectArchive::removeTemporaryFolder(const QString& archive)
 {
-    const auto folder = temporaryFolder(archive);
-    if (!folder)
+    const auto path = temporaryFolder(archive);
+    if (!path)
         return false;
-    if (FileHelper::deleteDir(*folder))
+    const TemporaryFolder folder(*path, patience);
+    const auto fault = folder.fault();
+    const bool isThere = QFileInfo(*path).isSymLink() || QFileInfo::exists(*path);
+    if (!isThere || (!fault && FileHelper::deleteDir(*path)))
         return true;
-    logRefusal(archive, {QStringLiteral("its temporary folder cannot be deleted"), {}});
+    logRefusal(archive, {fault.value_or(QStringLiteral("its temporary folder cannot be deleted")), {}});
     return false;
 }

@@ -32,8 +32,12 @@ bool PicQualityFileTool::packProConfig(const QString& archive, const QString& ni
     addRole(cabinetConfig, "cab config not find"); // before the gray file, against the order of the arguments
     addRole(gray, "gray not find");
     std::copy_if(others.begin(), others.end(), std::back_inserter(files), isThere);
-    if (!ProjectArchive::pack(archive, files))
-        DocumentFile::fail(FileFailure::Kind::WriteFailed, archive);
+    if (const auto refusal = ProjectArchive::pack(archive, files)) {
+        QDebug line = qCritical() << "file" << archive << "write failed!!!" << qUtf8Printable(refusal->reason);
+        if (!refusal->entry.isEmpty())
+            line << "entry" << refusal->entry;
+        recordFileFailure({FileFailure::Kind::WriteFailed, archive, refusal->reason, refusal->entry});
+    }
     return true;
 }
 

@@ -1,9 +1,13 @@
 #include "support/logcapture.h"
+#include "support/otheruser.h"
 #include "support/testfiles.h"
 #include "support/zipwriter.h"
 
+#include <sys/file.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
@@ -11,8 +15,11 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <qualityutility/tool/file/picqualityfiletool.h>
+#include <qualityutility/tool/file/projectarchive_p.h>
+#include <qualityutility/tool/file/temporaryfolder_p.h>
 
 #include <csignal>
+#include <future>
 
 using Tool = PicQualityFileTool;
 
@@ -31,6 +38,28 @@ struct Unpacked
     QString config = "before";
     QStringList others{"before"};
 };
+
+/// An archive whose end record counts other than the entries.
+QByteArray counting(QByteArray archive, char entries)
+{
+    constexpr int fromEnd = 14; // first those on this disk, then all
+    archive[archive.size() - fromEnd] = archive[archive.size() - fromEnd + 2] = entries;
+    return archive;
+}
+
+/// An archive with a comment of the greatest length, in which there is what looks like an end record.
+QByteArray commented(QByteArray archive)
+{
+    archive.replace(archive.size() - 2, 2, "\xff\xff");
+    return archive + zipArchive({}) + QByteArray(0xffff - 22, '-');
+}
+
+mode_t modeOf(const QString& path)
+{
+    struct stat info
+    {};
+    return ::stat(QFile::encodeName(path).constData(), &info) == 0 ? info.st_mode & 07777 : 0;
+}
 
 Unpacked unpack(const QString& archive)
 {
@@ -105,16 +134,17 @@ private Q_SLOTS:
 
     void whatIsPackedComesBackInItsRoles()
     {
-        for (const char* name : {"a.nicc", "b.gray", "c.nrf", "d.txt"})
-            writeFile(path(name), QByteArray(name) + QByteArray(100000, 'x'));
+        const QString further = QString::fromUtf8("测.txt");
+        for (const QString& name : {QString("a.nicc"), QString("b.gray"), QString("c.nrf"), further})
+            writeFile(path(name), name.toUtf8() + QByteArray(100000, 'x'));
         QVERIFY(Tool::packProConfig(path("site.backup.zip"), path("a.nicc"), path("b.gray"), path("c.nrf"),
-                                    {path("absent"), path("d.txt")}));
+                                    {path("absent"), path(further)}));
         // Other implementations find it good, in the order of packing.
         QCOMPARE(output("python3", {"-c",
                                     "import sys,zipfile\nz=zipfile.ZipFile(sys.argv[1])\n"
-                                    "print(z.testzip(),z.namelist())",
+                                    "print(z.testzip(),ascii(z.namelist()))",
                                     path("site.backup.zip")}),
-                 QByteArray("None ['a.nicc', 'c.nrf', 'b.gray', 'd.txt']\n"));
+                 QByteArray("None ['a.nicc', 'c.nrf', 'b.gray', '\\u6d4b.txt']\n"));
         QVERIFY(output("unzip", {"-tq", path("site.backup.zip")}).startsWith("No errors detected"));
 
         QVERIFY(QDir().mkpath(temp("site")));
@@ -124,10 +154,10 @@ private Q_SLOTS:
         QCOMPARE(found.nicc, temp("site/a.nicc"));
         QCOMPARE(found.gray, temp("site/b.gray"));
         QCOMPARE(found.config, temp("site/c.nrf"));
-        QCOMPARE(found.others, (QStringList{"before", temp("site/d.txt")}));
+        QCOMPARE(found.others, (QStringList{"before", temp("site/" + further)}));
         QCOMPARE(readFile(found.gray), readFile(path("b.gray")));
         QCOMPARE(QDir(temp("site")).entryList(QDir::Files).size(), 4);
-        QCOMPARE(QDir(temp()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList{"site"});
+        QCOMPARE(QDir(temp()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), QStringList{"site"});
         const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup | QFile::ReadOther |
                             QFile::WriteOther | QFile::ExeOther;
         QVERIFY((QFile::permissions(temp("site")) & others) == 0);
@@ -153,6 +183,9 @@ private Q_SLOTS:
         QVERIFY(QFile::exists(temp("absent")));
         const QString line = QString("critical default: file \"%1\" can not find!!!").arg(path("absent.zip"));
         QCOMPARE(m_log->take(), (QStringList{line, line}));
+        QVERIFY(QDir(temp()).removeRecursively()); // of which Qt makes the root
+        QVERIFY(!unpack(path("empty.zip")).isDone && !Tool::removeTempProConfig(path("empty.zip")));
+        QCOMPARE(m_log->take().filter("no temporary folder can be made").size(), 2);
     }
 
     void aPackThatFailsKeepsTheEarlierArchive()
@@ -181,18 +214,120 @@ private Q_SLOTS:
     {
         writeFile(path("real.nicc"), "content");
         QVERIFY(QFile::link(path("real.nicc"), path("link.nicc")));
-        const QString archive = path("deep/er/p.zip");
-        for (int i = 0; i < 2; ++i) // the second time the archive is there
+        const QString name(251, 'n'); // with its suffix as long as a name can be
+        const QString archive = path("deep/er/" + name + ".zip");
+        for (int i = 0; i < 2; ++i) { // the second time the archive is there, and private
             QVERIFY(Tool::packProConfig(archive, path("link.nicc"), {}, {}, {archive}));
+            QCOMPARE(modeOf(archive), i == 0 ? modeOf(path("real.nicc")) : mode_t{0600});
+            QVERIFY(QFile::setPermissions(archive, QFile::ReadOwner | QFile::WriteOwner));
+        }
         const Unpacked found = unpack(archive);
         QVERIFY(found.isDone && found.others.size() == 1);
-        QCOMPARE(readFile(temp("p/link.nicc")), QByteArray("content"));
+        QCOMPARE(readFile(temp(name + "/link.nicc")), QByteArray("content"));
         const QByteArray before = readFile(archive);
         writeFile(path("back\\slash"), "x");
         m_log->take();
         Tool::packProConfig(archive, path("back\\slash"), path("real.nicc"), path("real.nicc"), {});
         QCOMPARE(readFile(archive), before);
-        QVERIFY(m_log->take().first().contains("refused: not a relative path"));
+        QVERIFY(m_log->take().first().contains("write failed!!! not a relative path entry \"back"));
+    }
+
+    void sizeIsLimitedByTheDiskAndByTheArchive()
+    {
+        const QString archive = path("p.zip");
+        const QStringList files{writeFile(path("zeros.nicc"), QByteArray(500'000, '\0'))};
+        ArchiveLimits limits;
+        limits.freeBytes = 400'000;
+        const auto refusal = ProjectArchive::pack(archive, files, limits);
+        QVERIFY(refusal && refusal->reason.contains("do not fit into the archive's folder"));
+        QVERIFY(!QFile::exists(archive));
+        QVERIFY(!ProjectArchive::pack(archive, files)); // no limit of its own
+        QFile packed(archive);
+        QVERIFY(packed.open(QIODevice::ReadOnly));
+        ArchiveListing listing;
+        QVERIFY(checkArchive(packed, listing, limits)->reason.contains("do not fit into the temporary folder"));
+        limits = {};
+        limits.harmlessBytes = 400'000;
+        QVERIFY(checkArchive(packed, listing, limits)->reason.contains("over 200 times"));
+        packed.close();
+        QVERIFY(!ProjectArchive::pack(archive, files, limits)); // whoever packs it can unpack it
+        QVERIFY(packed.open(QIODevice::ReadOnly));
+        QVERIFY(!checkArchive(packed, listing, limits));
+        QCOMPARE(listing.sizes.value("zeros.nicc"), quint64{500'000});
+    }
+
+    void whatKilledProcessesLeftGoes()
+    {
+        const QString beside =
+            temp(".unpacking-" + QCryptographicHash::hash("o", QCryptographicHash::Sha1).toHex()); // of o.zip
+        writeFile(beside + "-abc123/a.nicc", "half");
+        writeFile(beside + "-old/a.nicc", "earlier");
+        writeFile(temp(".unpacking-ff.lock"), {}); // of another archive
+        writeFile(temp(".unpacking-ff-abc123/a.nicc"), "half");
+        const QString locked = writeFile(path(".packing-000000"), "at work");
+        QFile owner(locked);
+        QVERIFY(owner.open(QIODevice::ReadOnly) && ::flock(owner.handle(), LOCK_EX) == 0);
+        for (const char* name : {".packing-abc123", ".packing-of-mine"})
+            writeFile(path(name), "left");
+        writeFile(path("o.zip"), "no archive");
+        QVERIFY(!unpack(path("o.zip")).isDone);
+        const auto all = QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot;
+        QCOMPARE(QDir(temp()).entryList(all), QStringList{"o"});
+        QCOMPARE(readFile(temp("o/a.nicc")), QByteArray("earlier"));
+        QVERIFY(Tool::packProConfig(path("o.zip"), {}, {}, {}, {}));
+        QCOMPARE(QDir(m_folder->path()).entryList(all),
+                 (QStringList{".packing-000000", ".packing-of-mine", "o.zip", "tmp"}));
+    }
+
+    void oneUnpackingOfANameAtATime()
+    {
+        writeFile(path("o.zip"), zipArchive({entry("a.nicc")}));
+        {
+            const TemporaryFolder held(temp("o"), 0);
+            QVERIFY(!ProjectArchive::unpack(path("o.zip"), 0));
+            QVERIFY(m_log->take().first().contains("another process is using"));
+            QVERIFY(ProjectArchive::unpack(writeFile(path("p.zip"), zipArchive({})), 0));
+        }
+        const auto unpackIt = [this] { return unpack(path("o.zip")).isDone; };
+        auto other = std::async(std::launch::async, unpackIt);
+        const bool isDone = unpackIt();
+        QVERIFY(other.get() && isDone);
+        QCOMPARE(QDir(temp("o")).entryList(QDir::Files), QStringList{"a.nicc"});
+        QCOMPARE(m_log->take(), QStringList());
+    }
+
+    void permissionsAreThoseOfNewFilesAtMost_data()
+    {
+        QTest::addColumn<quint32>("packed");
+        QTest::addColumn<quint32>("mask");
+        QTest::addColumn<quint32>("found");
+        QTest::newRow("write only") << 0222u << 022u << 0600u;
+        QTest::newRow("execute only") << 0111u << 022u << 0600u;
+        QTest::newRow("for everybody") << 0777u << 077u << 0600u;
+        QTest::newRow("as usual") << 0644u << 022u << 0644u;
+        QTest::newRow("private") << 0600u << 022u << 0600u;
+        QTest::newRow("nothing said") << 0u << 022u << 0644u;
+    }
+
+    void permissionsAreThoseOfNewFilesAtMost()
+    {
+        QFETCH(quint32, packed);
+        QFETCH(quint32, mask);
+        QFETCH(quint32, found);
+        const QByteArray archive = zipArchive({{"f/", "", 0, 0, 0040555},
+                                               {"f/a.nicc", "1", 0, 0, packed == 0 ? 0 : 0100000 | packed},
+                                               {"f/a.nicc", "2", 0, 0, packed == 0 ? 0 : 0100000 | packed}});
+        const QString file = writeFile(path("o.zip"), archive);
+        QVERIFY(::chmod(QFile::encodeName(m_folder->path()).constData(), 0711) == 0);
+        const OtherUser user(temp());
+        const mode_t earlier = ::umask(mask);
+        const bool isDone = unpack(file).isDone && unpack(file).isDone;
+        ::umask(earlier);
+        QVERIFY2(isDone, qPrintable(m_log->take().join(QChar(10))));
+        QCOMPARE(modeOf(temp("o/f/a.nicc")), found);
+        QCOMPARE(readFile(temp("o/f/a.nicc")), QByteArray("2"));
+        QVERIFY(Tool::removeTempProConfig(file));
+        QCOMPARE(m_log->take(), QStringList());
     }
 
     void archivesOfOthersUnpack_data()
@@ -223,6 +358,8 @@ private Q_SLOTS:
             << "" << zipArchive({entry("\xe6\xb5\x8b.nicc")}) << QString::fromUtf8("测.nicc") << QStringList();
         QTest::newRow("GBK names") << "" << zipArchive({entry(gbk + ".nicc")}) << QString::fromUtf8("测试.nicc")
                                    << QStringList();
+        QTest::newRow("a comment of 64 KiB")
+            << "" << commented(zipArchive({entry("a.nicc")})) << "a.nicc" << QStringList();
         QTest::newRow("no entries") << "" << zipArchive({}) << "" << QStringList();
     }
 
@@ -272,6 +409,7 @@ private Q_SLOTS:
         bad("absolute path", entry(m_outside), "not a relative path");
         bad("backslashes", entry("..\\escaped"), "not a relative path");
         bad("drive letter", entry("C:escaped"), "not a relative path");
+        bad("drive letter in a folder", entry("\xef\xbf\xbd/C:a"), "not a relative path");
         bad("empty name", entry(""), "an empty name");
         bad("newline in a name", entry("a\n2026 critical: forged"), "entry \"a\\n2026 critical: forged\"");
         bad("escape in a name", entry("a\x1b[2J"), "control characters");
@@ -287,12 +425,15 @@ private Q_SLOTS:
         QList<ZipEntry> bomb;
         for (int i = 0; i < 3; ++i)
             bomb << ZipEntry{"bomb" + QByteArray::number(i), "b", 0, 8, 0100644, 0, 100'000'000};
-        QTest::newRow("bomb") << zipArchive(bomb) << "over 256 MiB unpacked entry \"bomb2\"";
+        QTest::newRow("bomb") << zipArchive(bomb) << "286 MiB unpacked, over 200 times the archive's size";
         QList<ZipEntry> many;
         for (int i = 0; i < 10'000; ++i)
             many << entry(QByteArray::number(i));
         QTest::newRow("ten thousand entries") << zipArchive(many) << "10000 entries, over 4096";
         const QByteArray whole = zipArchive({good, entry("b"), entry("c")});
+        QTest::newRow("one entry not counted") << counting(whole, 2) << "longer than the 2 entries";
+        QTest::newRow("no entry counted") << counting(whole, 0) << "longer than the 0 entries";
+        QTest::newRow("names in no encoding") << zipArchive({entry("\xff.txt"), entry("\xfe.txt")}) << "two names";
         QTest::newRow("truncated") << whole.left(whole.size() - 30) << "truncated";
         QTest::newRow("no archive") << QByteArray("hello") << "not a zip archive";
         QTest::newRow("a torn end") << QByteArray("PK\x05\x06junk") << "not a zip archive";
