@@ -319,6 +319,41 @@ private Q_SLOTS:
         QCOMPARE(run({"project", "unpack", in("p.zip"), "--out", ""}).exitCode, 64);
     }
 
+    void projectCommandsDoAllOrNothing()
+    {
+        const auto in = [this](const QString& name) { return m_folder->filePath(name); };
+        const auto all = QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot;
+        QByteArray digits; // which take a while to pack
+        while (digits.size() < 1'000'000)
+            digits += QByteArray::number(digits.size() * qint64{7919} % 1'000'003);
+        const QString nicc = writeFile(in("a.nicc"), "new");
+        const QString further = writeFile(in("b"), digits);
+        const QStringList pack{"project", "pack", in("p/p.zip"), "--nicc", nicc, "--file", further};
+        QObject owner;
+        QList<QProcess*> packing;
+        for (int i = 0; i < 4; ++i)
+            packing << start(pack, &owner);
+        QMap<int, int> exitCodes;
+        for (QProcess* process : packing)
+            ++exitCodes[finish(process).exitCode];
+        QCOMPARE(exitCodes, (QMap<int, int>{{0, 1}, {73, 3}})); // one of them made it
+        QCOMPARE(QDir(in("p")).entryList(all), QStringList{"p.zip"});
+
+        writeFile(in("q/a.nicc"), "mine");
+        QVERIFY(QDir().mkpath(in("q/b"))); // a folder in the way of the second file
+        writeFile(in("q/.qualityctl-1/a.nicc"), "left by a killed process");
+        QCOMPARE(run({"project", "unpack", in("p/p.zip"), "--out", in("q"), "--force"}).exitCode, 74);
+        QCOMPARE(readFile(in("q/a.nicc")), QByteArray("mine"));
+        QCOMPARE(QDir(in("q")).entryList(all), (QStringList{"a.nicc", "b"}));
+        QVERIFY(QDir().rmdir(in("q/b")));
+        QCOMPARE(run({"project", "unpack", in("p/p.zip"), "--out", in("q"), "--force"}).exitCode, 0);
+        QCOMPARE(readFile(in("q/a.nicc")), QByteArray("new"));
+        QCOMPARE(readFile(in("q/b")), digits);
+        writeFile(in("bad.zip"), "no archive");
+        QCOMPARE(run({"project", "unpack", in("bad.zip"), "--out", in("new/deep")}).exitCode, 65);
+        QVERIFY(!QFile::exists(in("new")));
+    }
+
     void namesReachReportsAsText()
     {
         QByteArray gamut = readFile(EXAMPLES "/measured-gamut.json");

@@ -2,6 +2,7 @@
 #include "hostlog.h"
 #include "inputfile.h"
 #include "outputfile.h"
+#include "stagefolder.h"
 
 #include <CLI/CLI.hpp>
 
@@ -9,7 +10,7 @@
 #include <QDirIterator>
 #include <QFileInfo>
 #include <QJsonArray>
-#include <QTemporaryDir>
+#include <QRandomGenerator>
 #include <qualityutility/tool/file/picqualityfiletool.h>
 
 #include <algorithm>
@@ -52,77 +53,122 @@ CommandResult listed(const QString& archive, const QList<ProjectFile>& files)
     return {textTable(rows), {{QStringLiteral("archive"), archive}, {QStringLiteral("files"), json}}};
 }
 
+/// What goes into an archive.
+struct Packing
+{
+    QString nicc;
+    QString gray;
+    QString config;
+    QStringList others;
+    QList<ProjectFile> files; ///< all of them
+};
+
+QString addFile(Packing& packing, const QString& role, const std::string& path)
+{
+    if (path.empty())
+        return {};
+    const QString name = QString::fromStdString(path);
+    requireReadableFile(name, QStringLiteral("%1 file").arg(role));
+    for (const ProjectFile& file : packing.files) {
+        if (QFileInfo(file.path).fileName() == QFileInfo(name).fileName())
+            throw CommandError{
+                ExitCode::Usage,
+                QStringLiteral("%1 and %2: an archive keeps no folders, and these have one name").arg(file.path, name)};
+    }
+    packing.files.append({role, name, name, QFileInfo(name).size()});
+    return name;
+}
+
+Packing filesToPack(const ProjectArguments& arguments)
+{
+    Packing packing;
+    packing.nicc = addFile(packing, QStringLiteral("nicc"), arguments.nicc);
+    packing.gray = addFile(packing, QStringLiteral("gray"), arguments.gray);
+    packing.config = addFile(packing, QStringLiteral("cabinet"), arguments.config);
+    for (const std::string& file : arguments.files)
+        packing.others << addFile(packing, QStringLiteral("further"), file);
+    if (packing.files.isEmpty())
+        throw CommandError{ExitCode::Usage, QStringLiteral("project pack: nothing to pack"),
+                           QStringLiteral("give at least one of --nicc, --gray, --config, --file")};
+    return packing;
+}
+
+/// Packs into `path`, which stands for `archive` in messages.
+void packInto(const QString& path, const Packing& packing, const QString& archive)
+{
+    HostLog::takeCriticalLine();
+    Tool::packProConfig(path, packing.nicc, packing.gray, packing.config, packing.others);
+    QString line = HostLog::takeCriticalLine();
+    if (!line.isEmpty())
+        throw CommandError{ExitCode::CannotCreate, line.replace(path, archive)};
+}
+
+/// Packs under a name of its own beside the archive's, which it then takes unless somebody has it: of several at work
+/// on one archive only one can say that it is done. What a killed process leaves has a name by which the next packing
+/// knows it; one that does so too early makes this start again.
+void packAsNew(const QString& archive, const Packing& packing)
+{
+    constexpr int maxAttempts = 3;
+    constexpr quint32 fourDigits = 0x10000; // after the first two
+    for (int attempt = 0; attempt < maxAttempts; ++attempt) {
+        const quint32 number = QRandomGenerator::system()->bounded(fourDigits);
+        const QString own = QFileInfo(archive).absoluteDir().filePath(
+            QStringLiteral(".packing-ct%1").arg(number, 4, 16, QLatin1Char('0')));
+        packInto(own, packing, archive);
+        if (moveToNewName(own, archive))
+            return;
+        QFile::remove(own);
+        requireNewFile(archive, false);
+    }
+    throw CommandError{ExitCode::CannotCreate, QStringLiteral("%1: the archive cannot be written").arg(archive)};
+}
+
 CommandResult pack(const ProjectArguments& arguments, const Output& output)
 {
     HostLog::install(output.quiet);
-    QList<ProjectFile> files;
-    const auto add = [&files](const QString& role, const std::string& path) {
-        if (path.empty())
-            return QString();
-        const QString name = QString::fromStdString(path);
-        requireReadableFile(name, QStringLiteral("%1 file").arg(role));
-        for (const ProjectFile& file : files) {
-            if (QFileInfo(file.path).fileName() == QFileInfo(name).fileName())
-                throw CommandError{ExitCode::Usage,
-                                   QStringLiteral("%1 and %2: an archive keeps no folders, and these have one name")
-                                       .arg(file.path, name)};
-        }
-        files.append({role, name, name, QFileInfo(name).size()});
-        return name;
-    };
-    const QString nicc = add(QStringLiteral("nicc"), arguments.nicc);
-    const QString gray = add(QStringLiteral("gray"), arguments.gray);
-    const QString config = add(QStringLiteral("cabinet"), arguments.config);
-    QStringList others;
-    for (const std::string& file : arguments.files)
-        others << add(QStringLiteral("further"), file);
-    if (files.isEmpty())
-        throw CommandError{ExitCode::Usage, QStringLiteral("project pack: nothing to pack"),
-                           QStringLiteral("give at least one of --nicc, --gray, --config, --file")};
+    const Packing packing = filesToPack(arguments);
     const QString archive = QString::fromStdString(arguments.archive);
     requireNewFile(archive, arguments.force);
-    for (const ProjectFile& file : files) {
+    for (const ProjectFile& file : packing.files) {
         if (QFileInfo(file.path) == QFileInfo(archive))
             throw CommandError{ExitCode::Usage,
                                QStringLiteral("%1: the archive would replace a file that goes into it").arg(archive)};
     }
-    HostLog::takeCriticalLine();
-    Tool::packProConfig(archive, nicc, gray, config, others);
-    if (!HostLog::takeCriticalLine().isEmpty())
-        throw CommandError{ExitCode::CannotCreate, QStringLiteral("%1: the archive cannot be written").arg(archive)};
-    return listed(archive, files);
+    if (arguments.force)
+        packInto(archive, packing, archive);
+    else
+        packAsNew(archive, packing);
+    return listed(archive, packing.files);
 }
 
-/// An archive, unpacked into a temporary folder of this process's own, which goes when this does. (The library's folder
-/// for an archive is shared by everybody who unpacks an archive of that name.)
+/// An archive, unpacked into a folder of this process's own in `place`, which goes when this does. (The library's
+/// folder for an archive is shared by everybody who unpacks an archive of that name.)
 class UnpackedProject
 {
 public:
-    explicit UnpackedProject(const QString& archive) : m_earlierTemp(qgetenv("TMPDIR"))
+    UnpackedProject(const QString& archive, const QString& place) : m_stage(place)
     {
-        requireReadableFile(archive, QStringLiteral("archive"));
-        if (!m_own.isValid())
-            throw CommandError{ExitCode::InputOutput,
-                               QStringLiteral("no temporary folder can be made: %1").arg(m_own.errorString())};
-        qputenv("TMPDIR", QFile::encodeName(m_own.path()));
+        const QString own = m_stage.make(QStringLiteral("unpacked"));
+        const QByteArray earlierTemp = qgetenv("TMPDIR");
+        qputenv("TMPDIR", QFile::encodeName(own));
         QString roles[3];
         QStringList others;
         HostLog::takeCriticalLine();
         const bool isUnpacked = Tool::unpackProConfig(archive, roles[0], roles[1], roles[2], others);
-        qputenv("TMPDIR", m_earlierTemp);
+        qputenv("TMPDIR", earlierTemp);
         if (!isUnpacked)
             throw refusal(HostLog::takeCriticalLine());
-        collect(m_own.filePath(QFileInfo(archive).baseName()), roles);
+        collect(own + QLatin1Char('/') + QFileInfo(archive).baseName(), roles);
     }
 
+    StageFolder& stage() { return m_stage; }
     const QList<ProjectFile>& files() const { return m_files; }
 
 private:
     static CommandError refusal(const QString& line)
     {
-        const bool isOurs = line.contains(QLatin1String("temporary folder")) ||
-                            line.contains(QLatin1String("disk is full")) ||
-                            line.contains(QLatin1String("cannot be written"));
+        const bool isOurs =
+            line.contains(QLatin1String("temporary folder")) || line.contains(QLatin1String("cannot be written"));
         return {isOurs ? ExitCode::InputOutput : ExitCode::BadData, line};
     }
 
@@ -141,8 +187,7 @@ private:
                   [](const ProjectFile& a, const ProjectFile& b) { return a.name < b.name; });
     }
 
-    QTemporaryDir m_own;
-    QByteArray m_earlierTemp;
+    StageFolder m_stage;
     QList<ProjectFile> m_files;
 };
 
@@ -150,19 +195,26 @@ CommandResult unpack(const ProjectArguments& arguments, const Output& output)
 {
     HostLog::install(output.quiet);
     const QString archive = QString::fromStdString(arguments.archive);
-    const UnpackedProject project(archive);
-    makeOutputFolder(QString::fromStdString(arguments.out));
-    const QDir out(QString::fromStdString(arguments.out));
+    const QString folder = QString::fromStdString(arguments.out);
+    requireReadableFile(archive, QStringLiteral("archive"));
+    NewFolders folders;
+    folders.note(folder);
+    makeOutputFolder(folder);
+    UnpackedProject project(archive, folder); // on the disk that the files go to
     QList<ProjectFile> files = project.files();
+    const QDir out(folder);
     for (const ProjectFile& file : files)
         requireNewFile(out.filePath(file.name), arguments.force);
+    FileMoves moves(project.stage());
     for (ProjectFile& file : files) {
         const QString target = out.filePath(file.name);
+        folders.note(QFileInfo(target).path());
         QDir().mkpath(QFileInfo(target).path());
-        if (!Tool::copyFile(file.path, target))
-            throw CommandError{ExitCode::InputOutput, QStringLiteral("%1: cannot be written").arg(target)};
+        moves.move(file.path, target, arguments.force);
         file.name = target;
     }
+    moves.keep();
+    folders.keep();
     return listed(archive, files);
 }
 
@@ -170,7 +222,8 @@ CommandResult list(const ProjectArguments& arguments, const Output& output)
 {
     HostLog::install(output.quiet);
     const QString archive = QString::fromStdString(arguments.archive);
-    return listed(archive, UnpackedProject(archive).files());
+    requireReadableFile(archive, QStringLiteral("archive"));
+    return listed(archive, UnpackedProject(archive, QDir::tempPath()).files());
 }
 
 using Run = CommandResult (*)(const ProjectArguments&, const Output&);
