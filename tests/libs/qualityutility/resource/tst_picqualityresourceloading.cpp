@@ -265,4 +265,4 @@ int main(int argc, char** argv)
     ResourceLoadingTest test;
     return QTest::qExec(&test, argc, argv);
 }
-#include "tst_resourceloading.moc"
+#include "tst_picqualityresourceloading.moc"
