@@ -120,7 +120,8 @@ std::optional<ArchiveRefusal> ArchiveLimits::refuseSpace(quint64 bytes, const QS
                               .arg(bytes / mebibyte + 1)
                               .arg(where)
                               .arg(freeBytes / mebibyte),
-                          {}};
+                          {},
+                          true};
 }
 
 QString archiveNameFault(const QString& name)

@@ -21,7 +21,8 @@ struct ArchiveListing
 struct ArchiveRefusal
 {
     QString reason;
-    QString entry; ///< the entry's name; empty where the archive as a whole is refused
+    QString entry;              ///< the entry's name; empty where the archive as a whole is refused
+    bool isOfTheSystem = false; ///< the disk or a folder stands in the way, not the archive
 };
 
 /// An archive holds at most so many entries.

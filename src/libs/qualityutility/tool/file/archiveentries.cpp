@@ -18,7 +18,7 @@ constexpr auto ownerReadsAndWrites = QFile::ReadOwner | QFile::WriteOwner | QFil
 
 ArchiveRefusal notWritten(const QFileDevice& file, const QString& entry)
 {
-    return {QStringLiteral("it cannot be written: %1").arg(file.errorString()), entry};
+    return {QStringLiteral("it cannot be written: %1").arg(file.errorString()), entry, true};
 }
 
 std::optional<ArchiveRefusal> writeEntry(QuaZip& zip, const QFile& archive, const QString& path, ArchiveMethod method)
@@ -76,7 +76,7 @@ std::optional<ArchiveRefusal> extractEntry(QuaZip& zip, const QuaZipFileInfo64& 
 {
     if (entry.name.endsWith(QLatin1Char('/'))) {
         if (!QDir().mkpath(path))
-            return ArchiveRefusal{QStringLiteral("damaged, or it cannot be written"), entry.name};
+            return ArchiveRefusal{QStringLiteral("damaged, or it cannot be written"), entry.name, true};
         narrowPermissions(path, entry, ownerReadsAndWrites | QFile::ExeOwner | QFile::ExeUser);
         return std::nullopt;
     }
@@ -89,7 +89,7 @@ std::optional<ArchiveRefusal> extractEntry(QuaZip& zip, const QuaZipFileInfo64& 
     if (QFileInfo(path).isSymLink() || QFileInfo::exists(path)) // on this disk, by another name
         return ArchiveRefusal{QStringLiteral("damaged, or two names are one on this disk"), entry.name};
     if (!QDir().mkpath(QFileInfo(path).path()) || !to.open(QIODevice::WriteOnly | QIODevice::NewOnly))
-        return ArchiveRefusal{QStringLiteral("damaged, or it cannot be written"), entry.name};
+        return ArchiveRefusal{QStringLiteral("damaged, or it cannot be written"), entry.name, true};
     narrowPermissions(path, entry, ownerReadsAndWrites);
     return copyOut(from, to, entry);
 }

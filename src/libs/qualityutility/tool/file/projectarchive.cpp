@@ -1,4 +1,5 @@
 #include "archiveentries_p.h"
+#include "filefailurerecorder_p.h"
 #include "projectarchive_p.h"
 #include "temporaryfolder_p.h"
 #include "unnamedfile_p.h"
@@ -19,6 +20,8 @@ void logRefusal(const QString& archive, const ArchiveRefusal& refusal)
     QDebug line = qCritical() << "file" << archive << "refused:" << qUtf8Printable(refusal.reason);
     if (!refusal.entry.isEmpty())
         line << "entry" << refusal.entry;
+    const auto kind = refusal.isOfTheSystem ? FileFailure::Kind::WriteFailed : FileFailure::Kind::Refused;
+    recordFileFailure({kind, archive, refusal.reason, refusal.entry});
 }
 
 /// Whether a file lies in a folder, or a symbolic link to it does.
@@ -40,7 +43,7 @@ std::optional<QString> temporaryFolder(const QString& archive)
     }
     const QString location = QStandardPaths::writableLocation(QStandardPaths::TempLocation);
     if (location.isEmpty()) { // Qt's answer where it is missing: the folder would be one of the root's
-        logRefusal(archive, {QStringLiteral("no temporary folder can be made, the system's own is missing"), {}});
+        logRefusal(archive, {QStringLiteral("no temporary folder can be made, the system's own is missing"), {}, true});
         return std::nullopt;
     }
     const QString folder = location + QLatin1Char('/') + name;
@@ -78,10 +81,10 @@ std::optional<ArchiveRefusal> unpackInto(const TemporaryFolder& folder, const QS
         return refusal;
     const QString fresh = folder.makeFresh();
     if (fresh.isEmpty())
-        return ArchiveRefusal{QStringLiteral("no temporary folder can be made"), {}};
+        return ArchiveRefusal{QStringLiteral("no temporary folder can be made"), {}, true};
     auto refusal = extractArchive(file, listing, fresh, names);
     if (!refusal && !folder.replaceBy(fresh))
-        refusal = ArchiveRefusal{QStringLiteral("its temporary folder cannot be replaced"), {}};
+        refusal = ArchiveRefusal{QStringLiteral("its temporary folder cannot be replaced"), {}, true};
     if (refusal)
         TemporaryFolder::clear(fresh);
     return refusal;
@@ -104,7 +107,7 @@ std::optional<ArchiveRefusal> ProjectArchive::pack(const QString& archive, const
         return refusal;
     UnnamedFile fresh(archive);
     if (!fresh.file().isOpen())
-        return ArchiveRefusal{fresh.fault(), {}};
+        return ArchiveRefusal{fresh.fault(), {}, true};
     auto refusal = writeArchive(fresh.file(), files, ArchiveMethod::Deflated);
     if (!refusal && limits.isBomb(bytes, static_cast<quint64>(fresh.file().size())))
         refusal = writeArchive(fresh.file(), files, ArchiveMethod::Stored);
@@ -112,7 +115,7 @@ std::optional<ArchiveRefusal> ProjectArchive::pack(const QString& archive, const
     if (!refusal)
         refusal = checkArchive(fresh.file(), listing, limits);
     if (!refusal && !fresh.moveToTarget())
-        refusal = ArchiveRefusal{fresh.fault(), {}};
+        refusal = ArchiveRefusal{fresh.fault(), {}, true};
     return refusal;
 }
 
@@ -124,7 +127,7 @@ std::optional<QStringList> ProjectArchive::unpack(const QString& archive, int lo
     const TemporaryFolder folder(*path, longestWait);
     QStringList names;
     const auto fault = folder.fault();
-    if (const auto refusal = fault ? ArchiveRefusal{*fault, {}} : unpackInto(folder, archive, names)) {
+    if (const auto refusal = fault ? ArchiveRefusal{*fault, {}, true} : unpackInto(folder, archive, names)) {
         logRefusal(archive, *refusal);
         return std::nullopt;
     }
@@ -144,6 +147,6 @@ bool ProjectArchive::removeTemporaryFolder(const QString& archive)
     const bool isThere = QFileInfo(*path).isSymLink() || QFileInfo::exists(*path);
     if (!isThere || (!fault && FileHelper::deleteDir(*path)))
         return true;
-    logRefusal(archive, {fault.value_or(QStringLiteral("its temporary folder cannot be deleted")), {}});
+    logRefusal(archive, {fault.value_or(QStringLiteral("its temporary folder cannot be deleted")), {}, true});
     return false;
 }
