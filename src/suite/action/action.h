@@ -51,6 +51,7 @@ post(const std::string& action, const std::string& deviceId, const Parameters& p
 SUITE_ACTION_EXPORT void setTransport(std::shared_ptr<Transport> transport);
 
 /// Sets what one unit of the option "timeout" is: a second unless changed, for tests or a simulation in fast motion.
+/// Requests on their way keep theirs. Any thread.
 SUITE_ACTION_EXPORT void setTimeoutUnit(std::chrono::milliseconds unit);
 
 /// How many answers came late or twice and were dropped, since the process started. Any thread.

@@ -15,24 +15,24 @@ namespace Action {
 /// A gray-scale table as a cabinet holds it.
 struct GrayTable
 {
-    std::vector<unsigned char> red;
-    std::vector<unsigned char> green;
-    std::vector<unsigned char> blue;
-    std::vector<unsigned char> magnitude;
-    int freq = 0; ///< refresh frequency, Hz
+    std::vector<unsigned char> red;       ///< coefficients, as they were sent
+    std::vector<unsigned char> green;     ///< likewise
+    std::vector<unsigned char> blue;      ///< likewise
+    std::vector<unsigned char> magnitude; ///< the table of the coefficients' magnitudes
+    int freq = 0;                         ///< refresh frequency, Hz
 };
 
 /// What one cabinet holds. Large parts are shared by the cabinets that received them in one request; a null part was
 /// never received.
 struct CabinetState
 {
-    int mode = 0; ///< correction effect mode; bit 3 (8) is the gamut correction
-    std::shared_ptr<const GrayTable> grayTable;
-    std::shared_ptr<const Model::ColorGamutInfo> targetGamut;
-    std::shared_ptr<const Model::ColorGamutInfo> measuredGamut;
+    int mode = 0;                               ///< correction effect mode; bit 3 (8) is the gamut correction
+    std::shared_ptr<const GrayTable> grayTable; ///< red, green and blue came together
+    std::shared_ptr<const Model::ColorGamutInfo> targetGamut;   ///< name and four points
+    std::shared_ptr<const Model::ColorGamutInfo> measuredGamut; ///< four points, no name
     std::vector<unsigned short> coefficients; ///< nine, row-major, signed Q1.14 as two's-complement bits
     int fullScale = 0;                        ///< 0: no coefficients were received
-    std::shared_ptr<const QByteArray> binary;
+    std::shared_ptr<const QByteArray> binary; ///< the receiving-card file, decoded
 };
 
 /// Reads back what cabinets hold. A transport whose devices can be asked implements it too; any thread.

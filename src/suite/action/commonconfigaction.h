@@ -8,7 +8,7 @@
 
 namespace Action {
 
-/// The standard gamut configurations, by name.
+/// The standard gamut configurations, by name. Loaded by one thread, and read by any once nobody loads any more.
 class SUITE_ACTION_EXPORT ColorGamutConfigAction
 {
 public:
@@ -16,6 +16,7 @@ public:
     /// missing or not one.
     bool load(const QString& path);
 
+    /// Whether there is a configuration of exactly this name.
     bool contains(const QString& name) const { return m_gamuts.contains(name); }
     /// A record of defaults where there is none of that name.
     Model::ColorGamutInfo getByName(const QString& name) const { return m_gamuts.value(name); }
@@ -35,6 +36,7 @@ public:
     /// beside the executable, or the built-in copy where that is missing or broken.
     static CommonConfigAction* getInstance();
 
+    /// The gamut configurations, loaded; owned by this object and never null.
     ColorGamutConfigAction* getGamutConfigAC() { return &m_gamuts; }
 
 private:

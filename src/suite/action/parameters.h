@@ -7,7 +7,8 @@
 #include <string>
 #include <unordered_map>
 
-/// Type-erased values by string key. The first value under a key wins.
+/// Type-erased values by string key. The first value under a key wins. Any thread, each map by one at a time; maps that
+/// nobody changes may be read by many.
 class SUITE_ACTION_EXPORT ParameterMap
 {
 public:
@@ -39,8 +40,10 @@ public:
         return item == m_items.end() ? nullptr : boost::any_cast<T>(&item->second);
     }
 
+    /// Whether a value of any type stands under `key`. Logs nothing.
     bool contains(const std::string& key) const { return m_items.count(key) != 0; }
 
+    /// All values, in no particular order; for transports, which put them into words of their own.
     const std::unordered_map<std::string, boost::any>& items() const { return m_items; }
 
 private:
@@ -56,21 +59,23 @@ private:
 class SUITE_ACTION_EXPORT Parameters
 {
 public:
+    /// Valid as long as the parameters. @{
     ParameterMap& arguments() { return m_arguments; }
     const ParameterMap& arguments() const { return m_arguments; }
     ParameterMap& options() { return m_options; }
     const ParameterMap& options() const { return m_options; }
     ParameterMap& attributes() { return m_attributes; }
     const ParameterMap& attributes() const { return m_attributes; }
+    /// @}
 
-    /// The same of the arguments.
+    /// ParameterMap::insert of the arguments.
     template <typename T>
     bool insert(const std::string& key, const T& value)
     {
         return m_arguments.insert(key, value);
     }
 
-    /// The same of the arguments.
+    /// ParameterMap::get of the arguments.
     template <typename T>
     T get(const char* key) const
     {

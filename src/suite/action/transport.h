@@ -1,5 +1,8 @@
 #pragma once
 
+/// \file
+/// The way of a device action to its device and back.
+
 #include <suite/action/parameters.h>
 
 #include <QMap>
@@ -17,16 +20,17 @@ namespace Action {
 /// One device action on its way. The references hold only during Transport::send.
 struct Request
 {
+    /// Which of Action::put and Action::post was called.
     enum class Method { Put, Post };
 
-    Method method;
-    const std::string& action;
-    const std::string& deviceId;
-    const Parameters& parameters;
+    Method method;                         ///< by which call it was asked
+    const std::string& action;             ///< "Device_..."; docs/device-actions.md has the sender's
+    const std::string& deviceId;           ///< the device's key, as the registry has it
+    const Parameters& parameters;          ///< what the caller gave, its option "timeout" too
     const QMap<QString, QString>& headers; ///< empty for put
     bool acknowledged;                     ///< whether the device is asked to acknowledge
-    PackagePriority priority;
-    std::chrono::milliseconds timeout; ///< the request is ended with an error when this has passed
+    PackagePriority priority;              ///< the caller's wish
+    std::chrono::milliseconds timeout;     ///< the request is ended with an error when this has passed
 };
 
 class Mailbox;
@@ -36,11 +40,13 @@ class Mailbox;
 class SUITE_ACTION_EXPORT Responder
 {
 public:
+    /// Made by the action library, one for each request.
     Responder(std::shared_ptr<Mailbox> mailbox, std::uint64_t request);
 
-    /// Ends the request with a reply.
+    /// Ends the request with a reply. The asker's callback runs inside this call when it is made within Transport::send
+    /// on the asking thread, otherwise through that thread's event loop. Does not block.
     void reply(Parameters values) const;
-    /// Ends the request with an error text for people.
+    /// Ends the request with an error text for people, in the same way.
     void fail(const QString& text) const;
 
 private:

@@ -5,20 +5,20 @@
 /// CIE 1931 chromaticities of the primaries.
 struct ColorGamutPARM
 {
-    double redX;
-    double redY;
-    double greenX;
-    double greenY;
-    double blueX;
-    double blueY;
+    double redX;   ///< x of red, 0..1
+    double redY;   ///< y of red; 0 has no answer, nor has it for the others
+    double greenX; ///< x of green
+    double greenY; ///< y of green
+    double blueX;  ///< x of blue
+    double blueY;  ///< y of blue
 };
 
 /// One colour point: luminance in cd/m2 and CIE 1931 chromaticity.
 struct OnePointLxy
 {
-    double L;
-    double x;
-    double y;
+    double L; ///< cd/m2; not positive where it is unknown
+    double x; ///< 0..1
+    double y; ///< 0..1; 0 has no answer
 };
 
 /// The suite's door to its colour science. Stateless: any thread, nothing is allocated, nothing throws.

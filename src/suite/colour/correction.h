@@ -13,6 +13,7 @@ namespace Colour {
 /// Nine coefficients of a correction, row-major: rows are LED channels, columns content channels (red, green, blue in
 /// both). Signed Q1.14: `fullScale` is 1.0.
 using Coefficients = std::array<std::int16_t, 9>;
+/// 1.0 in coefficients: a content channel at full drives the LED channel at full.
 inline constexpr int fullScale = 16384;
 
 /// Linear RGB to CIE XYZ: the columns are the XYZ of red, green and blue, scaled so that (1, 1, 1) gives white with
@@ -39,7 +40,7 @@ SUITE_COLOUR_EXPORT Coefficients quantised(const Matrix3& correction);
 /// What coefficients make of full red, green, blue and white of the content.
 struct ReachedGamut
 {
-    Primaries primaries;
+    Primaries primaries;    ///< their chromaticities, CIE 1931
     double whiteKept = 0.0; ///< luminance of white over the source's luminance of white
     /// XYZ of red, green, blue and white; Y = 1 is the source's white.
     std::array<Vector3, 4> xyz{};

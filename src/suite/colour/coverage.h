@@ -12,7 +12,7 @@ struct Coverage
     double covered = 0.0; ///< area(gamut and against) / area(against), 0..1
 };
 
-/// CIE 1976 u', v' = 4x, 9y over -2x + 12y + 3.
+/// CIE 1976 u', v' = 4x, 9y over -2x + 12y + 3. Infinite or NaN where that divisor is zero, which no real colour gives.
 constexpr Chromaticity uvPrime(const Chromaticity& xy)
 {
     const double divisor = -2.0 * xy.x + 12.0 * xy.y + 3.0;

@@ -4,12 +4,17 @@
 #include <cmath>
 #include <optional>
 
+/// Colour science of LED walls: linear light, CIE 1931 (2 degree observer), docs/colour.md has the derivations. Pure
+/// functions of their arguments: any thread, nothing throws, nothing is kept. What has no answer is std::nullopt, or
+/// what the function says.
 namespace Colour {
 
+/// Red, green and blue, or X, Y and Z.
 using Vector3 = std::array<double, 3>;
 /// Three rows of three.
 using Matrix3 = std::array<Vector3, 3>;
 
+/// m v, with v as a column.
 constexpr Vector3 multiply(const Matrix3& m, const Vector3& v)
 {
     Vector3 result{};
@@ -18,6 +23,7 @@ constexpr Vector3 multiply(const Matrix3& m, const Vector3& v)
     return result;
 }
 
+/// a b: what applies b first and then a.
 constexpr Matrix3 multiply(const Matrix3& a, const Matrix3& b)
 {
     Matrix3 result{};
@@ -27,6 +33,7 @@ constexpr Matrix3 multiply(const Matrix3& a, const Matrix3& b)
     return result;
 }
 
+/// Each entry times `factor`.
 constexpr Matrix3 scaled(Matrix3 m, double factor)
 {
     for (Vector3& row : m)
@@ -35,11 +42,13 @@ constexpr Matrix3 scaled(Matrix3 m, double factor)
     return m;
 }
 
+/// Of a correction's row: the drive of its LED channel for content white.
 constexpr double rowSum(const Vector3& row)
 {
     return row[0] + row[1] + row[2];
 }
 
+/// Whether no entry is infinite or NaN.
 inline bool isFinite(const Matrix3& m)
 {
     for (const Vector3& row : m)

@@ -5,31 +5,32 @@
 
 namespace Colour {
 
-/// CIE 1931 chromaticity.
+/// CIE 1931 chromaticity, or where a function says so CIE 1976 u', v'.
 struct Chromaticity
 {
-    double x = 0.0;
-    double y = 0.0;
+    double x = 0.0; ///< 0..1; u' in the other plane
+    double y = 0.0; ///< above 0 and up to 1 for a real colour; v' in the other plane
 };
 
 /// The chromaticities of an RGB system and of its white.
 struct Primaries
 {
-    Chromaticity red;
-    Chromaticity green;
-    Chromaticity blue;
-    Chromaticity white;
+    Chromaticity red;   ///< of red alone
+    Chromaticity green; ///< of green alone
+    Chromaticity blue;  ///< of blue alone
+    Chromaticity white; ///< of all three at full
 };
 
 /// A gamut that a standard gives.
 struct StandardGamut
 {
-    const char* key;    ///< as typed on a command line
-    const char* name;   ///< as shown to people
-    const char* source; ///< the standard
-    Primaries primaries;
+    const char* key;     ///< as typed on a command line
+    const char* name;    ///< as shown to people
+    const char* source;  ///< the standard
+    Primaries primaries; ///< as the standard prints them
 };
 
+/// The standards that the suite knows by name, in the order in which they are listed to people.
 inline constexpr std::array<StandardGamut, 8> standardGamuts{{
     {"rec709",
      "Rec.709 / sRGB",

@@ -29,31 +29,38 @@ public:
     /// The root of a document; the fault will be left in `fault`, which must outlive the reader.
     JsonReader(const QJsonObject& root, std::optional<Fault>& fault);
 
+    /// Whether the document has had its first fault, here or at another place.
     bool hasFault() const { return m_fault->has_value(); }
+    /// What stands here, of whatever type; undefined where nothing does. Valid as long as this place.
     const QJsonValue& value() const { return m_value; }
+    /// Whether nothing stands here; a null is something.
     bool isMissing() const { return m_value.isUndefined(); }
     /// "devices[2].cabinets[0]"; empty for the root.
     QString path() const;
 
-    /// A member of this object; missing where there is none, or where this is no object.
+    /// A member of this object; missing where there is none, or where this is no object. A `char` key is Latin-1. @{
     JsonReader member(const char* key) const;
     JsonReader member(const QString& key) const;
-    /// An element of this array.
+    /// @}
+    /// An element of this array, from 0; missing where there is none.
     JsonReader element(int index) const;
-    /// The number of elements. Expects an array.
+    /// The number of elements. Expects an array; 0 for what is none.
     int count() const;
 
-    /// Each of these expects a value of its type; the default of a missing one only where there is a `fallback`.
+    /// Each of these expects a value of its type and gives an empty one, false or 0 where there is another; a missing
+    /// one is a fault too, unless there is a `fallback`. @{
     const JsonReader& object() const;
     QString text() const;
     bool flag() const;
     bool flag(bool fallback) const { return isMissing() ? fallback : flag(); }
+    /// @}
     /// A finite number from `min` to `max`.
     double number(double min = -std::numeric_limits<double>::max(),
                   double max = std::numeric_limits<double>::max()) const;
-    /// A whole number from `min` to `max`.
+    /// A whole number from `min` to `max`. @{
     int integer(int min = std::numeric_limits<int>::min(), int max = std::numeric_limits<int>::max()) const;
     int integer(int min, int max, int fallback) const { return isMissing() ? fallback : integer(min, max); }
+    /// @}
 
     /// Leaves the document's fault, unless it has one: what was expected here.
     void expect(const QString& expected) const;

@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+/// The log of the suite's libraries.
 namespace Xc {
 
 /// Owner of one spdlog logger. The logger lives as long as its owner and is not entered into spdlog's own registry, so
@@ -13,6 +14,7 @@ namespace Xc {
 class SUITE_LOGGING_EXPORT SpdlogBase
 {
 public:
+    /// A logger of this name without sinks, which drops everything until an heir gives it some.
     explicit SpdlogBase(const std::string& name);
     virtual ~SpdlogBase();
     SpdlogBase(const SpdlogBase&) = delete;
@@ -22,7 +24,7 @@ public:
     const std::shared_ptr<spdlog::logger>& logger() const { return m_logger; }
 
 protected:
-    std::shared_ptr<spdlog::logger> m_logger;
+    std::shared_ptr<spdlog::logger> m_logger; ///< for heirs; its first sink hands on to the others, locked
 };
 
 /// The logger that the suite's libraries share in a process, named "suite". Until the host gives its own sinks,

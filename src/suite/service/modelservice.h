@@ -8,13 +8,14 @@
 #include <string>
 #include <vector>
 
+/// Places and things of the system: devices, cabinets, folders, wall documents.
 namespace Service {
 
 /// A device with its cabinets, as entered into the registry.
 struct DeviceEntry
 {
-    std::shared_ptr<Model::Device> device;
-    std::vector<std::shared_ptr<Model::Cabinet>> cabinets;
+    std::shared_ptr<Model::Device> device;                 ///< shared with the registry from then on
+    std::vector<std::shared_ptr<Model::Cabinet>> cabinets; ///< each hangs on this device only
 };
 
 /// The process's registry of devices and cabinets. Look-ups cost O(1) on average. All functions may be called from any

@@ -14,7 +14,7 @@ public:
 
     /// The folder in which the suite keeps a user's data, without a trailing "/": "LedSuite" in the user's generic data
     /// location. The environment variable SUITE_COMPANY_DIR, when not empty, is taken instead: for tests and portable
-    /// installations.
+    /// installations. Nothing is made here: the folder need not exist. Any thread.
     static QString getRoamingCompanyPath();
 };
 

@@ -12,7 +12,7 @@ namespace Service {
 /// One device of a wall document.
 struct WallDevice
 {
-    DeviceEntry entry;
+    DeviceEntry entry; ///< as setDevices() takes it
     /// The member "simulation" as it stands, empty when absent: for a simulator to read, nothing to the registry.
     QJsonObject simulation;
 };
@@ -22,10 +22,11 @@ using Wall = std::vector<WallDevice>;
 
 /// Reads a wall document (JSON of at most 32 MiB, see docs/wall-document.md). On failure gives nothing and writes to
 /// `error` the file, the place (line and column, or a path such as devices[2].cabinets[0].cid) and what was expected
-/// and found.
+/// and found; `error` stays as it was otherwise. Blocks for the file work; any thread.
 SUITE_SERVICE_EXPORT std::optional<Wall> readWall(const QString& filePath, QString& error);
 
-/// Reads a wall document and, only if all of it is good, makes it the registry's content. Returns whether it did.
+/// Reads a wall document as readWall() does and, only if all of it is good, makes it the registry's content. Returns
+/// whether it did.
 SUITE_SERVICE_EXPORT bool loadWall(const QString& filePath, QString& error);
 
 } // namespace Service
