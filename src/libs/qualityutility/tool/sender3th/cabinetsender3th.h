@@ -15,6 +15,7 @@ namespace CabinetSenderSpace {
 /// Why an operation of the third generation failed.
 struct HubFailure
 {
+    /// Where on the way to the hub and back.
     enum class Kind {
         None,          ///< it did not
         NotConnected,  ///< there was no session or no connection, or it was lost before a reply came
@@ -23,8 +24,8 @@ struct HubFailure
         Refused,       ///< the hub answered with an error number
     };
 
-    Kind kind = Kind::None;
-    double number = 0.0; ///< Refused: the error number
+    Kind kind = Kind::None; ///< of the last exchange with the hub
+    double number = 0.0;    ///< Refused: the error number
 };
 
 /// Sends to third-generation cabinets: each operation becomes one numbered JSON command to the message hub, which
@@ -33,7 +34,7 @@ struct HubFailure
 /// is not understood, or an error number in it; lastFailure() and the log say which.
 ///
 /// The other four operations of the interface are not implemented here. getInstance() gives a ready sender in which
-/// they fail.
+/// they fail. The local model is left as it is.
 ///
 /// Each operation blocks its thread until the session's wait is over. One at a time: a second one meanwhile, also from
 /// another thread, fails.
@@ -46,7 +47,9 @@ class QUALITYUTILITY_EXPORT CabinetSender3th : public CabinetSenderBase
     Q_OBJECT
 
 public:
+    /// Without a session. The four operations that are not implemented here stay abstract: getInstance() has them.
     explicit CabinetSender3th(QObject* parent = nullptr);
+    /// Deletes an attached session that is connected.
     ~CabinetSender3th() override;
 
     /// The process's ready sender, made at the first call by any thread, without a session.
@@ -54,7 +57,8 @@ public:
     /// Deletes it, as the destructor says; the next getInstance() makes a new one.
     static void releaseInstance();
 
-    /// From now on commands go through `session`; null detaches. An earlier session is left alone.
+    /// From now on, and not while an operation waits, commands go through `session`; null detaches. An earlier session
+    /// is left alone.
     void attachSession(ClientSession* session);
 
     int getFineGrayConfig(const std::string& deviceId, unsigned long long cid, int& grayScaleSeries,
@@ -75,7 +79,7 @@ public:
     bool judgeResult(const QByteArray& reply);
     /// Why the last sendData(), and so the last operation, failed.
     const HubFailure& lastFailure() const { return m_lastFailure; }
-    /// {"lum", "cx", "cy"}
+    /// The point on the wire: {"lum", "cx", "cy"}, cd/m2 and CIE 1931 xy as given. The name is left out.
     QJsonObject getLXYOb(const Model::LXY& point);
 
 private:

@@ -34,6 +34,7 @@ class QUALITYUTILITY_EXPORT ClientSession : public QObject
     Q_OBJECT
 
 public:
+    /// Not connected yet. A child of `parent`, which deletes it.
     explicit ClientSession(QObject* parent = nullptr);
     /// Closes the connection.
     ~ClientSession() override;
@@ -56,9 +57,9 @@ public:
     /// True from the first connection to disServerConnect(); a connection that the hub closes does not change it.
     bool isConnected() const;
 
-    /// Sends a request and blocks until a reply is there: for the wait attempts times the read wait (900 times 1000
-    /// ms), for the time limit when there is one, or without limit. False when it is not connected, when the request
-    /// cannot be written, when another request waits, or when no reply came; `reply` then stays as it was.
+    /// Sends a request and blocks until a reply is there: for the wait attempts times the read wait (900 times 1 s),
+    /// for the time limit when there is one, or without limit. False when it is not connected, when the request cannot
+    /// be written, when another request waits, or when no reply came; `reply` then stays as it was.
     bool sendToServerSync(const QByteArray& request, QByteArray& reply, bool waitWithoutLimit);
     /// Why the last request ended, or the last wait of getResultFromCache().
     Ending ending() const;

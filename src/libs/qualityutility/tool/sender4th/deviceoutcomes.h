@@ -11,6 +11,7 @@ namespace CabinetSenderSpace {
 /// What became of one device in a sending operation of the fourth generation.
 struct DeviceOutcome
 {
+    /// How it ended.
     enum class Kind {
         Skipped,    ///< nothing was sent: the local model has no such device
         Confirmed,  ///< the device answered with success
@@ -18,8 +19,8 @@ struct DeviceOutcome
         Unanswered, ///< the wait was ended before an answer: the application was told to quit
     };
 
-    std::string deviceId;
-    Kind kind = Kind::Skipped;
+    std::string deviceId;                      ///< as in the targets
+    Kind kind = Kind::Skipped;                 ///< says which of the two below is filled
     QString error;                             ///< Failed: the action library's text
     std::vector<unsigned long long> confirmed; ///< Confirmed: the cabinets that the reply names; may be empty
 };
@@ -35,7 +36,9 @@ struct DeviceOutcome
 class QUALITYUTILITY_EXPORT DeviceOutcomes
 {
 public:
+    /// Begins to listen; what came before is not there.
     DeviceOutcomes();
+    /// Hands the thread's operations back to the one that listened before.
     ~DeviceOutcomes();
     DeviceOutcomes(const DeviceOutcomes&) = delete;
     DeviceOutcomes& operator=(const DeviceOutcomes&) = delete;
