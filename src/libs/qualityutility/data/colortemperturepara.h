@@ -11,6 +11,7 @@ namespace ReceivingCard {
 class QUALITYUTILITY_EXPORT ColorTemperturePara : public Xq::Serialize::Serializable
 {
     Q_OBJECT
+    /// The members of the same names. @{
     Q_PROPERTY(int ColorTemperature MEMBER colorTemperature)
     Q_PROPERTY(int InitColorTemp MEMBER initColorTemp)
     Q_PROPERTY(double RBrightness MEMBER rBrightness)
@@ -22,16 +23,21 @@ class QUALITYUTILITY_EXPORT ColorTemperturePara : public Xq::Serialize::Serializ
     Q_PROPERTY(double RCy MEMBER rCy)
     Q_PROPERTY(double BCy MEMBER bCy)
     Q_PROPERTY(double GCy MEMBER gCy)
+    /// @}
 
 public:
+    /// A child of `parent`, which deletes it; without one it is its maker's.
     explicit ColorTemperturePara(Serializable* parent = nullptr);
+    /// All members, white's too, and the attribute; no parent.
     ColorTemperturePara(const ColorTemperturePara& other) = default;
 
     /// A copy without a parent, owned by the caller.
     ColorTemperturePara* clone() const { return new ColorTemperturePara(*this); }
 
     int colorTemperature = 6500; ///< kelvin
-    int initColorTemp = 6500;    ///< kelvin
+    int initColorTemp = 6500;    ///< kelvin; before anybody changed it
+
+    /// Red, green, blue and white as measured; until then those of a common panel. @{
     double rBrightness = 809.05;
     double rCx = 0.69;
     double rCy = 0.3;
@@ -44,6 +50,7 @@ public:
     double wCx = 0.2863;
     double wCy = 0.2949;
     double wBrightness = 3120.0;
+    /// @}
 };
 
 } // namespace ReceivingCard

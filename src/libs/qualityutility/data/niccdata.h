@@ -21,11 +21,15 @@ public:
     /// Deletes the instance; the next getInstance() starts anew. Nobody may be using it.
     static void releaseInstance();
 
+    /// "2.0" until another is set; written into NICC documents and compared with theirs, text by text. @{
     QString getVersion() const;
     void setVersion(const QString& version);
-    /// The day on which this object was made, until another is set.
+    /// @}
+    /// The day on which this object was made, until another is set; reading a NICC document sets the document's, which
+    /// may be an invalid one. @{
     QDate getManageDate() const;
     void setManageDate(QDate date);
+    /// @}
 
 private:
     NICCData() = default;

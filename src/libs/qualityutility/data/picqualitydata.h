@@ -10,6 +10,7 @@
 
 #include <atomic>
 
+/// What a host works with while it calibrates the cards of a wall.
 namespace RxCardPicQuality {
 
 /// The working picture-quality data of the receiving card, filled at its creation from the settings
@@ -26,21 +27,25 @@ public:
     /// Deletes the instance; the next getInstance() reads settings, model and cache anew. Nobody may be using it.
     static void releaseInstance();
 
-    /// Whether the fine-gray cache was read.
+    /// Whether the fine-gray cache was read; true also for one that is not JSON, which fills nothing.
     bool isFineGrayCacheLoaded() const { return m_isFineGrayCacheLoaded; }
+    /// The calibration that was interrupted, from the cache; without one the defaults, with the settings' maximum.
     const Model::FineGrayAdvanceParam& getFineGrayAdvanceParam() const { return m_advanceParam; }
+    /// The settings' white; the tables are empty until a host reads a configuration into its own record.
     const Model::FineGrayCoeffs& getFineGrayCoeffs() const { return m_fineGrayCoeffs; }
+    /// The measurements of the cache; the tables stay empty.
     const Model::MagicGrayCoeffs& getMagicGrayCoeffs() const { return m_magicGrayCoeffs; }
 
-    /// The source gamut: what the wall shows uncorrected.
+    /// The source gamut: what the wall shows uncorrected. The receiving-card model's, until a measured one comes. @{
     Model::ColorGamutInfo& getOrgColorGamut() { return m_orgColorGamut; }
     const Model::ColorGamutInfo& getOrgColorGamut() const { return m_orgColorGamut; }
+    /// @}
     /// Replaces the source gamut by a measured one.
     void setColourGamutMeasure(const Model::ColorGamutInfo& measured) { m_orgColorGamut = measured; }
 
     /// Logs how many gray measurements there are; keeps nothing.
     void setGrayMeasure(const QList<Model::LXY>& red, const QList<Model::LXY>& green, const QList<Model::LXY>& blue);
-    /// Hands the path to the settings.
+    /// PicQualityResource::setLastOpenPath.
     void setLastOpenPath(const QString& path);
 
 private:
