@@ -7,6 +7,7 @@
 /// Why an operation of PicQualityFileTool on one file failed.
 struct FileFailure
 {
+    /// What stood in the way.
     enum class Kind {
         Missing,     ///< the file is not there
         OpenFailed,  ///< it cannot be opened, or not for writing
@@ -16,10 +17,10 @@ struct FileFailure
         Refused,     ///< an archive, for the reason given
     };
 
-    Kind kind = Kind::Missing;
-    QString path;
-    QString reason = {}; ///< in words, where there is more to say: the system's, or why an archive is refused
-    QString entry = {};  ///< Refused: the archive's entry that it is about; may be empty
+    Kind kind = Kind::Missing; ///< what the log line says, for programs
+    QString path;              ///< the file it is about, as the operation was given it
+    QString reason = {};       ///< in words, where there is more to say: the system's, or why an archive is refused
+    QString entry = {};        ///< Refused: the archive's entry that it is about; may be empty
 };
 
 /// Collects, beside the operations' own results, why they failed:
@@ -32,7 +33,9 @@ struct FileFailure
 class QUALITYUTILITY_EXPORT FileFailures
 {
 public:
+    /// Begins to listen; what came before is not there.
     FileFailures();
+    /// Hands the thread's operations back to the one that listened before.
     ~FileFailures();
     FileFailures(const FileFailures&) = delete;
     FileFailures& operator=(const FileFailures&) = delete;

@@ -1,5 +1,8 @@
 #pragma once
 
+/// \file
+/// The picture-quality documents and archives of a project.
+
 #include <suite/model/lxy.h>
 
 #include <QJsonArray>
@@ -27,19 +30,23 @@ class MagicGrayParam;
 
 /// Reads and writes the picture-quality documents: JSON files whose keys docs/documents.md lists. Static operations
 /// without state, on any thread; two calls on one file at a time are the caller's to prevent. They block for the file
-/// work. Nothing throws.
+/// work. Nothing throws. Red, green and blue lists are measurements, one point per measured gray level.
 ///
-/// File operations are of three kinds, and log their failures as critical lines `file "<path>" <text>`:
-/// - Writers (write...) make a new document in the place of the old one; updaters (update...) replace only their own
-///   keys and keep all others, creating a missing file as the empty fine-gray configuration. Both replace the file
-///   whole: after a kill or on a full disk it holds the old document or the new one (docs/documents.md has the one
-///   exception, and what becomes of links, devices, closed folders and the file's owner). False with "open failed!!!"
-///   (a folder, no parent folder, no permission, an empty name) or "write failed!!!"; an updater also with
-///   " invalid!!!" for an empty file and for one of more than 256 MiB. An updater takes what is not a JSON object for
-///   an empty one.
+/// File operations are of three kinds:
+/// - Writers (write...) make a new document in the place of the old one; what was there is gone.
+/// - Updaters (update...) replace only their own keys and keep all others. A missing file begins as the empty
+///   fine-gray configuration; what is not a JSON object counts as an empty one.
 /// - Readers (read...) fill what they find under a known key of the right type and leave every other output as it was.
-///   False with "can not find!!!", "open failed!!!" or, for an empty file and for one of more than 256 MiB,
-///   " invalid!!!"; content that is not JSON gives true and fills nothing.
+///   Content that is not JSON gives true and fills nothing.
+///
+/// Writers and updaters replace the file whole: after a kill or on a full disk it holds the old document or the new
+/// one. docs/documents.md has the one exception, and what becomes of links, devices, closed folders and owners.
+///
+/// A failure gives false and a critical line `file "<path>" <text>`; FileFailures has it as a value. The texts are:
+/// - "can not find!!!": there is no file (readers)
+/// - "open failed!!!": a folder, no parent folder, no permission, an empty name
+/// - " invalid!!!": the file is empty or has more than 256 MiB (readers and updaters)
+/// - "write failed!!!": the new document is larger than that, or did not reach the disk (writers and updaters)
 ///
 /// Points are luminance (cd/m2) and CIE 1931 xy; their names are not stored.
 class QUALITYUTILITY_EXPORT PicQualityFileTool
@@ -47,10 +54,11 @@ class QUALITYUTILITY_EXPORT PicQualityFileTool
 public:
     PicQualityFileTool() = delete;
 
+    /// Series of measurements by an index of the calibration's.
     using MeasureSeries = std::map<int, std::vector<Model::LXY>>;
 
     /// Replaces `out` by the elements of the list, in order. Unsigned 32-bit values are written as the signed ones of
-    /// the same bits.
+    /// the same bits; of points only the three numbers are. @{
     static void listToJsonArray(const QList<Model::LXY>& list, QJsonArray& out);
     static void listToJsonArray(const std::vector<Model::LXY>& list, QJsonArray& out);
     static void listToJsonArray(const std::vector<unsigned char>& list, QJsonArray& out);
@@ -60,10 +68,11 @@ public:
     static void listToJsonArray(const QList<unsigned int>& list, QJsonArray& out);
     static void listToJsonArray(const std::vector<double>& list, QJsonArray& out);
     static void listToJsonArray(const QList<double>& list, QJsonArray& out);
+    /// @}
 
     /// Replaces `out` by the elements of the array. Points are taken from objects only, other elements are passed over;
     /// of numbers every element counts, and one that does not convert (not a number, or not whole where integers are
-    /// wanted) is 0.
+    /// wanted) is 0. Integers are cut to the bits of the output's type. @{
     static void jsonArrayToList(const QJsonArray& array, QList<Model::LXY>& out);
     static void jsonArrayToList(const QJsonArray& array, std::vector<Model::LXY>& out);
     static void jsonArrayToList(const QJsonArray& array, std::vector<unsigned char>& out);
@@ -73,12 +82,16 @@ public:
     static void jsonArrayToList(const QJsonArray& array, QList<unsigned int>& out);
     static void jsonArrayToList(const QJsonArray& array, std::vector<double>& out);
     static void jsonArrayToList(const QJsonArray& array, QList<double>& out);
+    /// @}
 
+    /// {"lum", "x", "y"}; getLxy() is the way back.
     static QJsonObject lxyToJson(const Model::LXY& point);
 
-    /// Series in ascending order of their keys. The keys are not written: read back, they are 0, 1, 2, ...
+    /// Series in ascending order of their keys. The keys are not written: read back, they are 0, 1, 2, ... Elements
+    /// without an array "measure" are passed over and use no key. `out` is replaced. @{
     static void mapToJsonArray(const MeasureSeries& series, QJsonArray& out);
     static void jsonArrayToMap(const QJsonArray& array, MeasureSeries& out);
+    /// @}
 
     /// Copies a file over another, which is replaced whole; permissions come along. A link at the destination gives
     /// way itself, and what it leads to stays as it is. False, with the line `file "<source>" not find`, when there is
@@ -93,35 +106,46 @@ public:
 
     // Gray state: the sections "grayEffectPara" and "grayDetailPara" of the fine-gray configuration.
 
+    /// Updater: replaces both sections.
     static bool updateGrayStateConfig(const QString& path, const Model::GrayEffectPara& effect,
                                       const Model::GrayDetailPara& detail);
+    /// A section with all its keys. @{
     static QJsonObject grayParaToJson(const Model::GrayEffectPara& effect);
     static QJsonObject detailParaToJson(const Model::GrayDetailPara& detail);
+    /// @}
+    /// Takes the members that have the right type; what is missing or has another stays as it was in the record. @{
     static void JsonTograyPara(const QJsonObject& object, Model::GrayEffectPara& effect);
     static void JsonTodetailPara(const QJsonObject& object, Model::GrayDetailPara& detail);
-    /// The peak values of the section: taken only when they are marked valid; the mark itself is set here and never
-    /// cleared.
+    /// @}
+    /// The peak values of the detail section (cd/m2): taken only when they are marked valid; the mark itself is set
+    /// here and never cleared.
     static void JsonToLumPara(const QJsonObject& object, Model::GrayDetailPara& detail);
 
     // Magic gray: the section "mgData" of the fine-gray configuration, and its measurements at the root of the cache.
 
-    /// Replaces the section; `param` is not written.
+    /// Updater: replaces the section; `param` is not written.
     static bool updateMGGrayConfig(const QString& path, const Model::MagicGrayCoeffs& coeffs,
                                    const Model::MagicGrayParam& param);
+    /// Sets the thirteen measurement members of `object` and keeps its others.
     static void MGMeasuresToJson(const Model::MagicGrayCoeffs& coeffs, QJsonObject& object);
+    /// Takes measurements, tables and the two parameters, "compBase" (base-scale bits) and "maxDataShiftBase" (PWM
+    /// range bits less 8), that have the right type; all else stays as it was in the records.
     static void JsonToMGCoeffs(const QJsonObject& object, Model::MagicGrayCoeffs& coeffs, Model::MagicGrayParam& param);
 
     // Fine-gray configuration.
 
-    /// Writer: all earlier sections are dropped.
+    /// Writer: measurements and tables; all earlier sections are dropped, and the colour temperature is not written.
     static bool writeFineGrayConfig(const QString& path, const QList<Model::LXY>& red, const QList<Model::LXY>& green,
                                     const QList<Model::LXY>& blue, const Model::FineGrayCoeffs& coeffs);
-    /// The four switches are reset before anything else, also when the file is missing.
+    /// Reader. The four switches are reset before anything else, also when the file is missing; `xbitType` is the kind
+    /// of extended depth, a number of the tool that wrote it.
     static bool readFineGrayConfig(const QString& path, QList<Model::LXY>& red, QList<Model::LXY>& green,
                                    QList<Model::LXY>& blue, Model::FineGrayCoeffs& coeffs, bool& openGray,
                                    bool& openXbit, int& xbitType, bool& open18bit);
+    /// Reader of the measurements and tables only.
     static bool readFineGrayConfig(const QString& path, QList<Model::LXY>& red, QList<Model::LXY>& green,
                                    QList<Model::LXY>& blue, Model::FineGrayCoeffs& coeffs);
+    /// Reader of the sections too, without the switches.
     static bool readFineGrayConfig(const QString& path, QList<Model::LXY>& red, QList<Model::LXY>& green,
                                    QList<Model::LXY>& blue, Model::FineGrayCoeffs& coeffs,
                                    Model::GrayEffectPara& effect, Model::GrayDetailPara& detail,
@@ -129,18 +153,25 @@ public:
 
     // Fine-gray cache.
 
+    /// Writer: all but the measurements is dropped.
     static bool writeFineGrayCache(const QString& path, const QList<Model::LXY>& red, const QList<Model::LXY>& green,
                                    const QList<Model::LXY>& blue);
-    /// Replaces "grayAdvance". White measurements that a shorter list replaces are kept, see judgeWUpdate.
+    /// Updater: replaces "grayAdvance". White measurements that a shorter list replaces are kept, see judgeWUpdate.
     static bool updateFineGrayCache(const QString& path, const Model::FineGrayAdvanceParam& advance);
+    /// Updater: replaces the magic-gray measurements; the tables are not written.
     static bool updateFineGrayCache(const QString& path, const Model::MagicGrayCoeffs& magicGray);
+    /// Reader; the second one takes the magic-gray measurements too. What judgeWUpdate has kept is not read. @{
     static bool readFineGrayCache(const QString& path, QList<Model::LXY>& red, QList<Model::LXY>& green,
                                   QList<Model::LXY>& blue, Model::FineGrayAdvanceParam& advance);
     static bool readFineGrayCache(const QString& path, QList<Model::LXY>& red, QList<Model::LXY>& green,
                                   QList<Model::LXY>& blue, Model::FineGrayAdvanceParam& advance,
                                   Model::MagicGrayCoeffs& magicGray);
+    /// @}
+    /// The section "grayAdvance" with all its keys, and back: members that are missing or have another type stay as
+    /// they were in the record. ("Advane" is how callers spell it.) @{
     static QJsonObject GrayAdvaneToJson(const Model::FineGrayAdvanceParam& advance);
     static void getGrayAdvane(const QJsonObject& object, Model::FineGrayAdvanceParam& advance);
+    /// @}
     /// When the stored "grayAdvance" of `root` has more white measurements than `advance`, they are kept in `root`
     /// under the first free key of "wMeasure1" to "wMeasure9"; with none free they are dropped.
     static void judgeWUpdate(QJsonObject& root, QJsonObject& advance);
@@ -148,15 +179,15 @@ public:
     // NICC configuration: measured and target gamut, and whether the correction is on. The version and the day of
     // management are NICCData's.
 
-    /// Writer: "IsOpen" and "UsedIndex" are dropped.
+    /// Writer: the gamuts, the version and the day; "IsOpen" and "UsedIndex" are dropped.
     static bool writeNiccConfig(const QString& path, const Model::ColorGamutInfo& led,
                                 const Model::ColorGamutInfo& target);
-    /// The document's bytes.
+    /// The bytes of that document; `out` is replaced.
     static void writeNicc(const Model::ColorGamutInfo& led, const Model::ColorGamutInfo& target, QByteArray& out);
     /// As the other readers, but content that is not JSON is false, without a log line. Also sets NICCData's day of
-    /// management (an invalid one for a document without it). When the document's version is not NICCData's, a standard
-    /// gamut that it names by "UsedIndex" becomes the target and switches the correction on; the user's own switches it
-    /// off.
+    /// management (an invalid one for a document without it). `versionChanged` says whether the document's version is
+    /// not NICCData's; without one it stays as it was. Where it is not, "UsedIndex" counts: a standard gamut becomes
+    /// the target and switches the correction on, the user's own switches it off and leaves the target.
     static bool readNiccConfig(const QString& path, Model::ColorGamutInfo& led, Model::ColorGamutInfo& target,
                                bool& isOpen, bool& versionChanged);
     /// Updater, but a missing file is refused: "can not find!!!".
@@ -166,9 +197,10 @@ public:
     /// A record from the four points (0 for missing ones), and "name", "Cover" and "OrgCover" where they are given.
     static Model::ColorGamutInfo getColorGamut(const QMap<QString, QVariant>& map);
 
-    // New-NICC document: the chosen target only. `temperature` is in kelvin; a `fromInput` other than 0 says that the
-    // user typed the target in.
+    // New-NICC document: the chosen target only.
 
+    /// The document's bytes: the target's name, its colour temperature in kelvin, and in `fromInput` whether the user
+    /// typed it in (not 0). `out` is replaced.
     static void writeNewNicc(const std::string& name, int temperature, int fromInput, QByteArray& out);
     /// As readNiccConfig. The name becomes "From input" when `fromInput` is not 0, read or as given.
     static bool readNewNicc(const QString& path, std::string& name, int& temperature, int& fromInput);
@@ -182,8 +214,7 @@ public:
                               const QString& cabinetConfig, const QStringList& others);
     /// Extracts an archive into its temporary folder, replacing what was there, and sorts the files by suffix: "nicc",
     /// "gray", "nrf" (exactly so; the last of each wins), and all others, which are appended. Outputs without a file
-    /// stay as they were. False with a critical line, and nothing changed, for a missing archive and for one that is
-    /// refused.
+    /// stay as they were. A missing archive and one that is refused change nothing and give false with a critical line.
     static bool unpackProConfig(const QString& archive, QString& nicc, QString& gray, QString& cabinetConfig,
                                 QStringList& others);
     /// Deletes an archive's temporary folder: the system's temporary location, "/", and the archive's name up to its
@@ -191,8 +222,7 @@ public:
     /// cannot be deleted.
     static bool removeTempProConfig(const QString& archive);
 
-    /// Replaces a receiving-card configuration file whole, as the writers do. False, without a line, when it cannot be
-    /// written.
+    /// Replaces a receiving-card configuration file whole, as the writers do. False, without a line, where that fails.
     static bool writeRvcardConfig(const QString& path, const QByteArray& content);
 };
 
