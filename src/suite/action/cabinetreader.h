@@ -22,8 +22,8 @@ struct GrayTable
     int freq = 0;                         ///< refresh frequency, Hz
 };
 
-/// What one cabinet holds. Large parts are shared by the cabinets that received them in one request; a null part was
-/// never received.
+/// What one cabinet holds. Large parts are shared by the cabinets that received them in one request; what was never
+/// received is null.
 struct CabinetState
 {
     int mode = 0;                               ///< correction effect mode; bit 3 (8) is the gamut correction

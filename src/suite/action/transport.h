@@ -64,8 +64,7 @@ public:
     Transport& operator=(const Transport&) = delete;
 
     /// Takes one request. Called on the asking thread, possibly on several at once; must not block. What is needed
-    /// after the return is copied here. The answer goes through `responder`: inside this call, or later from any
-    /// thread.
+    /// after the return is copied here. The answer goes through `responder`, inside this call or from any thread later.
     virtual void send(const Request& request, const Responder& responder) = 0;
 };
 

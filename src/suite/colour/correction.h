@@ -28,8 +28,8 @@ SUITE_COLOUR_EXPORT std::optional<Matrix3> correctionMatrix(const Primaries& sou
 
 /// The factor for a correction matrix, s_fit + k (s_keep - s_fit) with k = `ratio` limited to 0..1. At 0, s_fit =
 /// 1 / largest row sum: white is as bright as it can be without any channel above full scale. At 1, s_keep = target's
-/// over source's luminance of white (cd/m2; 1 where either is not positive and finite). Nothing where no positive
-/// factor exists.
+/// over source's luminance of white (cd/m2; 1 where either is not positive and finite). Nothing where there is no
+/// positive factor.
 SUITE_COLOUR_EXPORT std::optional<double> whiteScale(const Matrix3& correction, double ratio, double targetLuminance,
                                                      double sourceLuminance);
 

@@ -58,8 +58,8 @@ inline bool isFinite(const Matrix3& m)
     return true;
 }
 
-/// The inverse, by cofactors. Nothing for a matrix that is singular to within rounding (|det| up to 1e-12) or not
-/// finite.
+/// The inverse, by cofactors. Nothing for a matrix that is not finite or is singular to within rounding (|det| up to
+/// 1e-12).
 inline std::optional<Matrix3> inverse(const Matrix3& m)
 {
     constexpr double minDeterminant = 1e-12;

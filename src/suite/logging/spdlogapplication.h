@@ -35,8 +35,8 @@ public:
     /// The process's instance; created on first use, by any thread.
     static SpdlogApplication& instance();
 
-    /// Replaces all sinks; none at all silences the logger. Sinks must be of spdlog's thread-safe (`_mt`) kind. Any
-    /// thread.
+    /// Replaces all sinks; none at all silences the logger. Sinks must be of spdlog's thread-safe (`_mt`) kind. May be
+    /// called by any thread, while others log.
     void setSinks(std::vector<spdlog::sink_ptr> sinks);
 
 private:

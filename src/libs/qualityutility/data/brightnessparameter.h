@@ -7,11 +7,10 @@
 
 namespace ReceivingCard {
 
-/// Brightness, gamma and gain of a receiving card, with its colour temperature. The values are the card's: nothing here
-/// applies them.
+/// Brightness, gamma and gain of a receiving card, with its colour temperature; the card applies them.
 ///
-/// Brightness and gains are kept in 16 bits: what is set below 0 becomes 0, above 65535 becomes 65535. All else is kept
-/// as given.
+/// Brightness and gains are kept in 16 bits: what is set below 0 becomes 0, above 65535 becomes 65535. All other values
+/// are kept as given.
 class QUALITYUTILITY_EXPORT BrightnessParameter : public Xq::Serialize::Serializable
 {
     Q_OBJECT

@@ -3,8 +3,7 @@
 #include <QPointer>
 #include <qualityutility/data/brightnessparameter.h>
 
-/// The configuration of a receiving card, as objects that are kept by their properties. Each is used on the thread that
-/// owns it.
+/// The configuration of a receiving card, as objects that are kept by their properties and used on their own thread.
 namespace ReceivingCard {
 
 /// The picture configuration of a receiving card. Its object name is "ScanBoardProperty", a copy's too.

@@ -22,8 +22,7 @@ public:
     /// A copy without a parent, owned by the caller.
     NiccCoeffs* clone() const { return new NiccCoeffs(*this); }
 
-    /// The bit of the index: 2^(index - 1) for 1 to 12, 1 for every other index. ColorGamutType2QString() names the
-    /// types.
+    /// The bit of the index: 2^(index - 1) for 1 to 12, 1 for all others. ColorGamutType2QString() has the names.
     int getType() const;
     /// Stores the index, whatever it is, and gives its type.
     int getTypeByIndex(unsigned char index);

@@ -9,8 +9,7 @@
 #include <mutex>
 
 /// Version of the gamut-correction (NICC) data and the day on which it was managed. All but releaseInstance() may be
-/// called by any thread at any time; each call sees a whole value, while two calls may see another thread's change
-/// between them.
+/// called by any thread at any time. Each call sees a whole value; between two of them another thread may change it.
 class QUALITYUTILITY_EXPORT NICCData : public QObject
 {
     Q_OBJECT

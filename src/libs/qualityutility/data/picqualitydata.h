@@ -45,7 +45,7 @@ public:
 
     /// Logs how many gray measurements there are; keeps nothing.
     void setGrayMeasure(const QList<Model::LXY>& red, const QList<Model::LXY>& green, const QList<Model::LXY>& blue);
-    /// PicQualityResource::setLastOpenPath.
+    /// Hands the path to PicQualityResource::setLastOpenPath().
     void setLastOpenPath(const QString& path);
 
 private:

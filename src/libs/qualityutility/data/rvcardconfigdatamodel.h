@@ -4,8 +4,8 @@
 
 namespace ReceivingCard {
 
-/// Holder of the receiving card's current configuration. Its first getInstance() must come from one thread: there is no
-/// lock.
+/// Holder of the receiving card's current configuration. There is no lock: the first getInstance() must come from one
+/// thread, and the configuration is used on that.
 class QUALITYUTILITY_EXPORT RvCardConfigDataModel : public QObject
 {
     Q_OBJECT
