@@ -59,6 +59,7 @@ class SUITE_ACTION_EXPORT Transport
 {
 public:
     Transport() = default;
+    /// Runs on whichever thread lets go of it last.
     virtual ~Transport();
     Transport(const Transport&) = delete;
     Transport& operator=(const Transport&) = delete;

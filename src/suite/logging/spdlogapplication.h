@@ -9,13 +9,14 @@
 /// The log of the suite's libraries.
 namespace Xc {
 
-/// Owner of one spdlog logger. The logger lives as long as its owner and is not entered into spdlog's own registry, so
-/// neither the process's default logger nor a logger of the same name is touched.
+/// Owner of one spdlog logger, which is not entered into spdlog's own registry, so neither the process's default logger
+/// nor a logger of the same name is touched.
 class SUITE_LOGGING_EXPORT SpdlogBase
 {
 public:
     /// A logger of this name without sinks, which drops everything until an heir gives it some.
     explicit SpdlogBase(const std::string& name);
+    /// Lets go of the logger; who has copied its pointer keeps it.
     virtual ~SpdlogBase();
     SpdlogBase(const SpdlogBase&) = delete;
     SpdlogBase& operator=(const SpdlogBase&) = delete;

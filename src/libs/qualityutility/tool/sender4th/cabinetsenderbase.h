@@ -42,6 +42,7 @@ class QUALITYUTILITY_EXPORT CabinetSenderBase : public QObject
 public:
     /// A child of `parent`, which deletes it; without one it is its maker's.
     explicit CabinetSenderBase(QObject* parent = nullptr);
+    /// Not while an operation waits.
     ~CabinetSenderBase() override;
 
     /// Reads what decides which fine-gray table applies to a cabinet: the gray-scale depth in bits and the chip-effect
