@@ -15,7 +15,7 @@ import zipfile
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 OUT = pathlib.Path(sys.argv[1])
 EXAMPLES = ROOT / "examples"
-SHIPPED = ROOT / "src/libs/qualityutility/resource/shipped"
+SHIPPED = ROOT / "share"
 
 
 def seed(target, name, content):
