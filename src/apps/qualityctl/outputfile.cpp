@@ -5,7 +5,7 @@
 #include <QDir>
 #include <QFileDevice>
 #include <QFileInfo>
-#include <qualityutility/tool/file/wholefile_p.h>
+#include <qualityutility/support/wholefile_p.h>
 
 namespace {
 
@@ -33,19 +33,20 @@ void makeOutputFolder(const QString& path)
 
 bool isRegularFile(const QString& path)
 {
-    return fileKind(path) == FileKind::Regular;
+    return Support::fileKind(path) == Support::FileKind::Regular;
 }
 
 void requireNewFile(const QString& path, bool force)
 {
     requireSayableName(path);
-    const FileKind kind = fileKind(path);
-    if (kind == FileKind::Other && QFileInfo::exists(path))
+    const Support::FileKind kind = Support::fileKind(path);
+    if (kind == Support::FileKind::Other && QFileInfo::exists(path))
         throw CommandError{
             ExitCode::CannotCreate,
             QStringLiteral("%1: expected a file, found a folder, a pipe or what else cannot be replaced").arg(path)};
     // A link to nothing is followed when it is written.
-    if ((kind == FileKind::Regular || (kind == FileKind::None && QFileInfo(path).isSymLink())) && !force)
+    if ((kind == Support::FileKind::Regular || (kind == Support::FileKind::None && QFileInfo(path).isSymLink())) &&
+        !force)
         throw CommandError{ExitCode::CannotCreate, QStringLiteral("%1 exists").arg(path),
                            QStringLiteral("--force replaces it")};
 }
@@ -62,8 +63,10 @@ void writeOutputFile(const QString& path, const QByteArray& content)
 {
     requireSayableName(path);
     QString reason;
-    const WholeFileResult result = replaceWholeFile(path, content, WholeFileWay::Renew, &reason);
-    if (result != WholeFileResult::Written)
-        throw CommandError{result == WholeFileResult::OpenFailed ? ExitCode::CannotCreate : ExitCode::InputOutput,
+    const Support::WholeFileResult result =
+        Support::replaceWholeFile(path, content, Support::WholeFileWay::Renew, &reason);
+    if (result != Support::WholeFileResult::Written)
+        throw CommandError{result == Support::WholeFileResult::OpenFailed ? ExitCode::CannotCreate
+                                                                          : ExitCode::InputOutput,
                            QStringLiteral("%1: %2").arg(path, reason)};
 }

@@ -1,6 +1,6 @@
 #include "niccdata.h"
 
-#include <qualityutility/publishedinstance_p.h>
+#include <qualityutility/support/publishedinstance_p.h>
 
 namespace {
 
@@ -12,12 +12,12 @@ std::atomic<NICCData*> NICCData::m_instance{nullptr};
 
 NICCData* NICCData::getInstance()
 {
-    return publishedInstance(m_instance, createObjectMutex, [] { return new NICCData; });
+    return Support::publishedInstance(m_instance, createObjectMutex, [] { return new NICCData; });
 }
 
 void NICCData::releaseInstance()
 {
-    releasePublishedInstance(m_instance);
+    Support::releasePublishedInstance(m_instance);
 }
 
 QString NICCData::getVersion() const

@@ -1,9 +1,9 @@
 #include "picqualitydata.h"
 
 #include <qualityutility/data/rvcardconfigdatamodel.h>
-#include <qualityutility/infolog_p.h>
-#include <qualityutility/publishedinstance_p.h>
 #include <qualityutility/resource/picqualityresource.h>
+#include <qualityutility/support/infolog_p.h>
+#include <qualityutility/support/publishedinstance_p.h>
 #include <qualityutility/tool/file/picqualityfiletool.h>
 
 namespace RxCardPicQuality {
@@ -39,12 +39,12 @@ PicqualityData* PicqualityData::getInstance()
     // not under the mutex, and with nothing of the resource kept.
     if (!m_instance.load(std::memory_order_acquire))
         PicQualityResource::getInstance()->initResourceFile();
-    return publishedInstance(m_instance, m_sPicqualityDataMutex, [] { return new PicqualityData; });
+    return Support::publishedInstance(m_instance, m_sPicqualityDataMutex, [] { return new PicqualityData; });
 }
 
 void PicqualityData::releaseInstance()
 {
-    releasePublishedInstance(m_instance);
+    Support::releasePublishedInstance(m_instance);
 }
 
 PicqualityData::PicqualityData()
@@ -76,7 +76,7 @@ PicqualityData::PicqualityData()
 void PicqualityData::setGrayMeasure(const QList<Model::LXY>& red, const QList<Model::LXY>& green,
                                     const QList<Model::LXY>& blue)
 {
-    logInfo("155----------------------------", red.size(), green.size(), blue.size());
+    Support::logInfo("155----------------------------", red.size(), green.size(), blue.size());
 }
 
 void PicqualityData::setLastOpenPath(const QString& path)

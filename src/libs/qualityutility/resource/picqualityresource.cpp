@@ -16,7 +16,7 @@
 #include <QLoggingCategory>
 #include <QPointer>
 #include <QSettings>
-#include <qualityutility/publishedinstance_p.h>
+#include <qualityutility/support/publishedinstance_p.h>
 
 #include <mutex>
 
@@ -118,12 +118,12 @@ PicQualityResource::~PicQualityResource()
 
 PicQualityResource* PicQualityResource::getInstance()
 {
-    return publishedInstance(m_instance, m_lock, [] { return new PicQualityResource; });
+    return Support::publishedInstance(m_instance, m_lock, [] { return new PicQualityResource; });
 }
 
 void PicQualityResource::releaseInstance()
 {
-    releasePublishedInstance(m_instance);
+    Support::releasePublishedInstance(m_instance);
 }
 
 void PicQualityResource::initCacheFile()

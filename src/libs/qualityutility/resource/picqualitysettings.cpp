@@ -2,13 +2,14 @@
 
 #include <QSettings>
 #include <QStandardPaths>
-#include <qualityutility/latin1_p.h>
+#include <qualityutility/support/latin1_p.h>
 
 #include <variant>
 
 namespace {
 
 using Model::MagicGrayParam;
+using Support::latin1;
 using Settings = PicQualitySettings;
 
 template <typename T>

@@ -8,7 +8,7 @@
 #include <QSettings>
 #include <QTextCodec>
 #include <QThread>
-#include <qualityutility/tool/file/wholefile_p.h>
+#include <qualityutility/support/wholefile_p.h>
 
 namespace {
 
@@ -49,5 +49,5 @@ bool writeBackSetting(const QString& path, const SettingsKey& key, const QString
     const auto changed = withSetting(text, key, value, QTextCodec::codecForName(codecName));
     if (!changed)
         return false;
-    return *changed == text || replaceWholeFile(path, *changed) == WholeFileResult::Written;
+    return *changed == text || Support::replaceWholeFile(path, *changed) == Support::WholeFileResult::Written;
 }

@@ -5,7 +5,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSet>
-#include <qualityutility/latin1_p.h>
+#include <qualityutility/support/latin1_p.h>
 #include <quazip/quazip.h>
 #include <quazip/quazipfile.h>
 

@@ -1,10 +1,10 @@
 #include "documentfile_p.h"
 #include "filefailurerecorder_p.h"
-#include "wholefile_p.h"
 
 #include <QDebug>
 #include <QFile>
 #include <QJsonDocument>
+#include <qualityutility/support/wholefile_p.h>
 
 namespace {
 
@@ -55,15 +55,15 @@ bool takeParsed(const QByteArray& content, const std::function<void(const QJsonO
     return true;
 }
 
-bool writeAs(WholeFileWay way, const QString& path, const QByteArray& content)
+bool writeAs(Support::WholeFileWay way, const QString& path, const QByteArray& content)
 {
     QString reason = QStringLiteral("larger than %1 bytes").arg(DocumentFile::maximumBytes);
-    const WholeFileResult result = content.size() > DocumentFile::maximumBytes
-                                       ? WholeFileResult::WriteFailed
-                                       : replaceWholeFile(path, content, way, &reason);
-    if (result == WholeFileResult::Written)
+    const Support::WholeFileResult result = content.size() > DocumentFile::maximumBytes
+                                                ? Support::WholeFileResult::WriteFailed
+                                                : Support::replaceWholeFile(path, content, way, &reason);
+    if (result == Support::WholeFileResult::Written)
         return true;
-    const bool isOpen = result == WholeFileResult::WriteFailed;
+    const bool isOpen = result == Support::WholeFileResult::WriteFailed;
     DocumentFile::fail(isOpen ? FileFailure::Kind::WriteFailed : FileFailure::Kind::OpenFailed, path, reason);
     return false;
 }
@@ -96,26 +96,26 @@ bool DocumentFile::write(const QString& path, const QJsonObject& root)
 
 bool DocumentFile::write(const QString& path, const QByteArray& content)
 {
-    return writeAs(WholeFileWay::RenewName, path, content);
+    return writeAs(Support::WholeFileWay::RenewName, path, content);
 }
 
 bool DocumentFile::update(const QString& path, const QJsonObject& initial,
                           const std::function<void(QJsonObject& root)>& change)
 {
     QJsonObject root = initial;
-    const FileKind kind = fileKind(path);
-    if (kind == FileKind::Regular) {
+    const Support::FileKind kind = Support::fileKind(path);
+    if (kind == Support::FileKind::Regular) {
         QByteArray content;
         // For writing too, so that a file that may not be changed is refused here.
         if (!readExisting(path, QIODevice::ReadWrite, content))
             return false;
         root = QJsonDocument::fromJson(content).object();
-    } else if (kind != FileKind::None) { // reading a pipe could wait for ever, and what was read would be gone
+    } else if (kind != Support::FileKind::None) { // reading a pipe could wait for ever, and what was read would be gone
         fail(FileFailure::Kind::OpenFailed, path, QStringLiteral("no regular file"));
         return false;
     }
     change(root);
-    return writeAs(WholeFileWay::Update, path, toText(root));
+    return writeAs(Support::WholeFileWay::Update, path, toText(root));
 }
 
 bool DocumentFile::read(const QString& path, const std::function<void(const QJsonObject& root)>& take)

@@ -10,11 +10,12 @@
 #include <QJsonDocument>
 #include <qualityutility/data/nicccoeffs.h>
 #include <qualityutility/data/niccdata.h>
-#include <qualityutility/latin1_p.h>
+#include <qualityutility/support/latin1_p.h>
 
 namespace {
 
 using Model::ColorGamutInfo;
+using Support::latin1;
 
 // The odd spellings are the documents' own.
 constexpr QLatin1String versionKey = latin1("vesion");

@@ -3,7 +3,6 @@
 #include "documentfile_p.h"
 #include "filefailurerecorder_p.h"
 #include "jsonfields_p.h"
-#include "wholefile_p.h"
 
 #include <suite/model/finegray.h>
 #include <suite/model/graydetailpara.h>
@@ -13,7 +12,8 @@
 
 #include <QDebug>
 #include <QFile>
-#include <qualityutility/latin1_p.h>
+#include <qualityutility/support/latin1_p.h>
+#include <qualityutility/support/wholefile_p.h>
 
 #include <algorithm>
 #include <array>
@@ -32,6 +32,7 @@ using Model::GrayDetailPara;
 using Model::GrayEffectPara;
 using Model::LXY;
 using Model::MagicGrayCoeffs;
+using Support::latin1;
 using Bytes = std::vector<unsigned char>;
 using Doubles = std::vector<double>;
 
@@ -404,7 +405,7 @@ bool PicQualityFileTool::copyFile(const QString& source, const QString& destinat
         recordFileFailure({FileFailure::Kind::Missing, source});
         return false;
     }
-    const bool isCopied = copyWholeFile(source, destination);
+    const bool isCopied = Support::copyWholeFile(source, destination);
     if (!isCopied) // without a log line
         recordFileFailure({FileFailure::Kind::WriteFailed, destination});
     return isCopied;

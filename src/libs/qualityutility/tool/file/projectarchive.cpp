@@ -2,7 +2,6 @@
 #include "filefailurerecorder_p.h"
 #include "projectarchive_p.h"
 #include "temporaryfolder_p.h"
-#include "unnamedfile_p.h"
 
 #include <suite/common/filehelper.h>
 
@@ -10,6 +9,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
+#include <qualityutility/support/unnamedfile_p.h>
 
 namespace {
 
@@ -105,7 +105,7 @@ std::optional<ArchiveRefusal> ProjectArchive::pack(const QString& archive, const
     quint64 bytes = 0;
     if (auto refusal = checkFiles(files, limits, bytes))
         return refusal;
-    UnnamedFile fresh(archive);
+    Support::UnnamedFile fresh(archive);
     if (!fresh.file().isOpen())
         return ArchiveRefusal{fresh.fault(), {}, true};
     auto refusal = writeArchive(fresh.file(), files, ArchiveMethod::Deflated);

@@ -4,12 +4,12 @@
 #include "filefailurerecorder_p.h"
 #include "picqualityfiletool.h"
 #include "projectarchive_p.h"
-#include "wholefile_p.h"
 
 #include <QDebug>
 #include <QFile>
 #include <QFileInfo>
-#include <qualityutility/latin1_p.h>
+#include <qualityutility/support/latin1_p.h>
+#include <qualityutility/support/wholefile_p.h>
 
 #include <algorithm>
 #include <iterator>
@@ -51,11 +51,11 @@ bool PicQualityFileTool::unpackProConfig(const QString& archive, QString& nicc, 
         return false;
     for (const QString& file : *files) {
         const QString suffix = QFileInfo(file).suffix();
-        if (suffix == latin1("nicc"))
+        if (suffix == Support::latin1("nicc"))
             nicc = file;
-        else if (suffix == latin1("gray"))
+        else if (suffix == Support::latin1("gray"))
             gray = file;
-        else if (suffix == latin1("nrf"))
+        else if (suffix == Support::latin1("nrf"))
             cabinetConfig = file;
         else
             others << file;
@@ -71,12 +71,13 @@ bool PicQualityFileTool::removeTempProConfig(const QString& archive)
 bool PicQualityFileTool::writeRvcardConfig(const QString& path, const QByteArray& content)
 {
     QString reason;
-    const WholeFileResult result = replaceWholeFile(path, content, WholeFileWay::RenewName, &reason);
-    if (result != WholeFileResult::Written) // without a log line
-        recordFileFailure(
-            {result == WholeFileResult::OpenFailed ? FileFailure::Kind::OpenFailed : FileFailure::Kind::WriteFailed,
-             path,
-             reason,
-             {}});
-    return result == WholeFileResult::Written;
+    const Support::WholeFileResult result =
+        Support::replaceWholeFile(path, content, Support::WholeFileWay::RenewName, &reason);
+    if (result != Support::WholeFileResult::Written) // without a log line
+        recordFileFailure({result == Support::WholeFileResult::OpenFailed ? FileFailure::Kind::OpenFailed
+                                                                          : FileFailure::Kind::WriteFailed,
+                           path,
+                           reason,
+                           {}});
+    return result == Support::WholeFileResult::Written;
 }

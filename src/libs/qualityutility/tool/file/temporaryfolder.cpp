@@ -13,7 +13,7 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <QThread>
-#include <qualityutility/latin1_p.h>
+#include <qualityutility/support/latin1_p.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -21,8 +21,8 @@
 
 namespace {
 
-constexpr auto prefix = latin1(".unpacking-");
-constexpr auto lockSuffix = latin1(".lock");
+constexpr auto prefix = Support::latin1(".unpacking-");
+constexpr auto lockSuffix = Support::latin1(".lock");
 
 /// Short, whatever the length of the folder's own name.
 QString nameBeside(const QString& path)

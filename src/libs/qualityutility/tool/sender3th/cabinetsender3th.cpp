@@ -6,7 +6,7 @@
 
 #include <QDebug>
 #include <QJsonDocument>
-#include <qualityutility/publishedinstance_p.h>
+#include <qualityutility/support/publishedinstance_p.h>
 
 namespace CabinetSenderSpace {
 
@@ -77,12 +77,12 @@ CabinetSender3th::~CabinetSender3th()
 
 CabinetSender3th* CabinetSender3th::getInstance()
 {
-    return publishedInstance(m_instance, s_createMutex, [] { return new ReadySender; });
+    return Support::publishedInstance(m_instance, s_createMutex, [] { return new ReadySender; });
 }
 
 void CabinetSender3th::releaseInstance()
 {
-    releasePublishedInstance(m_instance);
+    Support::releasePublishedInstance(m_instance);
 }
 
 void CabinetSender3th::attachSession(ClientSession* session)

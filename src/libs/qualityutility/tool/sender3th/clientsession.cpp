@@ -5,7 +5,7 @@
 #include <QElapsedTimer>
 #include <QTcpSocket>
 #include <QThread>
-#include <qualityutility/infolog_p.h>
+#include <qualityutility/support/infolog_p.h>
 
 #include <limits>
 
@@ -33,7 +33,7 @@ ClientSession::~ClientSession()
 bool ClientSession::connectToServer(QString host, unsigned short port)
 {
     if (m_isConnected) {
-        logInfo("server ", host, "connected");
+        Support::logInfo("server ", host, "connected");
         return true;
     }
     m_host = std::move(host);
@@ -95,11 +95,11 @@ bool ClientSession::exchange(const QByteArray& request, QByteArray& reply, bool 
         qCritical() << "[ClientSession] please connect msghub server";
         return false;
     }
-    logInfo("send data ", request);
+    Support::logInfo("send data ", request);
     // One write: header and body sent apart would wait for each other's acknowledgement.
     const QByteArray frame = GetCompletePack(request);
     if (m_socket->write(frame) != HubFrame::headerLength + request.size()) {
-        logInfo("send data error");
+        Support::logInfo("send data error");
         return false;
     }
     QByteArray received;
@@ -107,8 +107,8 @@ bool ClientSession::exchange(const QByteArray& request, QByteArray& reply, bool 
     if (isAnswered)
         reply = received;
     else
-        logInfo("get failed");
-    logInfo("recv data ", received);
+        Support::logInfo("get failed");
+    Support::logInfo("recv data ", received);
     initPackData();
     return isAnswered;
 }
@@ -120,9 +120,9 @@ bool ClientSession::getResultFromCache(QByteArray& result)
     QElapsedTimer clock;
     clock.start();
     for (int i = 0; i < attempts; ++i) {
-        logInfo("wait for ", i, "second...");
+        Support::logInfo("wait for ", i, "second...");
         if (m_resultCache->take(result)) {
-            logInfo("success");
+            Support::logInfo("success");
             m_waitWithoutLimit = false;
             m_ending = Ending::Answered;
             return true;
@@ -179,7 +179,7 @@ void ClientSession::slot_Connected()
     m_reconnectTimer.stop();
     m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     m_isConnected = true;
-    logInfo("connected");
+    Support::logInfo("connected");
 }
 
 void ClientSession::slot_DisConnect()

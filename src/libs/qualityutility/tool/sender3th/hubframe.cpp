@@ -1,7 +1,7 @@
 #include "hubframe_p.h"
 
 #include <QtEndian>
-#include <qualityutility/infolog_p.h>
+#include <qualityutility/support/infolog_p.h>
 
 #include <algorithm>
 
@@ -77,9 +77,9 @@ bool Receiver::receiveHeader(QIODevice& device)
     m_header += part;
     if (m_header.size() != headerLength)
         return false;
-    logInfo("pack header read success");
+    Support::logInfo("pack header read success");
     m_bodyExpected = payloadLength(m_header);
-    logInfo("data length", m_bodyExpected);
+    Support::logInfo("data length", m_bodyExpected);
     if (m_bodyExpected > m_limit)
         spoil();
     if (m_bodyExpected > 0)
@@ -92,7 +92,7 @@ bool Receiver::receiveBody(QIODevice& device, const std::function<void(const QBy
 {
     const int characters = appendText(device.readAll(), m_body);
     if (characters == 0) {
-        logInfo("recv empty");
+        Support::logInfo("recv empty");
         return false;
     }
     if (m_bodyExpected != characters) {
@@ -116,10 +116,10 @@ bool Receiver::dropArrived(QIODevice& device)
 {
     const int size = device.readAll().size();
     if (size == 0) {
-        logInfo("recv empty");
+        Support::logInfo("recv empty");
         return false;
     }
-    logInfo("bytes dropped", size);
+    Support::logInfo("bytes dropped", size);
     return true;
 }
 
@@ -127,7 +127,7 @@ void ReplyQueue::add(const QByteArray& reply)
 {
     const QMutexLocker lock(&m_mutex);
     if (!m_replies.isEmpty() && m_bytes + cost(reply) > m_limit) {
-        logInfo("reply dropped", reply.size());
+        Support::logInfo("reply dropped", reply.size());
         return;
     }
     m_replies.append(reply);

@@ -1,3 +1,4 @@
+#include "latin1_p.h"
 #include "unnamedfile_p.h"
 #include "wholefile_p.h"
 
@@ -9,9 +10,10 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QRandomGenerator>
-#include <qualityutility/latin1_p.h>
 
 #include <cerrno>
+
+namespace Support {
 
 namespace {
 
@@ -142,3 +144,5 @@ bool UnnamedFile::fail()
     m_fault = qt_error_string(errno);
     return false;
 }
+
+} // namespace Support

@@ -17,6 +17,8 @@
 #include <filesystem>
 #include <utility>
 
+namespace Support {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -334,3 +336,5 @@ FileKind fileKind(const QString& path)
     {};
     return look(nativeName(path), found);
 }
+
+} // namespace Support

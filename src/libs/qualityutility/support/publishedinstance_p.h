@@ -5,6 +5,8 @@
 
 #include <atomic>
 
+namespace Support {
+
 /// The instance behind a singleton's getInstance(): returned at once when it is there, otherwise made by `create` under
 /// `mutex`, once however many threads ask first. The atomic pointer is what makes the look without the lock safe.
 template <typename T, typename Create>
@@ -26,3 +28,5 @@ void releasePublishedInstance(std::atomic<T*>& instance)
 {
     delete instance.exchange(nullptr, std::memory_order_acq_rel);
 }
+
+} // namespace Support

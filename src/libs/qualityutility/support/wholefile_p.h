@@ -16,6 +16,8 @@
 //
 // Any thread; they block for the file work. docs/documents.md tells users the same.
 
+namespace Support {
+
 enum class WholeFileResult { Written, OpenFailed, WriteFailed };
 
 enum class WholeFileWay {
@@ -45,3 +47,5 @@ enum class FileKind {
 };
 
 FileKind fileKind(const QString& path);
+
+} // namespace Support

@@ -15,8 +15,8 @@
 #include <QJsonDocument>
 #include <QTemporaryDir>
 #include <QTest>
+#include <qualityutility/support/wholefile_p.h>
 #include <qualityutility/tool/file/picqualityfiletool.h>
-#include <qualityutility/tool/file/wholefile_p.h>
 
 using Tool = PicQualityFileTool;
 
@@ -30,7 +30,9 @@ const Write writeCard = [](const QString& path) { return Tool::writeRvcardConfig
 
 /// A copy of the file of the same name and ".source".
 const Write copy = [](const QString& path) { return Tool::copyFile(path + ".source", path); };
-const Write moveOver = [](const QString& path) { return moveWholeFile(writeFile(path + ".finished", "{}"), path); };
+const Write moveOver = [](const QString& path) {
+    return Support::moveWholeFile(writeFile(path + ".finished", "{}"), path);
+};
 
 struct stat status(const QString& path)
 {

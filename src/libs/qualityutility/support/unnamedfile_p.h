@@ -2,6 +2,8 @@
 
 #include <QFile>
 
+namespace Support {
+
 /// A new file for `target` that has no name until it is whole: it goes with this object, and with a killed process.
 /// Where the system or the file system knows no such files, and for the moment in which an earlier file gives way, it
 /// has a name ".packing-XXXXXX" beside its place and a lock; what was left under such a name, by a process that is no
@@ -33,3 +35,5 @@ private:
     QString m_fault;
     QFile m_file;
 };
+
+} // namespace Support
