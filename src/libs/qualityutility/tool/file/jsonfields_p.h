@@ -1,99 +1,51 @@
 #pragma once
 
-#include <qualityutility/tool/file/picqualityfiletool.h>
+#include "jsonlists_p.h"
+
+#include <optional>
+#include <tuple>
+#include <utility>
 
 /// Tables of a section's members: {key, how to read it from a record, how to fill it in}. One table both writes and
-/// reads, so a key stands once. Members that a section lacks, or holds with another type, leave the record as it was.
+/// reads, so a key stands once. A table is an array or a tuple of fields. Members that a section lacks, or holds with
+/// another type, leave the record as it was.
 namespace JsonFields {
 
-template <typename Record>
-struct BoolField
+template <typename Value>
+QJsonValue toJson(const Value& value)
+{
+    if constexpr (std::is_arithmetic_v<Value>)
+        return value;
+    else
+        return JsonLists::toArray(value);
+}
+
+/// The value when it has the wanted type.
+template <typename Value>
+std::optional<Value> fromJson(const QJsonValue& value)
+{
+    if constexpr (std::is_same_v<Value, bool>)
+        return value.isBool() ? std::optional<bool>(value.toBool()) : std::nullopt;
+    else if constexpr (std::is_same_v<Value, int>)
+        return value.isDouble() ? std::optional<int>(value.toInt(0)) : std::nullopt;
+    else
+        return value.isArray() ? std::optional<Value>(JsonLists::toList<Value>(value.toArray())) : std::nullopt;
+}
+
+/// A value behind a pair of accessors.
+template <typename Record, typename Value>
+struct Field
 {
     QLatin1String key;
-    bool (Record::*get)() const;
-    void (Record::*set)(bool);
+    Value (Record::*get)() const;
+    void (Record::*set)(Value);
 
-    void write(const Record& record, QJsonObject& object) const { object.insert(key, (record.*get)()); }
+    void write(const Record& record, QJsonObject& object) const { object.insert(key, toJson((record.*get)())); }
     void read(const QJsonObject& object, Record& record) const
     {
-        const QJsonValue value = object.value(key);
-        if (value.isBool())
-            (record.*set)(value.toBool());
+        if (const auto value = fromJson<Value>(object.value(key)))
+            (record.*set)(*value);
     }
-};
-
-template <typename Record>
-struct IntField
-{
-    QLatin1String key;
-    int (Record::*get)() const;
-    void (Record::*set)(int);
-
-    void write(const Record& record, QJsonObject& object) const { object.insert(key, (record.*get)()); }
-    void read(const QJsonObject& object, Record& record) const
-    {
-        const QJsonValue value = object.value(key);
-        if (value.isDouble())
-            (record.*set)(value.toInt(0));
-    }
-};
-
-/// A plain int member.
-template <typename Record>
-struct IntMember
-{
-    QLatin1String key;
-    int Record::*member;
-
-    void write(const Record& record, QJsonObject& object) const { object.insert(key, record.*member); }
-    void read(const QJsonObject& object, Record& record) const
-    {
-        const QJsonValue value = object.value(key);
-        if (value.isDouble())
-            record.*member = value.toInt(0);
-    }
-};
-
-template <typename List>
-void writeList(const List& list, QLatin1String key, QJsonObject& object)
-{
-    // Built apart and inserted whole: an array inside an object is copied each time it is appended to.
-    QJsonArray array;
-    PicQualityFileTool::listToJsonArray(list, array);
-    object.insert(key, array);
-}
-
-template <typename List>
-void readList(const QJsonObject& object, QLatin1String key, List& list)
-{
-    const QJsonValue value = object.value(key);
-    if (value.isArray())
-        PicQualityFileTool::jsonArrayToList(value.toArray(), list);
-}
-
-inline void writeList(const PicQualityFileTool::MeasureSeries& series, QLatin1String key, QJsonObject& object)
-{
-    QJsonArray array;
-    PicQualityFileTool::mapToJsonArray(series, array);
-    object.insert(key, array);
-}
-
-inline void readList(const QJsonObject& object, QLatin1String key, PicQualityFileTool::MeasureSeries& series)
-{
-    const QJsonValue value = object.value(key);
-    if (value.isArray())
-        PicQualityFileTool::jsonArrayToMap(value.toArray(), series);
-}
-
-/// A plain list member.
-template <typename Record, typename List>
-struct ListMember
-{
-    QLatin1String key;
-    List Record::*member;
-
-    void write(const Record& record, QJsonObject& object) const { writeList(record.*member, key, object); }
-    void read(const QJsonObject& object, Record& record) const { readList(object, key, record.*member); }
 };
 
 /// A list behind a pair of accessors.
@@ -104,22 +56,85 @@ struct ListField
     const List& (Record::*get)() const;
     List& (Record::*fill)();
 
-    void write(const Record& record, QJsonObject& object) const { writeList((record.*get)(), key, object); }
-    void read(const QJsonObject& object, Record& record) const { readList(object, key, (record.*fill)()); }
+    void write(const Record& record, QJsonObject& object) const { object.insert(key, toJson((record.*get)())); }
+    void read(const QJsonObject& object, Record& record) const
+    {
+        if (auto list = fromJson<List>(object.value(key)))
+            (record.*fill)() = std::move(*list);
+    }
+};
+
+/// A plain member.
+template <typename Record, typename Value>
+struct Member
+{
+    QLatin1String key;
+    Value Record::*member;
+
+    void write(const Record& record, QJsonObject& object) const { object.insert(key, toJson(record.*member)); }
+    void read(const QJsonObject& object, Record& record) const
+    {
+        if (auto value = fromJson<Value>(object.value(key)))
+            record.*member = std::move(*value);
+    }
+};
+
+/// What comes from other producers: it is read and never written.
+template <typename Record>
+struct ForeignField
+{
+    QLatin1String key;
+    void (*take)(Record&, int);
+
+    void read(const QJsonObject& object, Record& record) const
+    {
+        if (const auto value = fromJson<int>(object.value(key)))
+            take(record, *value);
+    }
 };
 
 template <typename Fields, typename Record>
 void write(const Fields& fields, const Record& record, QJsonObject& object)
 {
-    for (const auto& field : fields)
-        field.write(record, object);
+    std::apply([&](const auto&... field) { (field.write(record, object), ...); }, fields);
 }
 
 template <typename Fields, typename Record>
 void read(const Fields& fields, const QJsonObject& object, Record& record)
 {
-    for (const auto& field : fields)
-        field.read(object, record);
+    std::apply([&](const auto&... field) { (field.read(object, record), ...); }, fields);
+}
+
+/// An object within, whose members are of the same record.
+template <typename Fields>
+struct Section
+{
+    QLatin1String key;
+    const Fields& fields;
+
+    template <typename Record>
+    void write(const Record& record, QJsonObject& object) const
+    {
+        QJsonObject section;
+        JsonFields::write(fields, record, section);
+        object.insert(key, section);
+    }
+    template <typename Record>
+    void read(const QJsonObject& object, Record& record) const
+    {
+        const QJsonValue section = object.value(key);
+        if (section.isObject())
+            JsonFields::read(fields, section.toObject(), record);
+    }
+};
+
+/// Calls `take` with the member when it is an object.
+template <typename Take>
+void readSection(const QJsonObject& object, QLatin1String key, const Take& take)
+{
+    const QJsonValue section = object.value(key);
+    if (section.isObject())
+        take(section.toObject());
 }
 
 } // namespace JsonFields

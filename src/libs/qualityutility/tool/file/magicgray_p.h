@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QJsonObject>
+
+namespace Model {
+class MagicGrayCoeffs;
+class MagicGrayParam;
+} // namespace Model
+
+/// Magic gray: a section of the fine-gray configuration; its measurements also stand at the root of the cache.
+namespace MagicGray {
+
+QJsonObject toJson(const Model::MagicGrayCoeffs& coeffs);
+/// The thirteen measurement members alone.
+void writeMeasures(const Model::MagicGrayCoeffs& coeffs, QJsonObject& object);
+void read(const QJsonObject& object, Model::MagicGrayCoeffs& coeffs, Model::MagicGrayParam& param);
+
+} // namespace MagicGray
