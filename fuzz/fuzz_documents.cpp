@@ -1,5 +1,5 @@
-// Every reader and updater on one document. What an updater leaves must be readable again. Some changes put a number at
-// the edge of a type in the place of another: changing digits one by one hardly ever leads there.
+// Every reader and updater on one document, and the check. What an updater leaves must be readable again. Some changes
+// put a number at the edge of a type in the place of another: changing digits one by one hardly ever leads there.
 
 #include "fuzzing.h"
 
@@ -10,6 +10,8 @@
 #include <suite/model/magicgraycoeffs.h>
 #include <suite/model/magicgrayparam.h>
 
+#include <QJsonDocument>
+#include <qualityutility/tool/file/documentcheck.h>
 #include <qualityutility/tool/file/picqualityfiletool.h>
 
 #include <algorithm>
@@ -84,6 +86,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     const QString path = Fuzzing::instance().file("document", data, size);
     readAll(path);
+    const QByteArray content(reinterpret_cast<const char*>(data), static_cast<int>(size));
+    DocumentCheck::check(QJsonDocument::fromJson(content).object());
     Model::FineGrayAdvanceParam advance;
     advance.wMeasure.resize(1);
     const bool isUpdated = Tool::updateGrayStateConfig(path, {}, {}) && Tool::updateMGGrayConfig(path, {}, {}) &&

@@ -68,7 +68,7 @@ seed("archive", "drive", archive([("f/C:a", "1")]))
 seed("archive", "comment", archive([("a", "1")])[:-2] + b"\xff\xff" + archive([]) + b"-" * (0xffff - 22))
 
 words = set()
-for source in (ROOT / "src").rglob("*.cpp"):
-    if source.parts[-2] in ("file", "resource", "service", "simulator", "sender3th"):
+for source in (ROOT / "src").rglob("*"):
+    if source.suffix in (".cpp", ".h") and source.parts[-2] in ("file", "resource", "service", "simulator", "sender3th"):
         words |= set(re.findall(r'"([A-Za-z][A-Za-z0-9]{1,30})"', source.read_text()))
 (OUT / "words.dict").write_text("".join(f'"{word}"\n' for word in sorted(words)))

@@ -12,6 +12,10 @@ namespace FineGrayCache {
 
 using FineGrayConfig::Measures;
 
+DocumentKind kind();
+/// The same document when it holds no more than measurements yet.
+DocumentKind kindOfMeasuresAlone();
+
 bool write(const QString& path, const Measures& measures);
 bool update(const QString& path, const Model::FineGrayAdvanceParam& advance);
 bool update(const QString& path, const Model::MagicGrayCoeffs& magicGray);

@@ -12,31 +12,31 @@ namespace FineGrayConfig {
 
 namespace {
 
-using JsonFields::Member;
+using JsonFields::PlainField;
 using Model::FineGrayCoeffs;
 using Support::latin1;
 
-constexpr QLatin1String grayEffectKey = latin1("grayEffectPara");
-constexpr QLatin1String grayDetailKey = latin1("grayDetailPara");
-constexpr QLatin1String magicGrayKey = latin1("mgData");
+constexpr JsonColumn grayEffect{latin1("grayEffectPara"), JsonColumn::Type::Object};
+constexpr JsonColumn grayDetail{latin1("grayDetailPara"), JsonColumn::Type::Object};
+constexpr JsonColumn magicGraySection{latin1("mgData"), JsonColumn::Type::Object};
 
-constexpr std::array<Member<Measures, QList<Model::LXY>>, 3> measureFields{{
-    {latin1("rMeasure"), &Measures::red},
-    {latin1("gMeasure"), &Measures::green},
-    {latin1("bMeasure"), &Measures::blue},
+constexpr std::array<PlainField<Measures, QList<Model::LXY>>, 3> measureFields{{
+    {latin1("rMeasure"), &Measures::red, 1},
+    {latin1("gMeasure"), &Measures::green, 1},
+    {latin1("bMeasure"), &Measures::blue, 1},
 }};
 
-constexpr std::array<Member<FineGrayCoeffs, std::vector<unsigned char>>, 4> coeffFields{{
-    {redCoeffsKey, &FineGrayCoeffs::rGrayCoeffs},
-    {greenCoeffsKey, &FineGrayCoeffs::gGrayCoeffs},
-    {blueCoeffsKey, &FineGrayCoeffs::bGrayCoeffs},
-    {latin1("magnitudes"), &FineGrayCoeffs::magnitudes},
+constexpr std::array<PlainField<FineGrayCoeffs, std::vector<unsigned char>>, 4> coeffFields{{
+    {redCoeffsKey, &FineGrayCoeffs::rGrayCoeffs, 2},
+    {greenCoeffsKey, &FineGrayCoeffs::gGrayCoeffs, 2},
+    {blueCoeffsKey, &FineGrayCoeffs::bGrayCoeffs, 2},
+    {latin1("magnitudes"), &FineGrayCoeffs::magnitudes, 2},
 }};
 
-constexpr auto switchFields = std::make_tuple(Member<Switches, bool>{latin1("openGray"), &Switches::openGray},
-                                              Member<Switches, bool>{latin1("openXbit"), &Switches::openXbit},
-                                              Member<Switches, int>{latin1("xbitType"), &Switches::xbitType},
-                                              Member<Switches, bool>{latin1("open18bit"), &Switches::open18bit});
+constexpr auto switchFields = std::make_tuple(PlainField<Switches, bool>{latin1("openGray"), &Switches::openGray},
+                                              PlainField<Switches, bool>{latin1("openXbit"), &Switches::openXbit},
+                                              PlainField<Switches, int>{latin1("xbitType"), &Switches::xbitType},
+                                              PlainField<Switches, bool>{latin1("open18bit"), &Switches::open18bit});
 
 QJsonObject toRoot(const Measures& measures, const FineGrayCoeffs& coeffs)
 {
@@ -47,6 +47,27 @@ QJsonObject toRoot(const Measures& measures, const FineGrayCoeffs& coeffs)
 }
 
 } // namespace
+
+DocumentKind kind()
+{
+    const auto own = JsonFields::join({{grayEffect, GrayState::effectMembers()},
+                                       {grayDetail, GrayState::detailMembers()},
+                                       {magicGraySection, MagicGray::members()}},
+                                      JsonFields::membersOf(switchFields));
+    return {QStringLiteral("fine-gray configuration"),
+            JsonFields::keysOf(JsonFields::join(JsonFields::membersOf(coeffFields), own)),
+            JsonFields::join(commonMembers(), own)};
+}
+
+std::vector<JsonMember> measureMembers()
+{
+    return JsonFields::membersOf(measureFields);
+}
+
+std::vector<JsonMember> commonMembers()
+{
+    return JsonFields::membersOf(measureFields, coeffFields);
+}
 
 void writeMeasures(const Measures& measures, QJsonObject& root)
 {
@@ -71,14 +92,14 @@ bool update(const QString& path, const std::function<void(QJsonObject& root)>& c
 bool updateGrayState(const QString& path, const Model::GrayEffectPara& effect, const Model::GrayDetailPara& detail)
 {
     return update(path, [&](QJsonObject& root) {
-        root.insert(grayEffectKey, GrayState::toJson(effect));
-        root.insert(grayDetailKey, GrayState::toJson(detail));
+        root.insert(grayEffect.key, GrayState::toJson(effect));
+        root.insert(grayDetail.key, GrayState::toJson(detail));
     });
 }
 
 bool updateMagicGray(const QString& path, const Model::MagicGrayCoeffs& coeffs)
 {
-    return update(path, [&](QJsonObject& root) { root.insert(magicGrayKey, MagicGray::toJson(coeffs)); });
+    return update(path, [&](QJsonObject& root) { root.insert(magicGraySection.key, MagicGray::toJson(coeffs)); });
 }
 
 bool read(const QString& path, Measures& measures, FineGrayCoeffs& coeffs, Switches& switches)
@@ -97,9 +118,9 @@ bool read(const QString& path, Measures& measures, FineGrayCoeffs& coeffs, Model
     return DocumentFile::read(path, [&](const QJsonObject& root) {
         readMeasures(root, measures);
         JsonFields::read(coeffFields, root, coeffs);
-        readSection(root, grayEffectKey, [&](const QJsonObject& section) { GrayState::read(section, effect); });
-        readSection(root, grayDetailKey, [&](const QJsonObject& section) { GrayState::read(section, detail); });
-        readSection(root, magicGrayKey,
+        readSection(root, grayEffect.key, [&](const QJsonObject& section) { GrayState::read(section, effect); });
+        readSection(root, grayDetail.key, [&](const QJsonObject& section) { GrayState::read(section, detail); });
+        readSection(root, magicGraySection.key,
                     [&](const QJsonObject& section) { MagicGray::read(section, magicGray, param); });
     });
 }

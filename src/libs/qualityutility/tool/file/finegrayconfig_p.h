@@ -1,6 +1,6 @@
 #pragma once
 
-#include <suite/model/lxy.h>
+#include "jsoncolumn_p.h"
 
 #include <QJsonObject>
 #include <QList>
@@ -41,6 +41,11 @@ struct Switches
     int xbitType = 0;
     bool open18bit = false;
 };
+
+DocumentKind kind();
+/// Of a configuration and a cache: the measurements alone, and with the correction tables.
+std::vector<JsonMember> measureMembers();
+std::vector<JsonMember> commonMembers();
 
 void writeMeasures(const Measures& measures, QJsonObject& root);
 void readMeasures(const QJsonObject& root, Measures& measures);

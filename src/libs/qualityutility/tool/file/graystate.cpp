@@ -44,6 +44,16 @@ constexpr DetailSwitch toneMapping{latin1("switchINVTMO"), &GrayDetailPara::getI
 
 } // namespace
 
+std::vector<JsonMember> effectMembers()
+{
+    return JsonFields::membersOf(effectFields);
+}
+
+std::vector<JsonMember> detailMembers()
+{
+    return JsonFields::membersOf(detailFields, std::tie(peakValid), peakFields, std::tie(toneMapping));
+}
+
 QJsonObject toJson(const GrayEffectPara& effect)
 {
     QJsonObject object;

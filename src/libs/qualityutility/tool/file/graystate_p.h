@@ -1,5 +1,7 @@
 #pragma once
 
+#include "jsoncolumn_p.h"
+
 #include <QJsonObject>
 
 namespace Model {
@@ -9,6 +11,9 @@ class GrayEffectPara;
 
 /// The gray state's two sections of the fine-gray configuration.
 namespace GrayState {
+
+std::vector<JsonMember> effectMembers();
+std::vector<JsonMember> detailMembers();
 
 QJsonObject toJson(const Model::GrayEffectPara& effect);
 QJsonObject toJson(const Model::GrayDetailPara& detail);

@@ -6,9 +6,10 @@
 #include <tuple>
 #include <utility>
 
-/// Tables of a section's members: {key, how to read it from a record, how to fill it in}. One table both writes and
-/// reads, so a key stands once. A table is an array or a tuple of fields. Members that a section lacks, or holds with
-/// another type, leave the record as it was.
+/// Tables of a section's members: {key, how to read it from a record, how to fill it in, its group of equal lengths}.
+/// One table writes, reads and checks, so a key stands once. A table is an array or a tuple of fields; what is read in
+/// a way of its own has a plain column in it. Members that a section lacks, or holds with another type, leave the
+/// record as it was.
 namespace JsonFields {
 
 template <typename Value>
@@ -40,6 +41,7 @@ struct Field
     Value (Record::*get)() const;
     void (Record::*set)(Value);
 
+    JsonMember member() const { return {columnOf<Value>(key)}; }
     void write(const Record& record, QJsonObject& object) const { object.insert(key, toJson((record.*get)())); }
     void read(const QJsonObject& object, Record& record) const
     {
@@ -55,7 +57,9 @@ struct ListField
     QLatin1String key;
     const List& (Record::*get)() const;
     List& (Record::*fill)();
+    int lengthGroup = 0;
 
+    JsonMember member() const { return {columnOf<List>(key, lengthGroup)}; }
     void write(const Record& record, QJsonObject& object) const { object.insert(key, toJson((record.*get)())); }
     void read(const QJsonObject& object, Record& record) const
     {
@@ -66,16 +70,18 @@ struct ListField
 
 /// A plain member.
 template <typename Record, typename Value>
-struct Member
+struct PlainField
 {
     QLatin1String key;
-    Value Record::*member;
+    Value Record::*value;
+    int lengthGroup = 0;
 
-    void write(const Record& record, QJsonObject& object) const { object.insert(key, toJson(record.*member)); }
+    JsonMember member() const { return {columnOf<Value>(key, lengthGroup)}; }
+    void write(const Record& record, QJsonObject& object) const { object.insert(key, toJson(record.*value)); }
     void read(const QJsonObject& object, Record& record) const
     {
-        if (auto value = fromJson<Value>(object.value(key)))
-            record.*member = std::move(*value);
+        if (auto found = fromJson<Value>(object.value(key)))
+            record.*value = std::move(*found);
     }
 };
 
@@ -86,6 +92,7 @@ struct ForeignField
     QLatin1String key;
     void (*take)(Record&, int);
 
+    JsonMember member() const { return {columnOf<int>(key)}; }
     void read(const QJsonObject& object, Record& record) const
     {
         if (const auto value = fromJson<int>(object.value(key)))
@@ -105,6 +112,41 @@ void read(const Fields& fields, const QJsonObject& object, Record& record)
     std::apply([&](const auto&... field) { (field.read(object, record), ...); }, fields);
 }
 
+inline JsonMember memberOf(const JsonColumn& column)
+{
+    return {column};
+}
+
+template <typename Field>
+JsonMember memberOf(const Field& field)
+{
+    return field.member();
+}
+
+/// What an object of these tables may hold, in their order.
+template <typename... Tables>
+std::vector<JsonMember> membersOf(const Tables&... tables)
+{
+    std::vector<JsonMember> members;
+    const auto add = [&members](const auto&... field) { (members.push_back(memberOf(field)), ...); };
+    (std::apply(add, tables), ...);
+    return members;
+}
+
+inline std::vector<QLatin1String> keysOf(const std::vector<JsonMember>& members)
+{
+    std::vector<QLatin1String> keys;
+    for (const JsonMember& member : members)
+        keys.push_back(member.column.key);
+    return keys;
+}
+
+inline std::vector<JsonMember> join(std::vector<JsonMember> first, const std::vector<JsonMember>& second)
+{
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
 /// An object within, whose members are of the same record.
 template <typename Fields>
 struct Section
@@ -112,6 +154,7 @@ struct Section
     QLatin1String key;
     const Fields& fields;
 
+    JsonMember member() const { return {{key, JsonColumn::Type::Object}, membersOf(fields)}; }
     template <typename Record>
     void write(const Record& record, QJsonObject& object) const
     {

@@ -18,25 +18,28 @@ QJsonObject toObject(const Model::LXY& point)
 {
     // Filling in a copy spares the growing that building an object key by key costs; documents have thousands of
     // points.
-    static const QJsonObject blank{{lumKey, 0.0}, {xKey, 0.0}, {yKey, 0.0}};
+    static const QJsonObject blank{{lumColumn.key, 0.0}, {xColumn.key, 0.0}, {yColumn.key, 0.0}};
     QJsonObject object = blank;
-    object.insert(lumKey, point.lum);
-    object.insert(xKey, point.x);
-    object.insert(yKey, point.y);
+    object.insert(lumColumn.key, point.lum);
+    object.insert(xColumn.key, point.x);
+    object.insert(yColumn.key, point.y);
     return object;
 }
 
 Model::LXY toPoint(const QJsonObject& object)
 {
     // Read directly: a variant map per point would cost more than parsing the document.
-    return {toDouble(object.value(lumKey)), toDouble(object.value(xKey)), toDouble(object.value(yKey)), {}};
+    return {toDouble(object.value(lumColumn.key)),
+            toDouble(object.value(xColumn.key)),
+            toDouble(object.value(yColumn.key)),
+            {}};
 }
 
 QJsonArray toArray(const PointSeries& series)
 {
     QJsonArray array;
     for (const auto& [index, points] : series)
-        array.append(QJsonObject{{measureKey, toArray(points)}});
+        array.append(QJsonObject{{measureColumn.key, toArray(points)}});
     return array;
 }
 
@@ -46,7 +49,7 @@ PointSeries toList<PointSeries>(const QJsonArray& array)
     PointSeries series;
     int index = 0;
     for (const QJsonValue value : array) {
-        const QJsonValue points = value.toObject().value(measureKey);
+        const QJsonValue points = value.toObject().value(measureColumn.key);
         if (points.isArray())
             series[index++] = toList<std::vector<Model::LXY>>(points.toArray());
     }

@@ -1,14 +1,12 @@
 #pragma once
 
-#include <suite/model/lxy.h>
+#include "jsoncolumn_p.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
 #include <qualityutility/support/latin1_p.h>
 
 #include <map>
-#include <type_traits>
-#include <vector>
 
 /// Lists to and from JSON arrays, points to and from JSON objects. How elements convert is PicQualityFileTool's to say:
 /// its conversions are these.
@@ -16,10 +14,11 @@ namespace JsonLists {
 
 using PointSeries = std::map<int, std::vector<Model::LXY>>;
 
-constexpr QLatin1String lumKey = Support::latin1("lum");
-constexpr QLatin1String xKey = Support::latin1("x");
-constexpr QLatin1String yKey = Support::latin1("y");
-constexpr QLatin1String measureKey = Support::latin1("measure");
+constexpr JsonColumn lumColumn{Support::latin1("lum"), JsonColumn::Type::Number, 0};
+constexpr JsonColumn xColumn{Support::latin1("x"), JsonColumn::Type::Number, 0, 1};
+constexpr JsonColumn yColumn{Support::latin1("y"), JsonColumn::Type::Number, 0, 1};
+/// The points of a series.
+constexpr auto measureColumn = columnOf<std::vector<Model::LXY>>(Support::latin1("measure"));
 
 QJsonObject toObject(const Model::LXY& point);
 Model::LXY toPoint(const QJsonObject& object);

@@ -20,28 +20,28 @@ using Series = JsonFields::ListField<MagicGrayCoeffs, MagicGrayCoeffs::PointSeri
 using Table = JsonFields::ListField<MagicGrayCoeffs, MagicGrayCoeffs::Table>;
 
 constexpr std::array<Points, 9> pointFields{{
-    {latin1("rMG0Measure"), &MagicGrayCoeffs::getR0Measures, &MagicGrayCoeffs::getR0Measures},
-    {latin1("gMG0Measure"), &MagicGrayCoeffs::getG0Measures, &MagicGrayCoeffs::getG0Measures},
-    {latin1("bMG0Measure"), &MagicGrayCoeffs::getB0Measures, &MagicGrayCoeffs::getB0Measures},
-    {latin1("rMG1Measure"), &MagicGrayCoeffs::getR1Measures, &MagicGrayCoeffs::getR1Measures},
-    {latin1("gMG1Measure"), &MagicGrayCoeffs::getG1Measures, &MagicGrayCoeffs::getG1Measures},
-    {latin1("bMG1Measure"), &MagicGrayCoeffs::getB1Measures, &MagicGrayCoeffs::getB1Measures},
-    {latin1("rMGFirstMeasure"), &MagicGrayCoeffs::getFirstRMeasures, &MagicGrayCoeffs::getFirstRMeasures},
-    {latin1("gMGFirstMeasure"), &MagicGrayCoeffs::getFirstGMeasures, &MagicGrayCoeffs::getFirstGMeasures},
-    {latin1("bMGFirstMeasure"), &MagicGrayCoeffs::getFirstBMeasures, &MagicGrayCoeffs::getFirstBMeasures},
+    {latin1("rMG0Measure"), &MagicGrayCoeffs::getR0Measures, &MagicGrayCoeffs::getR0Measures, 3},
+    {latin1("gMG0Measure"), &MagicGrayCoeffs::getG0Measures, &MagicGrayCoeffs::getG0Measures, 3},
+    {latin1("bMG0Measure"), &MagicGrayCoeffs::getB0Measures, &MagicGrayCoeffs::getB0Measures, 3},
+    {latin1("rMG1Measure"), &MagicGrayCoeffs::getR1Measures, &MagicGrayCoeffs::getR1Measures, 4},
+    {latin1("gMG1Measure"), &MagicGrayCoeffs::getG1Measures, &MagicGrayCoeffs::getG1Measures, 4},
+    {latin1("bMG1Measure"), &MagicGrayCoeffs::getB1Measures, &MagicGrayCoeffs::getB1Measures, 4},
+    {latin1("rMGFirstMeasure"), &MagicGrayCoeffs::getFirstRMeasures, &MagicGrayCoeffs::getFirstRMeasures, 5},
+    {latin1("gMGFirstMeasure"), &MagicGrayCoeffs::getFirstGMeasures, &MagicGrayCoeffs::getFirstGMeasures, 5},
+    {latin1("bMGFirstMeasure"), &MagicGrayCoeffs::getFirstBMeasures, &MagicGrayCoeffs::getFirstBMeasures, 5},
 }};
 
 constexpr std::array<Series, 4> seriesFields{{
-    {latin1("rMGMeasure"), &MagicGrayCoeffs::getACRMeasures, &MagicGrayCoeffs::getACRMeasures},
-    {latin1("gMGMeasure"), &MagicGrayCoeffs::getACGMeasures, &MagicGrayCoeffs::getACGMeasures},
-    {latin1("bMGMeasure"), &MagicGrayCoeffs::getACBMeasures, &MagicGrayCoeffs::getACBMeasures},
+    {latin1("rMGMeasure"), &MagicGrayCoeffs::getACRMeasures, &MagicGrayCoeffs::getACRMeasures, 6},
+    {latin1("gMGMeasure"), &MagicGrayCoeffs::getACGMeasures, &MagicGrayCoeffs::getACGMeasures, 6},
+    {latin1("bMGMeasure"), &MagicGrayCoeffs::getACBMeasures, &MagicGrayCoeffs::getACBMeasures, 6},
     {latin1("wMGMeasure"), &MagicGrayCoeffs::getWhiteMeasures, &MagicGrayCoeffs::getWhiteMeasures},
 }};
 
 constexpr std::array<Table, 3> tableFields{{
     {latin1("mgCurrentLUTs"), &MagicGrayCoeffs::getCurrentLUTs, &MagicGrayCoeffs::getCurrentLUTs},
-    {latin1("mgComGainLUTOdd"), &MagicGrayCoeffs::getComGainLUTOdd, &MagicGrayCoeffs::getComGainLUTOdd},
-    {latin1("mgComGainLUTEven"), &MagicGrayCoeffs::getComGainLUTEven, &MagicGrayCoeffs::getComGainLUTEven},
+    {latin1("mgComGainLUTOdd"), &MagicGrayCoeffs::getComGainLUTOdd, &MagicGrayCoeffs::getComGainLUTOdd, 7},
+    {latin1("mgComGainLUTEven"), &MagicGrayCoeffs::getComGainLUTEven, &MagicGrayCoeffs::getComGainLUTEven, 7},
 }};
 
 void setBaseScale(MagicGrayParam& param, int bits)
@@ -62,6 +62,16 @@ constexpr std::array<JsonFields::ForeignField<MagicGrayParam>, 2> paramFields{{
 }};
 
 } // namespace
+
+std::vector<JsonMember> members()
+{
+    return JsonFields::membersOf(pointFields, seriesFields, tableFields, paramFields);
+}
+
+std::vector<JsonMember> measureMembers()
+{
+    return JsonFields::membersOf(pointFields, seriesFields);
+}
 
 QJsonObject toJson(const MagicGrayCoeffs& coeffs)
 {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "jsoncolumn_p.h"
+
 #include <QJsonObject>
 
 namespace Model {
@@ -9,6 +11,10 @@ class MagicGrayParam;
 
 /// Magic gray: a section of the fine-gray configuration; its measurements also stand at the root of the cache.
 namespace MagicGray {
+
+/// Of the section, and the thirteen measurement members alone.
+std::vector<JsonMember> members();
+std::vector<JsonMember> measureMembers();
 
 QJsonObject toJson(const Model::MagicGrayCoeffs& coeffs);
 /// The thirteen measurement members alone.

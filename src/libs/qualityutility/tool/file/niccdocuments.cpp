@@ -1,6 +1,8 @@
 // The NICC documents of PicQualityFileTool.
 
 #include "documentfile_p.h"
+#include "jsonfields_p.h"
+#include "niccdocuments_p.h"
 #include "picqualityfiletool.h"
 
 #include <suite/action/commonconfigaction.h>
@@ -10,7 +12,8 @@
 #include <QJsonDocument>
 #include <qualityutility/data/nicccoeffs.h>
 #include <qualityutility/data/niccdata.h>
-#include <qualityutility/support/latin1_p.h>
+
+#include <array>
 
 namespace {
 
@@ -18,33 +21,35 @@ using Model::ColorGamutInfo;
 using Support::latin1;
 
 // The odd spellings are the documents' own.
-constexpr QLatin1String versionKey = latin1("vesion");
-constexpr QLatin1String timeKey = latin1("Time");
-constexpr QLatin1String ledGamutKey = latin1("LEDColorGamnut");
-constexpr QLatin1String targetGamutKey = latin1("TargetColorGamnut");
-constexpr QLatin1String isOpenKey = latin1("IsOpen");
-constexpr QLatin1String usedIndexKey = latin1("UsedIndex");
+constexpr auto version = columnOf<QString>(latin1("vesion"));
+constexpr auto day = columnOf<QString>(latin1("Time"));
+constexpr JsonColumn ledGamut{latin1("LEDColorGamnut"), JsonColumn::Type::Object};
+constexpr JsonColumn targetGamut{latin1("TargetColorGamnut"), JsonColumn::Type::Object};
+constexpr auto openSwitch = columnOf<bool>(latin1("IsOpen"));
+constexpr auto usedIndex = columnOf<int>(latin1("UsedIndex"));
 
-constexpr QLatin1String nameKey = latin1("name");
-constexpr QLatin1String coverKey = latin1("Cover");
-constexpr QLatin1String orgCoverKey = latin1("OrgCover");
+constexpr auto gamutName = columnOf<QString>(latin1("name"));
+constexpr auto cover = columnOf<double>(latin1("Cover"));
+constexpr auto orgCover = columnOf<double>(latin1("OrgCover"));
 
-constexpr QLatin1String gamutNameKey = latin1("GamutName");
-constexpr QLatin1String temperatureKey = latin1("Temperature");
-constexpr QLatin1String fromInputKey = latin1("FromInputStatus");
+constexpr auto newName = columnOf<QString>(latin1("GamutName"));
+constexpr auto newTemperature = columnOf<int>(latin1("Temperature"));
+constexpr JsonColumn newFromInput{latin1("FromInputStatus"), JsonColumn::Type::Int, smallestInt, largestInt};
 
 struct GamutPoint
 {
     QLatin1String key;
-    Model::LXY ColorGamutInfo::*member;
+    Model::LXY ColorGamutInfo::*point;
+
+    JsonMember member() const { return {columnOf<Model::LXY>(key)}; }
 };
 
-constexpr GamutPoint gamutPoints[] = {
+constexpr std::array<GamutPoint, 4> gamutPoints{{
     {latin1("RedPoint"), &ColorGamutInfo::rLxy},
     {latin1("GreenPoint"), &ColorGamutInfo::gLxy},
     {latin1("BluePoint"), &ColorGamutInfo::bLxy},
     {latin1("WhitePoint"), &ColorGamutInfo::wLxy},
-};
+}};
 
 /// The standard gamut of an index in a document of another version.
 void takeStandardGamut(int index, ColorGamutInfo& target, bool& isOpen)
@@ -61,6 +66,21 @@ void takeStandardGamut(int index, ColorGamutInfo& target, bool& isOpen)
 
 } // namespace
 
+DocumentKind NiccDocuments::configuration()
+{
+    const auto gamut = JsonFields::membersOf(gamutPoints, std::tie(gamutName, cover, orgCover));
+    return {QStringLiteral("NICC configuration"),
+            {ledGamut.key, targetGamut.key},
+            {{version}, {day}, {ledGamut, gamut}, {targetGamut, gamut}, {openSwitch}, {usedIndex}}};
+}
+
+DocumentKind NiccDocuments::newNicc()
+{
+    return {QStringLiteral("new-NICC document"),
+            {newName.key, newFromInput.key},
+            {{newName}, {newTemperature}, {newFromInput}}};
+}
+
 // NICC configuration
 
 bool PicQualityFileTool::writeNiccConfig(const QString& path, const ColorGamutInfo& led, const ColorGamutInfo& target)
@@ -73,10 +93,10 @@ bool PicQualityFileTool::writeNiccConfig(const QString& path, const ColorGamutIn
 void PicQualityFileTool::writeNicc(const ColorGamutInfo& led, const ColorGamutInfo& target, QByteArray& out)
 {
     const NICCData& data = *NICCData::getInstance();
-    out = QJsonDocument(QJsonObject{{versionKey, data.getVersion()},
-                                    {timeKey, data.getManageDate().toString(Qt::ISODate)},
-                                    {ledGamutKey, ColorGamutToJson(led, true)},
-                                    {targetGamutKey, ColorGamutToJson(target, false)}})
+    out = QJsonDocument(QJsonObject{{version.key, data.getVersion()},
+                                    {day.key, data.getManageDate().toString(Qt::ISODate)},
+                                    {ledGamut.key, ColorGamutToJson(led, true)},
+                                    {targetGamut.key, ColorGamutToJson(target, false)}})
               .toJson(QJsonDocument::Indented);
 }
 
@@ -86,34 +106,34 @@ bool PicQualityFileTool::readNiccConfig(const QString& path, ColorGamutInfo& led
     return DocumentFile::readJson(path, [&](const QJsonObject& root) {
         const QVariantMap map = root.toVariantMap();
         NICCData& data = *NICCData::getInstance();
-        data.setManageDate(QDate::fromString(map.value(timeKey).toString(), Qt::ISODate));
-        if (map.contains(ledGamutKey))
-            led = getColorGamut(map.value(ledGamutKey).toMap());
-        if (map.contains(targetGamutKey))
-            target = getColorGamut(map.value(targetGamutKey).toMap());
-        if (map.contains(isOpenKey))
-            isOpen = map.value(isOpenKey).toBool();
-        if (!map.contains(versionKey))
+        data.setManageDate(QDate::fromString(map.value(day.key).toString(), Qt::ISODate));
+        if (map.contains(ledGamut.key))
+            led = getColorGamut(map.value(ledGamut.key).toMap());
+        if (map.contains(targetGamut.key))
+            target = getColorGamut(map.value(targetGamut.key).toMap());
+        if (map.contains(openSwitch.key))
+            isOpen = map.value(openSwitch.key).toBool();
+        if (!map.contains(version.key))
             return;
-        versionChanged = map.value(versionKey).toString() != data.getVersion();
-        if (versionChanged && map.contains(usedIndexKey))
-            takeStandardGamut(map.value(usedIndexKey).toInt(), target, isOpen);
+        versionChanged = map.value(version.key).toString() != data.getVersion();
+        if (versionChanged && map.contains(usedIndex.key))
+            takeStandardGamut(map.value(usedIndex.key).toInt(), target, isOpen);
     });
 }
 
 bool PicQualityFileTool::updateNiccOpenConfig(const QString& path, bool isOpen)
 {
     return DocumentFile::isPresent(path) &&
-           DocumentFile::update(path, {}, [isOpen](QJsonObject& root) { root.insert(isOpenKey, isOpen); });
+           DocumentFile::update(path, {}, [isOpen](QJsonObject& root) { root.insert(openSwitch.key, isOpen); });
 }
 
 QJsonObject PicQualityFileTool::ColorGamutToJson(const ColorGamutInfo& gamut, bool isLed)
 {
     QJsonObject object;
     for (const GamutPoint& point : gamutPoints)
-        object.insert(point.key, lxyToJson(gamut.*point.member));
+        object.insert(point.key, lxyToJson(gamut.*point.point));
     if (!isLed)
-        object.insert(nameKey, QString::fromStdString(gamut.name));
+        object.insert(gamutName.key, QString::fromStdString(gamut.name));
     return object;
 }
 
@@ -121,13 +141,13 @@ ColorGamutInfo PicQualityFileTool::getColorGamut(const QMap<QString, QVariant>& 
 {
     ColorGamutInfo gamut;
     for (const GamutPoint& point : gamutPoints)
-        gamut.*point.member = getLxy(map.value(point.key).toMap());
-    if (map.contains(coverKey))
-        gamut.cover = map.value(coverKey).toDouble();
-    if (map.contains(orgCoverKey))
-        gamut.orgCover = map.value(orgCoverKey).toDouble();
-    if (map.contains(nameKey))
-        gamut.name = map.value(nameKey).toString().toStdString();
+        gamut.*point.point = getLxy(map.value(point.key).toMap());
+    if (map.contains(cover.key))
+        gamut.cover = map.value(cover.key).toDouble();
+    if (map.contains(orgCover.key))
+        gamut.orgCover = map.value(orgCover.key).toDouble();
+    if (map.contains(gamutName.key))
+        gamut.name = map.value(gamutName.key).toString().toStdString();
     return gamut;
 }
 
@@ -135,9 +155,9 @@ ColorGamutInfo PicQualityFileTool::getColorGamut(const QMap<QString, QVariant>& 
 
 void PicQualityFileTool::writeNewNicc(const std::string& name, int temperature, int fromInput, QByteArray& out)
 {
-    out = QJsonDocument(QJsonObject{{gamutNameKey, QString::fromStdString(name)},
-                                    {temperatureKey, temperature},
-                                    {fromInputKey, fromInput}})
+    out = QJsonDocument(QJsonObject{{newName.key, QString::fromStdString(name)},
+                                    {newTemperature.key, temperature},
+                                    {newFromInput.key, fromInput}})
               .toJson(QJsonDocument::Indented);
 }
 
@@ -145,12 +165,12 @@ bool PicQualityFileTool::readNewNicc(const QString& path, std::string& name, int
 {
     return DocumentFile::readJson(path, [&](const QJsonObject& root) {
         const QVariantMap map = root.toVariantMap();
-        if (map.contains(gamutNameKey))
-            name = map.value(gamutNameKey).toString().toStdString();
-        if (map.contains(temperatureKey))
-            temperature = map.value(temperatureKey).toInt();
-        if (map.contains(fromInputKey))
-            fromInput = map.value(fromInputKey).toInt();
+        if (map.contains(newName.key))
+            name = map.value(newName.key).toString().toStdString();
+        if (map.contains(newTemperature.key))
+            temperature = map.value(newTemperature.key).toInt();
+        if (map.contains(newFromInput.key))
+            fromInput = map.value(newFromInput.key).toInt();
         if (fromInput != 0)
             name = "From input";
     });

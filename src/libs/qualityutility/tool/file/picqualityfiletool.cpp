@@ -138,7 +138,7 @@ QJsonObject PicQualityFileTool::lxyToJson(const LXY& point)
 LXY getLxy(QMap<QString, QVariant> map)
 {
     const auto number = [&](QLatin1String key) { return map[key].toDouble(); };
-    return {number(JsonLists::lumKey), number(JsonLists::xKey), number(JsonLists::yKey), {}};
+    return {number(JsonLists::lumColumn.key), number(JsonLists::xColumn.key), number(JsonLists::yColumn.key), {}};
 }
 
 void PicQualityFileTool::mapToJsonArray(const MeasureSeries& series, QJsonArray& out)
