@@ -2,10 +2,9 @@
 
 #include "decimaltext_p.h"
 
-#include <suite/model/colorgamutinfo.h>
-
 #include <QDebug>
 #include <QJsonDocument>
+#include <qualityutility/support/gamutpoints_p.h>
 #include <qualityutility/support/publishedinstance_p.h>
 
 namespace CabinetSenderSpace {
@@ -60,6 +59,14 @@ HubFailure judge(const QByteArray& reply, QJsonParseError& error)
 QByteArray commandText(const QJsonObject& command)
 {
     return QJsonDocument(command).toJson(QJsonDocument::Indented);
+}
+
+QJsonObject pointsOf(const Model::ColorGamutInfo& info, CabinetSender3th& sender)
+{
+    QJsonObject points;
+    for (const Support::GamutPoint& entry : Support::gamutPoints)
+        points.insert(QLatin1String(entry.key), sender.getLXYOb(info.*entry.point));
+    return points;
 }
 
 } // namespace
@@ -159,11 +166,9 @@ int CabinetSender3th::setGrayScaleTable(const CabinetTargetMap&, const QList<uns
 
 int CabinetSender3th::uploadNiccData(const CabinetTargetMap&, const Model::ColorGamutInfo& info)
 {
-    return sendCommand(SetNicc, {{QStringLiteral("name"), QString::fromStdString(info.name)},
-                                 {QStringLiteral("rLxy"), getLXYOb(info.rLxy)},
-                                 {QStringLiteral("gLxy"), getLXYOb(info.gLxy)},
-                                 {QStringLiteral("bLxy"), getLXYOb(info.bLxy)},
-                                 {QStringLiteral("wLxy"), getLXYOb(info.wLxy)}});
+    QJsonObject data = pointsOf(info, *this);
+    data.insert(QStringLiteral("name"), QString::fromStdString(info.name));
+    return sendCommand(SetNicc, data);
 }
 
 int CabinetSender3th::setColorManageMode(const CabinetTargetMap&, const Model::ColorGamutInfo&)
@@ -173,10 +178,7 @@ int CabinetSender3th::setColorManageMode(const CabinetTargetMap&, const Model::C
 
 int CabinetSender3th::uploadNiccMeasure(const CabinetTargetMap&, const Model::ColorGamutInfo& info)
 {
-    return sendCommand(SetMeasure, {{QStringLiteral("rLxy"), getLXYOb(info.rLxy)},
-                                    {QStringLiteral("gLxy"), getLXYOb(info.gLxy)},
-                                    {QStringLiteral("bLxy"), getLXYOb(info.bLxy)},
-                                    {QStringLiteral("wLxy"), getLXYOb(info.wLxy)}});
+    return sendCommand(SetMeasure, pointsOf(info, *this));
 }
 
 } // namespace CabinetSenderSpace

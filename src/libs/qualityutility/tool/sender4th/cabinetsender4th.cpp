@@ -3,11 +3,11 @@
 #include "sendloop_p.h"
 
 #include <suite/logging/spdlogapplication.h>
-#include <suite/model/colorgamutinfo.h>
 #include <suite/service/modelservice.h>
 
 #include <QDebug>
 #include <QFile>
+#include <qualityutility/support/gamutpoints_p.h>
 
 #include <functional>
 #include <optional>
@@ -73,10 +73,8 @@ void insertPoint(Parameters& parameters, const std::string& key, const Model::LX
 
 void insertPoints(Parameters& parameters, const std::string& prefix, const Model::ColorGamutInfo& info)
 {
-    insertPoint(parameters, prefix + "rLxy", info.rLxy);
-    insertPoint(parameters, prefix + "gLxy", info.gLxy);
-    insertPoint(parameters, prefix + "bLxy", info.bLxy);
-    insertPoint(parameters, prefix + "wLxy", info.wLxy);
+    for (const Support::GamutPoint& entry : Support::gamutPoints)
+        insertPoint(parameters, prefix + entry.key, info.*entry.point);
 }
 
 int effectModeToSend(int current, int mode, bool enable)
