@@ -136,6 +136,7 @@ std::vector<JsonMember> membersOf(const Tables&... tables)
 inline std::vector<QLatin1String> keysOf(const std::vector<JsonMember>& members)
 {
     std::vector<QLatin1String> keys;
+    keys.reserve(members.size());
     for (const JsonMember& member : members)
         keys.push_back(member.column.key);
     return keys;
