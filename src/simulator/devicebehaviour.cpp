@@ -1,7 +1,7 @@
 #include "devicebehaviour.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
+#include <suite/common/jsonreader.h>
+
 #include <QStringList>
 
 #include <algorithm>
@@ -10,6 +10,8 @@
 namespace Simulator {
 
 namespace {
+
+using Common::JsonReader;
 
 struct FaultName
 {
@@ -30,67 +32,32 @@ constexpr std::array<FaultName, 8> faultNames{{
 
 constexpr double maxDelayMs = 24.0 * 3600.0 * 1000.0;
 
-QString describe(const QJsonValue& value)
+std::chrono::milliseconds readMs(const JsonReader& place, std::chrono::milliseconds fallback)
 {
-    if (value.isUndefined())
-        return QStringLiteral("nothing");
-    const QByteArray text = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
-    return QString::fromUtf8(text.mid(1, text.size() - 2));
+    if (place.isMissing())
+        return fallback;
+    return std::chrono::milliseconds(static_cast<long long>(place.number(0.0, maxDelayMs)));
 }
 
-/// Reads numbers of one object and remembers the first that is wrong.
-class NumberReader
-{
-public:
-    NumberReader(const QJsonObject& object, QString place, QString& error)
-        : m_object(object), m_place(std::move(place)), m_error(error)
-    {}
-
-    double read(QLatin1String key, double max, double fallback)
-    {
-        const QJsonValue value = m_object.value(key);
-        if (value.isUndefined())
-            return fallback;
-        if (value.isDouble() && value.toDouble() >= 0.0 && value.toDouble() <= max)
-            return value.toDouble();
-        m_error = QStringLiteral("%1%2: expected a number from 0 to %3, found %4")
-                      .arg(m_place, key)
-                      .arg(max)
-                      .arg(describe(value));
-        return fallback;
-    }
-
-    std::chrono::milliseconds readMs(QLatin1String key, std::chrono::milliseconds fallback)
-    {
-        return std::chrono::milliseconds(
-            static_cast<long long>(read(key, maxDelayMs, static_cast<double>(fallback.count()))));
-    }
-
-private:
-    const QJsonObject& m_object;
-    QString m_place;
-    QString& m_error;
-};
-
-FaultChance readFault(const QJsonObject& object, const QString& place, QString& error)
+FaultChance readFault(const JsonReader& place)
 {
     FaultChance result;
-    const QJsonValue kind = object.value(QLatin1String("kind"));
+    const JsonReader kind = place.member("kind");
     const auto known = std::find_if(faultNames.begin(), faultNames.end(), [&](const FaultName& entry) {
-        return kind.toString() == QLatin1String(entry.name);
+        return kind.value().toString() == QLatin1String(entry.name);
     });
     if (known == faultNames.end()) {
         QStringList names;
         for (const FaultName& entry : faultNames)
             names << QLatin1String(entry.name);
-        error = QStringLiteral("%1kind: expected one of %2, found %3")
-                    .arg(place, names.join(QStringLiteral(", ")), describe(kind));
+        kind.expect(QStringLiteral("one of %1").arg(names.join(QStringLiteral(", "))));
         return result;
     }
-    NumberReader numbers(object, place, error);
     result.fault = known->fault;
-    result.chance = numbers.read(QLatin1String("chance"), 1.0, result.chance);
-    result.delay = numbers.readMs(QLatin1String("delayMs"), result.delay);
+    const JsonReader chance = place.member("chance");
+    if (!chance.isMissing())
+        result.chance = chance.number(0.0, 1.0);
+    result.delay = readMs(place.member("delayMs"), result.delay);
     return result;
 }
 
@@ -98,25 +65,24 @@ FaultChance readFault(const QJsonObject& object, const QString& place, QString& 
 
 std::optional<DeviceBehaviour> readBehaviour(const QJsonObject& simulation, QString& error)
 {
+    std::optional<Common::Fault> fault;
+    const JsonReader root(simulation, fault);
     DeviceBehaviour behaviour;
-    QString fault;
-    behaviour.latency = NumberReader(simulation, {}, fault).readMs(QLatin1String("latencyMs"), behaviour.latency);
-    const QJsonValue faults = simulation.value(QLatin1String("faults"));
-    if (!faults.isUndefined() && !faults.isArray())
-        fault = QStringLiteral("faults: expected an array, found %1").arg(describe(faults));
+    behaviour.latency = readMs(root.member("latencyMs"), behaviour.latency);
+    const JsonReader faults = root.member("faults");
+    const int count = faults.isMissing() ? 0 : faults.count();
     double sum = 0.0;
-    const QJsonArray array = faults.toArray();
-    for (int i = 0; i < array.size() && fault.isEmpty(); ++i) {
-        behaviour.faults.push_back(readFault(array.at(i).toObject(), QStringLiteral("faults[%1].").arg(i), fault));
+    for (int i = 0; i < count && !fault; ++i) {
+        const JsonReader place = faults.element(i);
+        behaviour.faults.push_back(readFault(place));
         sum += behaviour.faults.back().chance;
     }
-    if (fault.isEmpty() && sum > 1.0 + 1e-9)
-        fault = QStringLiteral("faults: expected chances that add up to 1 or less, found %1").arg(sum);
-    if (!fault.isEmpty()) {
-        error = fault;
-        return std::nullopt;
-    }
-    return behaviour;
+    if (sum > 1.0 + 1e-9)
+        faults.refuse(QStringLiteral("expected chances that add up to 1 or less, found %1").arg(sum));
+    if (!fault)
+        return behaviour;
+    error = fault->message();
+    return std::nullopt;
 }
 
 } // namespace Simulator

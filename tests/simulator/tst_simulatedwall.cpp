@@ -228,7 +228,7 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("simulation");
         QTest::addColumn<QString>("error");
         QTest::newRow("latency") << QByteArray("{\"latencyMs\": -1}")
-                                 << "latencyMs: expected a number from 0 to 8.64e+07, found -1";
+                                 << "latencyMs: expected a number from 0 to 86400000, found -1";
         QTest::newRow("faults") << QByteArray("{\"faults\": \"late\"}") << "faults: expected an array, found \"late\"";
         QTest::newRow("kind") << QByteArray("{\"faults\": [{\"kind\": \"fire\"}]}")
                               << "faults[0].kind: expected one of error, silence, slow, double-answer, late, no-cids, "

@@ -12,7 +12,7 @@
 
 namespace Action {
 
-/// A gray-scale table as a cabinet holds it.
+/// A gray-scale table as a cabinet holds it: per gray level three coefficients and a magnitude, 0..255 each.
 struct GrayTable
 {
     std::vector<unsigned char> red;       ///< coefficients, as they were sent
@@ -20,6 +20,13 @@ struct GrayTable
     std::vector<unsigned char> blue;      ///< likewise
     std::vector<unsigned char> magnitude; ///< the table of the coefficients' magnitudes
     int freq = 0;                         ///< refresh frequency, Hz
+
+    /// All five are equal.
+    bool operator==(const GrayTable& other) const
+    {
+        return red == other.red && green == other.green && blue == other.blue && magnitude == other.magnitude &&
+               freq == other.freq;
+    }
 };
 
 /// What one cabinet holds. Large parts are shared by the cabinets that received them in one request; what was never

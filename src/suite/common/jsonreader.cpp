@@ -66,8 +66,8 @@ Result<QJsonObject> parseJsonObject(const QByteArray& text, const QString& subje
 
 JsonReader::JsonReader(const QJsonObject& root, std::optional<Fault>& fault) : m_value(root), m_fault(&fault) {}
 
-JsonReader::JsonReader(const JsonReader& parent, QString key, int index, QJsonValue value)
-    : m_parent(&parent), m_key(std::move(key)), m_index(index), m_value(std::move(value)), m_fault(parent.m_fault)
+JsonReader::JsonReader(const JsonReader& parent, QLatin1String key, int index, QJsonValue value)
+    : m_parent(&parent), m_key(key), m_index(index), m_value(std::move(value)), m_fault(parent.m_fault)
 {}
 
 QString JsonReader::path() const
@@ -77,22 +77,18 @@ QString JsonReader::path() const
     const QString above = m_parent->path();
     if (m_index >= 0)
         return QStringLiteral("%1[%2]").arg(above).arg(m_index);
-    return above.isEmpty() ? m_key : above + QLatin1Char('.') + m_key;
-}
-
-JsonReader JsonReader::member(const QString& key) const
-{
-    return {*this, key, -1, m_value[key]};
+    return above.isEmpty() ? QString(m_key) : above + QLatin1Char('.') + m_key;
 }
 
 JsonReader JsonReader::member(const char* key) const
 {
-    return member(QString::fromLatin1(key));
+    const QLatin1String name(key);
+    return {*this, name, -1, m_value[name]};
 }
 
 JsonReader JsonReader::element(int index) const
 {
-    return {*this, {}, index, m_value[index]};
+    return {*this, QLatin1String(), index, m_value[index]};
 }
 
 int JsonReader::count() const

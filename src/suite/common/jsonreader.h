@@ -38,10 +38,9 @@ public:
     /// "devices[2].cabinets[0]"; empty for the root.
     QString path() const;
 
-    /// A member of this object; missing where there is none, or where this is no object. A `char` key is Latin-1. @{
+    /// A member of this object; missing where there is none, or where this is no object. `key` is a literal: it is not
+    /// copied.
     JsonReader member(const char* key) const;
-    JsonReader member(const QString& key) const;
-    /// @}
     /// An element of this array, from 0; missing where there is none.
     JsonReader element(int index) const;
     /// The number of elements. Expects an array; 0 for what is none.
@@ -68,11 +67,11 @@ public:
     void refuse(const QString& reason) const;
 
 private:
-    JsonReader(const JsonReader& parent, QString key, int index, QJsonValue value);
+    JsonReader(const JsonReader& parent, QLatin1String key, int index, QJsonValue value);
     void leave(const QString& expected, const QString& found) const;
 
     const JsonReader* m_parent = nullptr;
-    QString m_key;
+    QLatin1String m_key;
     int m_index = -1; ///< in an array; -1 elsewhere
     QJsonValue m_value;
     std::optional<Fault>* m_fault;
