@@ -217,6 +217,14 @@ public:
     /// stay as they were. A missing archive and one that is refused change nothing and give false with a critical line.
     static bool unpackProConfig(const QString& archive, QString& nicc, QString& gray, QString& cabinetConfig,
                                 QStringList& others);
+    /// What a file is in a project, told by its suffix.
+    enum class ProjectRole { Nicc, Gray, CabinetConfig, Other };
+    /// Any thread; looks at the name only.
+    static ProjectRole projectRole(const QString& file);
+    /// Extracts an archive into `folder`, which is there and empty; `files` are then the paths, in the archive's order.
+    /// False with a critical line for a missing archive and for one that is refused: what came out before is the
+    /// caller's to delete.
+    static bool extractProject(const QString& archive, const QString& folder, QStringList& files);
     /// Deletes an archive's temporary folder: the system's temporary location, "/", and the archive's name up to its
     /// first dot. False with a critical line for a missing archive, and for a folder that is not an archive's own or
     /// cannot be deleted.

@@ -70,24 +70,38 @@ std::optional<ArchiveRefusal> checkFiles(const QStringList& files, const Archive
     return limits.refuseSpace(bytes, QStringLiteral("the archive's folder"));
 }
 
-/// Checks an archive and extracts it into its folder's place.
-std::optional<ArchiveRefusal> unpackInto(const TemporaryFolder& folder, const QString& archive, QStringList& names)
+/// Checks an archive and extracts it into a folder that is there.
+std::optional<ArchiveRefusal> extractInto(const QString& folder, const QString& archive, QStringList& names)
 {
     QFile file(archive);
     if (!file.open(QIODevice::ReadOnly))
         return ArchiveRefusal{QStringLiteral("it cannot be read"), {}};
     ArchiveListing listing;
-    if (auto refusal = checkArchive(file, listing, ArchiveLimits::of(QFileInfo(folder.path()).path())))
+    if (auto refusal = checkArchive(file, listing, ArchiveLimits::of(folder)))
         return refusal;
+    return extractArchive(file, listing, folder, names);
+}
+
+/// The same into its folder's place.
+std::optional<ArchiveRefusal> unpackInto(const TemporaryFolder& folder, const QString& archive, QStringList& names)
+{
     const QString fresh = folder.makeFresh();
     if (fresh.isEmpty())
         return ArchiveRefusal{QStringLiteral("no temporary folder can be made"), {}, true};
-    auto refusal = extractArchive(file, listing, fresh, names);
+    auto refusal = extractInto(fresh, archive, names);
     if (!refusal && !folder.replaceBy(fresh))
         refusal = ArchiveRefusal{QStringLiteral("its temporary folder cannot be replaced"), {}, true};
     if (refusal)
         TemporaryFolder::clear(fresh);
     return refusal;
+}
+
+QStringList pathsIn(const QString& folder, const QStringList& names)
+{
+    QStringList paths;
+    for (const QString& name : names)
+        paths << folder + QLatin1Char('/') + name;
+    return paths;
 }
 
 } // namespace
@@ -131,10 +145,17 @@ std::optional<QStringList> ProjectArchive::unpack(const QString& archive, int lo
         logRefusal(archive, *refusal);
         return std::nullopt;
     }
-    QStringList paths;
-    for (const QString& name : names)
-        paths << *path + QLatin1Char('/') + name;
-    return paths;
+    return pathsIn(*path, names);
+}
+
+std::optional<QStringList> ProjectArchive::extract(const QString& archive, const QString& folder)
+{
+    QStringList names;
+    if (const auto refusal = extractInto(folder, archive, names)) {
+        logRefusal(archive, *refusal);
+        return std::nullopt;
+    }
+    return pathsIn(folder, names);
 }
 
 bool ProjectArchive::removeTemporaryFolder(const QString& archive)

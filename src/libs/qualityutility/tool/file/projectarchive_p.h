@@ -25,6 +25,9 @@ inline constexpr int patience = 30'000;
 /// <reason>`: then the temporary folder is as it was.
 std::optional<QStringList> unpack(const QString& archive, int longestWait = patience);
 
+/// As unpack(), but into a folder of the caller's, which is there and empty; on refusal something may be left in it.
+std::optional<QStringList> extract(const QString& archive, const QString& folder);
+
 /// Deletes the archive's temporary folder, if there is one. False, with a critical line, when it is refused or cannot
 /// be deleted.
 bool removeTemporaryFolder(const QString& archive);

@@ -50,17 +50,40 @@ bool PicQualityFileTool::unpackProConfig(const QString& archive, QString& nicc, 
     if (!files)
         return false;
     for (const QString& file : *files) {
-        const QString suffix = QFileInfo(file).suffix();
-        if (suffix == Support::latin1("nicc"))
+        switch (projectRole(file)) {
+        case ProjectRole::Nicc:
             nicc = file;
-        else if (suffix == Support::latin1("gray"))
+            break;
+        case ProjectRole::Gray:
             gray = file;
-        else if (suffix == Support::latin1("nrf"))
+            break;
+        case ProjectRole::CabinetConfig:
             cabinetConfig = file;
-        else
+            break;
+        case ProjectRole::Other:
             others << file;
+        }
     }
     return true;
+}
+
+PicQualityFileTool::ProjectRole PicQualityFileTool::projectRole(const QString& file)
+{
+    const QString suffix = QFileInfo(file).suffix();
+    if (suffix == Support::latin1("nicc"))
+        return ProjectRole::Nicc;
+    if (suffix == Support::latin1("gray"))
+        return ProjectRole::Gray;
+    return suffix == Support::latin1("nrf") ? ProjectRole::CabinetConfig : ProjectRole::Other;
+}
+
+bool PicQualityFileTool::extractProject(const QString& archive, const QString& folder, QStringList& files)
+{
+    if (!DocumentFile::isPresent(archive))
+        return false;
+    const auto paths = ProjectArchive::extract(archive, folder);
+    files = paths.value_or(QStringList());
+    return paths.has_value();
 }
 
 bool PicQualityFileTool::removeTempProConfig(const QString& archive)
