@@ -7,11 +7,6 @@
 #include <QProcess>
 #include <QStringList>
 
-#ifdef __linux__
-#include <linux/capability.h>
-#include <sys/prctl.h>
-#endif
-
 // Runs of qualityctl, in the folder of the examples.
 
 /// What a run left.
@@ -24,37 +19,22 @@ struct Run
     QJsonObject json() const { return QJsonDocument::fromJson(out.toUtf8()).object(); }
 };
 
-/// What keeps a process from writing.
-struct Hindrance
-{
-    rlim_t fileBytes = RLIM_INFINITY; ///< files end there, as on a full disk
-    bool obeysPermissions = false;    ///< also when it runs as root
-};
-
-class HinderedProcess : public QProcess
+/// A run whose files end at a size, as on a full disk.
+class LimitedProcess : public QProcess
 {
 public:
-    HinderedProcess(const Hindrance& hindrance, QObject* parent) : QProcess(parent), m_hindrance(hindrance) {}
+    LimitedProcess(rlim_t fileBytes, QObject* parent) : QProcess(parent), m_limit{fileBytes, RLIM_INFINITY} {}
 
 protected:
-    void setupChildProcess() override
-    {
-        const rlimit limit{m_hindrance.fileBytes, RLIM_INFINITY};
-        if (m_hindrance.fileBytes != RLIM_INFINITY)
-            setrlimit(RLIMIT_FSIZE, &limit);
-#ifdef __linux__
-        if (m_hindrance.obeysPermissions)
-            prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE);
-#endif
-    }
+    void setupChildProcess() override { setrlimit(RLIMIT_FSIZE, &m_limit); }
 
 private:
-    Hindrance m_hindrance;
+    const rlimit m_limit;
 };
 
-inline QProcess* start(const QStringList& arguments, QObject* parent, const Hindrance& hindrance = {})
+inline QProcess* start(const QStringList& arguments, QObject* parent, rlim_t fileBytes = RLIM_INFINITY)
 {
-    auto* process = new HinderedProcess(hindrance, parent);
+    auto* process = new LimitedProcess(fileBytes, parent);
     process->setWorkingDirectory(EXAMPLES);
     process->start(QUALITYCTL, arguments);
     return process;
@@ -68,8 +48,8 @@ inline Run finish(QProcess* process)
             QString::fromUtf8(process->readAllStandardOutput()), QString::fromUtf8(process->readAllStandardError())};
 }
 
-inline Run run(const QStringList& arguments, const Hindrance& hindrance = {})
+inline Run run(const QStringList& arguments, rlim_t fileBytes = RLIM_INFINITY)
 {
     QObject owner;
-    return finish(start(arguments, &owner, hindrance));
+    return finish(start(arguments, &owner, fileBytes));
 }

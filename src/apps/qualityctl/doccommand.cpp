@@ -1,64 +1,60 @@
 #include "commands.h"
-#include "documentschema.h"
-#include "inputfile.h"
 
 #include <CLI/CLI.hpp>
+#include <calibration/input.h>
 
 #include <QJsonArray>
+#include <qualityutility/tool/file/documentcheck.h>
 
 namespace {
 
-struct OpenDocument
+/// A document's name and what the check says of it.
+struct CheckedDocument
 {
     QString path;
-    QJsonObject root;
-    const DocumentSchema::Document* kind;
+    DocumentCheck::Report report;
+
+    QJsonObject json() const { return {{QStringLiteral("document"), path}, {QStringLiteral("kind"), report.kind}}; }
 };
 
-OpenDocument openDocument(const std::string& argument)
+CheckedDocument checked(const std::string& argument)
 {
-    const QString path = QString::fromStdString(argument);
-    const QJsonObject root = readJsonObject(path, QStringLiteral("document"));
-    const auto* kind = DocumentSchema::kindOf(root);
-    if (!kind)
-        throw CommandError{
-            ExitCode::BadData,
-            QStringLiteral("document %1: not a picture-quality document: none of its keys is known").arg(path)};
-    return {path, root, kind};
+    const auto input = take(Calibration::readInput(QString::fromStdString(argument), QStringLiteral("document")));
+    const auto report = DocumentCheck::check(take(Calibration::jsonObject(input)));
+    if (!report)
+        throw Fault{Fault::Kind::BadData,
+                    input.subject(),
+                    {},
+                    QStringLiteral("not a picture-quality document: none of its keys is known")};
+    return {input.name, *report};
 }
 
 CommandResult showDocument(const std::string& argument)
 {
-    const OpenDocument document = openDocument(argument);
-    const QStringList lines = DocumentSchema::summaryOf(document.root, *document.kind);
-    QString text = QStringLiteral("%1: %2\n").arg(document.path, document.kind->name);
-    for (const QString& line : lines)
-        text += QStringLiteral("  %1\n").arg(line);
+    const CheckedDocument document = checked(argument);
+    CommandResult result{QStringLiteral("%1: %2\n").arg(document.path, document.report.kind), document.json()};
     QJsonObject members;
-    for (const QString& line : lines)
+    for (const QString& line : document.report.summary) {
+        result.text += QStringLiteral("  %1\n").arg(line);
         members.insert(line.section(QStringLiteral(": "), 0, 0), line.section(QStringLiteral(": "), 1));
-    return {text,
-            {{QStringLiteral("document"), document.path},
-             {QStringLiteral("kind"), document.kind->name},
-             {QStringLiteral("members"), members}}};
+    }
+    result.json.insert(QStringLiteral("members"), members);
+    return result;
 }
 
 CommandResult checkDocument(const std::string& argument)
 {
-    const OpenDocument document = openDocument(argument);
-    const QStringList faults = DocumentSchema::faultsOf(document.root, *document.kind);
-    CommandResult result{
-        QStringLiteral("%1: %2, %3\n")
-            .arg(document.path, document.kind->name,
-                 faults.isEmpty() ? QStringLiteral("good") : QStringLiteral("%1 faults").arg(faults.size())),
-        {{QStringLiteral("document"), document.path},
-         {QStringLiteral("kind"), document.kind->name},
-         {QStringLiteral("faults"), QJsonArray::fromStringList(faults)}}};
+    const CheckedDocument document = checked(argument);
+    const QStringList& faults = document.report.faults;
+    const QString verdict = faults.isEmpty() ? QStringLiteral("good") : QStringLiteral("%1 faults").arg(faults.size());
+    CommandResult result{QStringLiteral("%1: %2, %3\n").arg(document.path, document.report.kind, verdict),
+                         document.json()};
+    result.json.insert(QStringLiteral("faults"), QJsonArray::fromStringList(faults));
     for (const QString& fault : faults)
         result.text += QStringLiteral("  %1\n").arg(fault);
     if (!faults.isEmpty())
         result.error =
-            CommandError{ExitCode::Difference, QStringLiteral("document %1: %2").arg(document.path, faults.first())};
+            Fault{Fault::Kind::Difference, QStringLiteral("document %1").arg(document.path), {}, faults.first()};
     return result;
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
-#include "sendstep.h"
+#include "output.h"
 
-/// Lists the requests that the steps would make, without sending any.
-CommandResult dryRun(const std::vector<SendStep>& steps, const CabinetSenderSpace::CabinetTargetMap& targets);
+#include <functional>
+
+/// Lists the requests that `sendAll` makes, answering each with success instead of sending it.
+CommandResult dryRun(const std::function<void()>& sendAll);

@@ -16,8 +16,8 @@ constexpr char footer[] = R"(Examples:
   qualityctl verify out --max-de 3
   qualityctl wall show
   qualityctl send gray --table examples/gray-table.csv --frequency 60
-  qualityctl send mode --gamut on --json
-  qualityctl send gamut --gamut rec709 --device left --cabinet 1-4 --dry-run
+  qualityctl send mode --correction on --json
+  qualityctl send gamut --target rec709 --device left --cabinet 1-4 --dry-run
   qualityctl gamut coverage p3-d65 bt2020
   qualityctl gamut coefficients examples/measured-gamut.json rec709 --json
   qualityctl gamut chart examples/measured-gamut.json rec709 --out gamut.svg
@@ -52,8 +52,11 @@ int reportUsage(const CLI::App& app, const CLI::ParseError& error, int argc, cha
     const auto unknown = app.remaining(true);
     if (dynamic_cast<const CLI::RequiredError*>(&error) && !unknown.empty() && app.get_subcommands().empty())
         message = QStringLiteral("no such command: %1").arg(QString::fromStdString(unknown.front()));
-    const CommandError usage{ExitCode::Usage, message,
-                             QStringLiteral("%1 --help says more").arg(QString::fromStdString(app.get_name()))};
+    const Fault usage{Fault::Kind::Usage,
+                      {},
+                      {},
+                      message,
+                      QStringLiteral("%1 --help says more").arg(QString::fromStdString(app.get_name()))};
     return print({{}, {}, usage}, output);
 }
 
@@ -92,7 +95,7 @@ int run(int argc, char** argv)
     }
     try {
         return print(chosen(output), output);
-    } catch (const CommandError& error) {
+    } catch (const Fault& error) {
         return print({{}, {}, error}, output);
     }
 }
@@ -113,7 +116,7 @@ int main(int argc, char** argv)
     try {
         return run(argc, argv);
     } catch (const std::exception& error) {
-        return print({{}, {}, CommandError{ExitCode::Internal, QString::fromUtf8(error.what())}},
+        return print({{}, {}, Fault{Fault::Kind::Internal, {}, {}, QString::fromUtf8(error.what())}},
                      wantedOutput(argc, argv));
     }
 }

@@ -1,41 +1,38 @@
 #include "output.h"
 
 #include <QJsonDocument>
-#include <QStringList>
 
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 
 namespace {
 
-QString kindOf(ExitCode code)
+struct KindRow
 {
-    switch (code) {
-    case ExitCode::Done:
-        return QStringLiteral("done");
-    case ExitCode::Difference:
-        return QStringLiteral("difference");
-    case ExitCode::Usage:
-        return QStringLiteral("usage");
-    case ExitCode::BadData:
-        return QStringLiteral("bad-data");
-    case ExitCode::NoInput:
-        return QStringLiteral("no-input");
-    case ExitCode::Unavailable:
-        return QStringLiteral("unavailable");
-    case ExitCode::Internal:
-        return QStringLiteral("internal");
-    case ExitCode::CannotCreate:
-        return QStringLiteral("cannot-create");
-    case ExitCode::InputOutput:
-        return QStringLiteral("input-output");
-    case ExitCode::Timeout:
-        return QStringLiteral("timeout");
-    case ExitCode::Protocol:
-        return QStringLiteral("protocol");
-    case ExitCode::Interrupted:
-        return QStringLiteral("interrupted");
-    }
-    return {};
+    Fault::Kind kind;
+    int exitCode;
+    const char* name; ///< in JSON
+};
+
+constexpr KindRow kindRows[] = {
+    {Fault::Kind::Difference, 1, "difference"},
+    {Fault::Kind::Usage, 64, "usage"},
+    {Fault::Kind::BadData, 65, "bad-data"},
+    {Fault::Kind::NoInput, 66, "no-input"},
+    {Fault::Kind::Unavailable, 69, "unavailable"},
+    {Fault::Kind::Internal, 70, "internal"},
+    {Fault::Kind::CannotCreate, 73, "cannot-create"},
+    {Fault::Kind::InputOutput, 74, "input-output"},
+    {Fault::Kind::Timeout, 75, "timeout"},
+    {Fault::Kind::Protocol, 76, "protocol"},
+    {Fault::Kind::Interrupted, 130, "interrupted"},
+};
+
+const KindRow& rowOf(Fault::Kind kind)
+{
+    return *std::find_if(std::begin(kindRows), std::end(kindRows),
+                         [kind](const KindRow& row) { return row.kind == kind; });
 }
 
 /// Without what would steer a terminal: control characters and marks that turn the direction of writing.
@@ -61,9 +58,10 @@ QJsonObject toJson(const CommandResult& result)
     QJsonObject document = result.json;
     document.insert(QStringLiteral("ok"), !result.error);
     if (result.error) {
-        QJsonObject error{{QStringLiteral("code"), static_cast<int>(result.error->code)},
-                          {QStringLiteral("kind"), kindOf(result.error->code)},
-                          {QStringLiteral("message"), result.error->message}};
+        const KindRow& kind = rowOf(result.error->kind);
+        QJsonObject error{{QStringLiteral("code"), kind.exitCode},
+                          {QStringLiteral("kind"), QLatin1String(kind.name)},
+                          {QStringLiteral("message"), result.error->message()}};
         if (!result.error->hint.isEmpty())
             error.insert(QStringLiteral("hint"), result.error->hint);
         document.insert(QStringLiteral("error"), error);
@@ -72,6 +70,11 @@ QJsonObject toJson(const CommandResult& result)
 }
 
 } // namespace
+
+int exitCodeOf(Fault::Kind kind)
+{
+    return rowOf(kind).exitCode;
+}
 
 void Output::note(const QString& line) const
 {
@@ -85,45 +88,14 @@ int print(const CommandResult& result, const Output& output)
         output.json ? QString::fromUtf8(QJsonDocument(toJson(result)).toJson()) : printable(result.text);
     const bool isPrinted = write(stdout, text);
     if (result.error && !output.json) {
-        write(stderr, QStringLiteral("qualityctl: %1\n").arg(printable(result.error->message)));
+        write(stderr, QStringLiteral("qualityctl: %1\n").arg(printable(result.error->message())));
         if (!result.error->hint.isEmpty())
             write(stderr, QStringLiteral("  %1\n").arg(printable(result.error->hint)));
     }
     if (result.error)
-        return static_cast<int>(result.error->code);
+        return exitCodeOf(result.error->kind);
     if (isPrinted)
-        return static_cast<int>(ExitCode::Done);
+        return 0;
     write(stderr, QStringLiteral("qualityctl: the result cannot be written\n"));
-    return static_cast<int>(ExitCode::InputOutput);
-}
-
-QString textTable(const QList<QStringList>& rows)
-{
-    QList<int> widths;
-    for (const QStringList& row : rows) {
-        for (int column = 0; column < row.size(); ++column) {
-            if (column == widths.size())
-                widths.append(0);
-            widths[column] = qMax(widths.at(column), row.at(column).size());
-        }
-    }
-    const auto line = [&](const QStringList& row) {
-        QString text;
-        for (int column = 0; column < row.size(); ++column)
-            text += row.at(column).leftJustified(widths.at(column)) + QStringLiteral("  ");
-        while (text.endsWith(QLatin1Char(' ')))
-            text.chop(1);
-        return text + QLatin1Char('\n');
-    };
-    QString text;
-    for (int i = 0; i < rows.size(); ++i) {
-        text += line(rows.at(i));
-        if (i == 0) {
-            QStringList rules;
-            for (const int width : widths)
-                rules << QString(width, QLatin1Char('-'));
-            text += line(rules);
-        }
-    }
-    return text;
+    return exitCodeOf(Fault::Kind::InputOutput);
 }

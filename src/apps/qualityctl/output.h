@@ -1,40 +1,39 @@
 #pragma once
 
+#include <suite/common/result.h>
+
 #include <QJsonObject>
 #include <QString>
 
 #include <functional>
 #include <optional>
 
-enum class ExitCode {
-    Done = 0,
-    Difference = 1, ///< a check found a difference
-    Usage = 64,
-    BadData = 65,
-    NoInput = 66,
-    Unavailable = 69,
-    Internal = 70,
-    CannotCreate = 73,
-    InputOutput = 74,
-    Timeout = 75,
-    Protocol = 76,
-    Interrupted = 130,
-};
+using Common::Fault;
 
-/// Why a command failed. Thrown before anything was done, or returned with what was done.
-struct CommandError
+/// The exit code of a command that ends with a fault of this kind.
+int exitCodeOf(Fault::Kind kind);
+
+/// The value, or the fault thrown: a command ends with it.
+template <typename T>
+T take(Common::Result<T> result)
 {
-    ExitCode code;
-    QString message;
-    QString hint = {};
-};
+    if (!result)
+        throw Fault(result.fault());
+    return *std::move(result);
+}
+
+inline void require(const Common::Result<void>& result)
+{
+    if (!result)
+        throw Fault(result.fault());
+}
 
 /// What a command has to say on stdout, in both forms; main() prints the one that was asked for.
 struct CommandResult
 {
     QString text;
     QJsonObject json;
-    std::optional<CommandError> error = std::nullopt;
+    std::optional<Fault> error = std::nullopt;
 };
 
 /// How the user wants to be spoken to.
@@ -52,6 +51,3 @@ using Command = std::function<CommandResult(const Output&)>;
 
 /// Prints a result on stdout, and an error on stderr in the text form. Returns the exit code.
 int print(const CommandResult& result, const Output& output);
-
-/// Rows as text columns: each column as wide as its widest cell, two blanks between them, the first row underlined.
-QString textTable(const QList<QStringList>& rows);

@@ -2,21 +2,23 @@
 
 #include "output.h"
 
-/// Progress on stderr: a bar on a terminal, one line per ten percent elsewhere, nothing with --quiet.
-class Progress
+#include <calibration/step.h>
+
+/// Shows a run on stderr and ends it on Ctrl-C: a bar on a terminal, one line per ten percent elsewhere, nothing with
+/// --quiet.
+class Progress : public Calibration::Observer
 {
 public:
-    Progress(int total, const Output& output);
-    ~Progress();
-    Progress(const Progress&) = delete;
-    Progress& operator=(const Progress&) = delete;
+    explicit Progress(const Output& output);
+    ~Progress() override;
 
-    /// One more is done; `what` names it.
-    void advance(const QString& what);
+    void begin(int steps) override;
+    void sent(const Calibration::Outcome& outcome) override;
+    bool isStopWanted() override;
 
 private:
-    const int m_total;
     const bool m_isQuiet;
     const bool m_isTerminal;
+    int m_total = 1;
     int m_done = 0;
 };

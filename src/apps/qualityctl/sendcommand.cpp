@@ -1,21 +1,30 @@
 #include "commands.h"
-#include "gamutargument.h"
-#include "sendrun.h"
-#include "sendsteps.h"
+#include "dryrun.h"
+#include "hostlog.h"
+#include "interrupt.h"
+#include "options.h"
+#include "progress.h"
+#include "wallargument.h"
 
 #include <CLI/CLI.hpp>
+#include <calibration/gamut.h>
+#include <calibration/graytable.h>
+#include <calibration/steps.h>
+#include <reports/sendreport.h>
 
 namespace {
+
+using Calibration::Step;
 
 constexpr size_t coefficientCount = 9;
 
 /// What the send commands take; each uses its part.
 struct SendArguments
 {
-    SendOptions options;
-    std::string table;
-    int frequency = 60;
-    std::string gamut;
+    WallArgument wall;
+    bool dryRun = false;
+    TableArgument table;
+    std::string target;
     std::string measured;
     std::vector<int> coefficients;
     std::string binary;
@@ -23,101 +32,62 @@ struct SendArguments
     bool exclusive = false;
 };
 
-// A step from the arguments that it needs.
-
-SendStep givenGray(const SendArguments& arguments)
+/// What was given, in the order in which a cabinet should get it: the correction is switched on last.
+std::vector<Step> stepsOf(const SendArguments& arguments)
 {
-    return grayStep(QString::fromStdString(arguments.table), arguments.frequency);
-}
-
-SendStep givenGamut(const SendArguments& arguments)
-{
-    return gamutStep(parseGamut(arguments.gamut));
-}
-
-SendStep givenMeasure(const SendArguments& arguments)
-{
-    return measureStep(parseGamut(arguments.measured));
-}
-
-SendStep givenCoefficients(const SendArguments& arguments)
-{
-    // Two's complement.
-    return coefficientsStep({arguments.coefficients.begin(), arguments.coefficients.end()});
-}
-
-SendStep givenMode(const SendArguments& arguments)
-{
-    return modeStep(arguments.correction == "on", !arguments.exclusive);
-}
-
-SendStep givenBin(const SendArguments& arguments)
-{
-    return binStep(QString::fromStdString(arguments.binary));
-}
-
-/// Everything that was given, in the order in which a cabinet should get it: the correction is switched on last.
-std::vector<SendStep> allSteps(const SendArguments& arguments)
-{
-    std::vector<SendStep> steps;
-    if (!arguments.binary.empty())
-        steps.push_back(givenBin(arguments));
-    if (!arguments.table.empty())
-        steps.push_back(givenGray(arguments));
+    std::vector<Step> steps;
+    if (!arguments.binary.empty()) {
+        const auto input =
+            take(Calibration::readInput(QString::fromStdString(arguments.binary), QStringLiteral("binary")));
+        steps.push_back(Calibration::binaryStep(input.bytes, input.name));
+    }
+    if (!arguments.table.file.empty()) {
+        const auto table =
+            take(Calibration::readGrayTable(QString::fromStdString(arguments.table.file), arguments.table.frequency));
+        steps.push_back(Calibration::grayStep(table.table, table.file.name));
+    }
     if (!arguments.measured.empty())
-        steps.push_back(givenMeasure(arguments));
-    if (!arguments.gamut.empty())
-        steps.push_back(givenGamut(arguments));
-    if (!arguments.coefficients.empty())
-        steps.push_back(givenCoefficients(arguments));
+        steps.push_back(
+            Calibration::measureStep(take(Calibration::readGamut(QString::fromStdString(arguments.measured)))));
+    if (!arguments.target.empty())
+        steps.push_back(Calibration::gamutStep(take(Calibration::readGamut(QString::fromStdString(arguments.target)))));
+    if (!arguments.coefficients.empty()) // two's complement
+        steps.push_back(Calibration::coefficientsStep({arguments.coefficients.begin(), arguments.coefficients.end()}));
     if (!arguments.correction.empty())
-        steps.push_back(givenMode(arguments));
+        steps.push_back(Calibration::modeStep(arguments.correction == "on", !arguments.exclusive));
     if (steps.empty())
-        throw CommandError{
-            ExitCode::Usage, QStringLiteral("send all: nothing to send"),
-            QStringLiteral("give at least one of --table, --gamut, --measured, --coefficients, --correction, --bin")};
+        throw Fault{Fault::Kind::Usage,
+                    QStringLiteral("send all"),
+                    {},
+                    QStringLiteral("nothing to send"),
+                    QStringLiteral("give at least one of --table, --target, --measured, --coefficients, --correction, "
+                                   "--binary")};
     return steps;
 }
 
-void addTargets(CLI::App& command, SendOptions& options)
+CommandResult runSend(const SendArguments& arguments, const Output& output)
 {
-    command.add_option("--wall", options.wall.file, "Wall document; the built-in example wall without one");
-    command.add_option("--device", options.wall.devices, "Only this device; may be repeated");
-    command.add_option("--cabinet", options.wall.cabinets, "Only these cabinets: identifiers or ranges, as 1,2,5-9")
-        ->delimiter(',');
-    command.add_option("--seed", options.seed, "Seed of the simulated faults")->capture_default_str();
-    command.add_flag("--dry-run", options.dryRun, "Print the requests instead of sending them");
-}
-
-using Steps = std::function<std::vector<SendStep>(const SendArguments&)>;
-
-CLI::App* addSend(CLI::App& parent, Command& chosen, const char* name, const char* description,
-                  const std::shared_ptr<SendArguments>& arguments, const Steps& steps)
-{
-    CLI::App* command = parent.add_subcommand(name, description);
-    addTargets(*command, arguments->options);
-    command->callback([&chosen, arguments, steps] {
-        chosen = [arguments, steps](const Output& output) {
-            return runSend(steps(*arguments), arguments->options, output);
-        };
-    });
+    Reports::SendResult result;
+    result.steps = stepsOf(arguments);
+    const OpenWall wall = openWall(arguments.wall);
+    HostLog::install(output.quiet);
+    if (arguments.dryRun)
+        return dryRun([&] {
+            Calibration::Observer nobody;
+            Calibration::sendSteps(result.steps, wall.targets, nullptr, nobody);
+        });
+    const Simulation simulation(wall, arguments.wall.seed, output);
+    const Interrupt interrupt;
+    result.before = Calibration::readBack(simulation.reader(), wall.targets);
+    {
+        Progress progress(output);
+        result.outcomes = Calibration::sendSteps(result.steps, wall.targets, &simulation.reader(), progress);
+    }
+    result.now = Calibration::readBack(simulation.reader(), wall.targets);
+    CommandResult command{Reports::toText(result), Reports::toJson(result),
+                          Calibration::faultOf(result.outcomes, Interrupt::isRequested())};
+    command.json.insert(QStringLiteral("wall"), wall.name);
     return command;
-}
-
-Steps one(SendStep (*make)(const SendArguments&))
-{
-    return [make](const SendArguments& arguments) { return std::vector<SendStep>{make(arguments)}; };
-}
-
-// The options of the single commands and of "all".
-
-void addTable(CLI::App& command, SendArguments& arguments, bool required)
-{
-    command.add_option("--table", arguments.table, "Gray table: text or CSV with red, green, blue, magnitude (0..255)")
-        ->required(required);
-    command.add_option("--frequency", arguments.frequency, "Refresh frequency in Hz")
-        ->check(CLI::PositiveNumber)
-        ->capture_default_str();
 }
 
 void addCoefficients(CLI::App& command, SendArguments& arguments, bool required)
@@ -130,18 +100,27 @@ void addCoefficients(CLI::App& command, SendArguments& arguments, bool required)
         ->required(required);
 }
 
-void addCorrection(CLI::App& command, SendArguments& arguments, const char* option, bool required)
+void addCorrection(CLI::App& command, SendArguments& arguments, bool required)
 {
-    command.add_option(option, arguments.correction, "Gamut correction: on or off")
+    command.add_option("--correction", arguments.correction, "Gamut correction: on or off")
         ->check(CLI::IsMember({"on", "off"}))
         ->required(required);
     command.add_flag("--exclusive", arguments.exclusive, "Switch all other corrections off");
 }
 
-void addGamut(CLI::App& command, std::string& gamut, const char* option, bool required)
+using AddOptions = void (*)(CLI::App&, SendArguments&, bool required);
+
+void addSend(CLI::App& parent, Command& chosen, const char* name, const char* description,
+             std::initializer_list<AddOptions> options)
 {
-    command.add_option(option, gamut, "Gamut: a standard name, a JSON file, or rx,ry:gx,gy:bx,by:wx,wy[:cd_m2]")
-        ->required(required);
+    CLI::App* command = parent.add_subcommand(name, description);
+    const auto arguments = std::make_shared<SendArguments>();
+    addTargets(*command, arguments->wall);
+    command->add_flag("--dry-run", arguments->dryRun, "Print the requests instead of sending them");
+    for (const AddOptions add : options)
+        add(*command, *arguments, options.size() == 1);
+    command->callback(
+        [&chosen, arguments] { chosen = [arguments](const Output& output) { return runSend(*arguments, output); }; });
 }
 
 } // namespace
@@ -150,34 +129,24 @@ void addSendCommands(CLI::App& app, Command& chosen)
 {
     CLI::App* send = app.add_subcommand("send", "Send picture-quality data to cabinets");
     send->require_subcommand(1);
-    const auto fresh = [] { return std::make_shared<SendArguments>(); };
-
-    auto arguments = fresh();
-    addTable(*addSend(*send, chosen, "gray", "Send a gray-scale table", arguments, one(givenGray)), *arguments, true);
-    arguments = fresh();
-    addGamut(*addSend(*send, chosen, "gamut", "Send the target gamut", arguments, one(givenGamut)), arguments->gamut,
-             "--gamut", true);
-    arguments = fresh();
-    addCoefficients(
-        *addSend(*send, chosen, "coefficients", "Send correction coefficients", arguments, one(givenCoefficients)),
-        *arguments, true);
-    arguments = fresh();
-    addGamut(*addSend(*send, chosen, "measure", "Send the measured gamut", arguments, one(givenMeasure)),
-             arguments->measured, "--gamut", true);
-    arguments = fresh();
-    addCorrection(*addSend(*send, chosen, "mode", "Switch the gamut correction", arguments, one(givenMode)), *arguments,
-                  "--gamut", true);
-    arguments = fresh();
-    addSend(*send, chosen, "bin", "Send a receiving-card binary", arguments, one(givenBin))
-        ->add_option("--file", arguments->binary, "The binary")
-        ->required();
-
-    arguments = fresh();
-    CLI::App* all = addSend(*send, chosen, "all", "Send everything that is given", arguments, allSteps);
-    addTable(*all, *arguments, false);
-    addGamut(*all, arguments->gamut, "--gamut", false);
-    addGamut(*all, arguments->measured, "--measured", false);
-    addCoefficients(*all, *arguments, false);
-    addCorrection(*all, *arguments, "--correction", false);
-    all->add_option("--bin", arguments->binary, "Receiving-card binary");
+    const AddOptions table = [](CLI::App& command, SendArguments& arguments, bool required) {
+        addTable(command, arguments.table, required);
+    };
+    const AddOptions target = [](CLI::App& command, SendArguments& arguments, bool required) {
+        addGamut(command, arguments.target, "--target", "The gamut that is wanted", required);
+    };
+    const AddOptions measured = [](CLI::App& command, SendArguments& arguments, bool required) {
+        addGamut(command, arguments.measured, "--measured", "The LEDs' gamut", required);
+    };
+    const AddOptions binary = [](CLI::App& command, SendArguments& arguments, bool required) {
+        addBinary(command, arguments.binary, required);
+    };
+    addSend(*send, chosen, "gray", "Send a gray-scale table", {table});
+    addSend(*send, chosen, "gamut", "Send the target gamut", {target});
+    addSend(*send, chosen, "measure", "Send the measured gamut", {measured});
+    addSend(*send, chosen, "coefficients", "Send correction coefficients", {addCoefficients});
+    addSend(*send, chosen, "mode", "Switch the gamut correction", {addCorrection});
+    addSend(*send, chosen, "binary", "Send a receiving-card binary", {binary});
+    addSend(*send, chosen, "all", "Send everything that is given",
+            {table, target, measured, addCoefficients, addCorrection, binary});
 }

@@ -3,6 +3,7 @@
 #include "hostlog.h"
 
 #include <CLI/CLI.hpp>
+#include <reports/table.h>
 
 #include <QFileInfo>
 #include <qualityutility/resource/picqualityresource.h>
@@ -33,35 +34,37 @@ CommandResult showSettings(const Output& output)
 {
     const PicQualityResource& resource = openResource(output);
     const PicQualitySettings& s = resource.settings();
-    const QList<QPair<QString, QJsonValue>> values{
-        {QStringLiteral("custom_timeout_s"), s.customTimeout},
-        {QStringLiteral("last_open_path"), s.lastOpenPath},
-        {QStringLiteral("gray_advance_state"), s.grayAdvanceState},
-        {QStringLiteral("gray_max_w_com"), s.grayMaxWCom},
-        {QStringLiteral("custom_color_coordinate"), s.customColorCoordinate},
-        {QStringLiteral("color_temperature_k"), s.colorTemp},
-        {QStringLiteral("white_x"), s.xCom},
-        {QStringLiteral("white_y"), s.yCom},
-        {QStringLiteral("frequency_mode"), s.freqMode},
-        {QStringLiteral("frequency_hz"), toDouble(s.freq)},
-        {QStringLiteral("speed"), s.speed},
-        {QStringLiteral("luminance_mode"), s.lvMode},
-        {QStringLiteral("display_mode"), s.displayMode},
-        {QStringLiteral("channel"), s.channelNo},
-        {QStringLiteral("frequencies"), s.freqList.join(QStringLiteral(", "))},
-        {QStringLiteral("magic_gray_state"), s.magicGrayState},
-        {QStringLiteral("measure_wait_ms"), s.measureWaitTime},
-        {QStringLiteral("default_max_luminance_cd_m2"), s.defaultMaxLum},
-        {QStringLiteral("peak_brightness_scale"), s.peakBrightnessScale},
-        {QStringLiteral("default_gamut_coefficient"), toDouble(s.defaultCoeff)}};
-    QList<QStringList> rows{{QStringLiteral("setting"), QStringLiteral("value")}};
+    const std::vector<std::pair<const char*, QJsonValue>> values{
+        {"custom_timeout_s", s.customTimeout},
+        {"last_open_path", s.lastOpenPath},
+        {"gray_advance_state", s.grayAdvanceState},
+        {"gray_max_w_com", s.grayMaxWCom},
+        {"custom_color_coordinate", s.customColorCoordinate},
+        {"color_temperature_k", s.colorTemp},
+        {"white_x", s.xCom},
+        {"white_y", s.yCom},
+        {"frequency_mode", s.freqMode},
+        {"frequency_hz", toDouble(s.freq)},
+        {"speed", s.speed},
+        {"luminance_mode", s.lvMode},
+        {"display_mode", s.displayMode},
+        {"channel", s.channelNo},
+        {"frequencies", s.freqList.join(QStringLiteral(", "))},
+        {"magic_gray_state", s.magicGrayState},
+        {"measure_wait_ms", s.measureWaitTime},
+        {"default_max_luminance_cd_m2", s.defaultMaxLum},
+        {"peak_brightness_scale", s.peakBrightnessScale},
+        {"default_gamut_coefficient", toDouble(s.defaultCoeff)},
+    };
+    Reports::Table table(
+        {{QStringLiteral("setting"), QStringLiteral("setting")}, {QStringLiteral("value"), QStringLiteral("value")}});
     QJsonObject json;
     for (const auto& [key, value] : values) {
-        rows.append(QStringList{key, value.toVariant().toString()});
-        json.insert(key, value);
+        table.add({QString::fromLatin1(key), {value.toVariant().toString(), value}});
+        json.insert(QLatin1String(key), value);
     }
     const QString file = resource.getSettingsFile();
-    return {QStringLiteral("%1\n\n").arg(file) + textTable(rows),
+    return {QStringLiteral("%1\n\n").arg(file) + table.toText(),
             {{QStringLiteral("file"), file}, {QStringLiteral("settings"), json}}};
 }
 
@@ -70,8 +73,8 @@ float parseFrequency(const QString& text)
     bool converted = false;
     const float frequency = text.toFloat(&converted);
     if (!converted || !std::isfinite(frequency) || frequency <= 0.0F)
-        throw CommandError{ExitCode::Usage,
-                           QStringLiteral("freq: expected a frequency in Hz above 0, found \"%1\"").arg(text)};
+        throw Fault{Fault::Kind::Usage, QStringLiteral("freq"), QStringLiteral("a frequency in Hz above 0"),
+                    QStringLiteral("\"%1\"").arg(text)};
     return frequency;
 }
 
@@ -80,14 +83,17 @@ CommandResult setSetting(const SetArguments& arguments, const Output& output)
     const QString key = QString::fromStdString(arguments.key);
     const QString value = QString::fromStdString(arguments.value);
     if (key != QLatin1String("freq") && key != QLatin1String("open-path"))
-        throw CommandError{
-            ExitCode::Usage, QStringLiteral("settings set %1: the library writes only freq and open-path").arg(key),
-            QStringLiteral("other keys are changed in the settings file itself; settings show names it")};
+        throw Fault{Fault::Kind::Usage,
+                    QStringLiteral("settings set %1").arg(key),
+                    {},
+                    QStringLiteral("the library writes only freq and open-path"),
+                    QStringLiteral("other keys are changed in the settings file itself; settings show names it")};
     const float frequency = key == QLatin1String("freq") ? parseFrequency(value) : 0.0F;
     PicQualityResource& target = openResource(output);
     const QString file = target.getSettingsFile();
     if (!QFileInfo(file).isFile())
-        throw CommandError{ExitCode::NoInput, QStringLiteral("settings file %1: no such file").arg(file)};
+        throw Fault{
+            Fault::Kind::NoInput, QStringLiteral("settings file %1").arg(file), {}, QStringLiteral("no such file")};
     if (key == QLatin1String("freq"))
         target.setFreq(frequency);
     else
@@ -97,8 +103,10 @@ CommandResult setSetting(const SetArguments& arguments, const Output& output)
     const bool isStored = key == QLatin1String("freq") ? std::abs(fresh.getFreq() - frequency) < 0.0051F
                                                        : fresh.getLastOpenPath() == value;
     if (!isStored)
-        throw CommandError{ExitCode::InputOutput,
-                           QStringLiteral("settings file %1: the value was not stored").arg(file)};
+        throw Fault{Fault::Kind::InputOutput,
+                    QStringLiteral("settings file %1").arg(file),
+                    {},
+                    QStringLiteral("the value was not stored")};
     return {QStringLiteral("%1: %2 = %3\n").arg(file, key, value),
             {{QStringLiteral("file"), file}, {QStringLiteral("key"), key}, {QStringLiteral("value"), value}}};
 }

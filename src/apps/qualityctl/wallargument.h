@@ -2,34 +2,44 @@
 
 #include "output.h"
 
-#include <suite/service/walldocument.h>
+#include <simulator/simulatedwall.h>
 
 #include <qualityutility/tool/sender4th/cabinetsenderbase.h>
 
-/// Which wall a command works on, and which of its cabinets.
+/// Which wall a command works on, which of its cabinets, and how it is simulated.
 struct WallArgument
 {
-    std::string file; ///< empty: the built-in example wall
+    std::string file; ///< empty: the built-in example wall; "-": standard input
     std::vector<std::string> devices;
     std::vector<std::string> cabinets; ///< identifiers and ranges such as 5-9; empty: all
+    unsigned int seed = 1;             ///< of the simulated faults
 };
 
 /// A wall that has been read and entered into the registry.
 struct OpenWall
 {
     QString name;
+    QString sha256; ///< of the document; empty for the built-in wall
     Service::Wall wall;
+    CabinetSenderSpace::CabinetTargetMap targets; ///< what the argument selects
 };
 
-/// Reads the wall's document and enters it into the registry. Throws CommandError: no input or bad data.
+/// Reads the wall's document, enters it into the registry and selects its targets. Throws Fault: no input, bad data,
+/// usage for a device or cabinet that it does not have.
 OpenWall openWall(const WallArgument& argument);
 
-/// Reads identifiers and ranges ("7", "5-9"). Throws CommandError: usage.
-std::vector<unsigned long long> parseCabinets(const std::vector<std::string>& texts);
+/// The wall simulated in this process, as the transport of all sending while this lives.
+class Simulation
+{
+public:
+    /// Says on stderr that the wall is simulated. Throws Fault, bad data.
+    Simulation(const OpenWall& wall, unsigned int seed, const Output& output);
+    ~Simulation();
+    Simulation(const Simulation&) = delete;
+    Simulation& operator=(const Simulation&) = delete;
 
-/// An identifier as a JSON number, or as a string where a JSON number would not be exact.
-QJsonValue cidToJson(unsigned long long cid);
+    const Action::CabinetReader& reader() const { return *m_wall; }
 
-/// The targets that the argument names: all devices and cabinets unless it names some. Throws CommandError: usage, for
-/// a device or cabinet that the wall does not have; bad data, for a wall without devices.
-CabinetSenderSpace::CabinetTargetMap selectTargets(const OpenWall& wall, const WallArgument& argument);
+private:
+    std::shared_ptr<Simulator::SimulatedWall> m_wall;
+};

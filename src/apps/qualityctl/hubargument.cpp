@@ -1,0 +1,63 @@
+#include "hubargument.h"
+
+#include <simulator/simulatedhub.h>
+
+namespace {
+
+using Simulator::HubCommands;
+
+Model::LXY pointOf(const QJsonValue& value)
+{
+    return {value[QLatin1String("lum")].toDouble(),
+            value[QLatin1String("cx")].toDouble(),
+            value[QLatin1String("cy")].toDouble(),
+            {}};
+}
+
+Model::ColorGamutInfo gamutOf(const QJsonObject& data)
+{
+    Model::ColorGamutInfo gamut;
+    gamut.rLxy = pointOf(data.value(QLatin1String("rLxy")));
+    gamut.gLxy = pointOf(data.value(QLatin1String("gLxy")));
+    gamut.bLxy = pointOf(data.value(QLatin1String("bLxy")));
+    gamut.wLxy = pointOf(data.value(QLatin1String("wLxy")));
+    gamut.name = data.value(QLatin1String("name")).toString().toStdString();
+    return gamut;
+}
+
+std::unique_ptr<Simulator::SimulatedHub> startSimulated(const Output& output)
+{
+    QString error;
+    auto hub = Simulator::SimulatedHub::start(0, error);
+    if (!hub)
+        throw Fault{Fault::Kind::Unavailable, QStringLiteral("simulated hub"), {}, error};
+    output.note(QStringLiteral("qualityctl: no address: using a simulated hub in this process"));
+    return hub;
+}
+
+} // namespace
+
+OpenHub::OpenHub(const HubArgument& argument, const Output& output)
+    : m_simulated(argument.isSimulated() ? startSimulated(output) : nullptr)
+{
+    Calibration::HubAddress address = argument.address();
+    if (m_simulated)
+        address.port = m_simulated->port();
+    m_client = take(Calibration::HubClient::connect(address));
+}
+
+OpenHub::~OpenHub() = default;
+
+QString OpenHub::name() const
+{
+    return m_simulated ? QStringLiteral("hub, simulated") : m_client->name();
+}
+
+Calibration::HubReader OpenHub::reader() const
+{
+    if (!m_simulated)
+        return nullptr;
+    return [hub = m_simulated.get()]() -> Calibration::HubHoldings {
+        return {gamutOf(hub->received(HubCommands::MeasuredGamut)), gamutOf(hub->received(HubCommands::TargetGamut))};
+    };
+}

@@ -1,0 +1,88 @@
+#include "options.h"
+
+#include "wallargument.h"
+
+#include <CLI/CLI.hpp>
+
+void addWall(CLI::App& command, std::string& file)
+{
+    command.add_option("--wall", file, "Wall document; the built-in example wall without one");
+}
+
+void addTargets(CLI::App& command, WallArgument& argument)
+{
+    addWall(command, argument.file);
+    command.add_option("--device", argument.devices, "Only this device; may be repeated");
+    command.add_option("--cabinet", argument.cabinets, "Only these cabinets: identifiers or ranges, as 1,2,5-9")
+        ->delimiter(',');
+    command.add_option("--seed", argument.seed, "Seed of the simulated faults")->capture_default_str();
+}
+
+void addGamut(CLI::App& command, std::string& gamut, const char* names, const char* what, bool required)
+{
+    command
+        .add_option(names, gamut,
+                    std::string(what) + ": a standard name, a JSON file, or rx,ry:gx,gy:bx,by:wx,wy[:cd_m2]")
+        ->required(required);
+}
+
+void addTable(CLI::App& command, TableArgument& table, bool required)
+{
+    command.add_option("--table", table.file, "Gray table: text or CSV with red, green, blue, magnitude (0..255)")
+        ->required(required);
+    command.add_option("--frequency", table.frequency, "Refresh frequency in Hz")
+        ->check(CLI::PositiveNumber)
+        ->capture_default_str();
+}
+
+void addBinary(CLI::App& command, std::string& binary, bool required)
+{
+    command.add_option("--binary", binary, "Receiving-card binary")->required(required);
+}
+
+void addOutputFolder(CLI::App& command, std::string& folder, bool& force)
+{
+    command.add_option("--out", folder, "Folder for the files; made when it is missing")->required();
+    command.add_flag("--force", force, "Replace files that are there");
+}
+
+void addChartFile(CLI::App& command, std::string& file, bool& force)
+{
+    command.add_option("--out", file, "The chart's file, .svg or .png")->required();
+    command.add_flag("--force", force, "Replace a file that is there");
+}
+
+Calibration::HubAddress HubArgument::address() const
+{
+    return {host.empty() ? QStringLiteral("127.0.0.1") : QString::fromStdString(host), static_cast<quint16>(port),
+            timeout};
+}
+
+void addHub(CLI::App& command, HubArgument& hub)
+{
+    command.add_option("--host", hub.host, "The hub's host; with --port alone this machine");
+    command.add_option("--port", hub.port, "The hub's port")->check(CLI::Range(0, 65535));
+    command.add_option("--timeout", hub.timeout, "Longest wait for a reply, in seconds")
+        ->check(finiteNumber(0.001, 86400.0))
+        ->capture_default_str();
+}
+
+void checkHub(const HubArgument& hub)
+{
+    if (!hub.host.empty() && hub.port == 0)
+        throw CLI::ValidationError("--host", "needs --port");
+}
+
+CLI::Validator finiteNumber(double min, double max)
+{
+    return CLI::Validator(
+        [min, max](const std::string& text) {
+            bool isNumber = false;
+            const double value = QString::fromStdString(text).toDouble(&isNumber);
+            if (isNumber && value >= min && value <= max)
+                return std::string();
+            return "expected a number from " + QString::number(min).toStdString() + " to " +
+                   QString::number(max).toStdString() + ", found " + text;
+        },
+        "NUMBER");
+}

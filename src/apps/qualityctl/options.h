@@ -1,0 +1,57 @@
+#pragma once
+
+#include <calibration/hubclient.h>
+
+#include <string>
+
+struct WallArgument;
+
+namespace CLI {
+class App;
+class Validator;
+} // namespace CLI
+
+// The options that commands share; each stands here once.
+
+/// --wall
+void addWall(CLI::App& command, std::string& file);
+/// --wall, --device, --cabinet, --seed
+void addTargets(CLI::App& command, WallArgument& argument);
+
+/// A gamut under `names` ("--target", "measured,--measured").
+void addGamut(CLI::App& command, std::string& gamut, const char* names, const char* what, bool required);
+
+/// A gray table and its frequency.
+struct TableArgument
+{
+    std::string file; ///< empty: none
+    int frequency = 60;
+};
+/// --table, --frequency
+void addTable(CLI::App& command, TableArgument& table, bool required);
+
+/// --binary
+void addBinary(CLI::App& command, std::string& binary, bool required);
+
+/// --out for a folder, --force
+void addOutputFolder(CLI::App& command, std::string& folder, bool& force);
+/// --out for a chart, --force
+void addChartFile(CLI::App& command, std::string& file, bool& force);
+
+/// Where a hub is; without host and port one is simulated.
+struct HubArgument
+{
+    std::string host;
+    int port = 0;
+    double timeout = 10.0; ///< seconds
+
+    bool isSimulated() const { return host.empty() && port == 0; }
+    Calibration::HubAddress address() const;
+};
+/// --host, --port, --timeout
+void addHub(CLI::App& command, HubArgument& hub);
+/// What CLI11 cannot check of them; throws CLI::ValidationError.
+void checkHub(const HubArgument& hub);
+
+/// Checks an option's number, which "nan" and "inf" are not.
+CLI::Validator finiteNumber(double min, double max);

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <calibration/destination.h>
+#include <calibration/figures.h>
+#include <calibration/folder.h>
+
+namespace Calibration {
+
+/// How a calibration begins in its folder.
+struct RunOptions
+{
+    bool resume = false; ///< go on with the calibration that was begun there
+    bool force = false;  ///< begin anew and replace what is there
+    QStringList uses;    ///< files that were read: none of them may be written
+    QStringList outputs; ///< what the host will write beside the documents
+};
+
+/// What a calibration comes to, in the order of its devices.
+struct RunResult
+{
+    QString destination; ///< the wall's or hub's name
+    Figures figures;
+    std::vector<DeviceRecord> records;
+    QStringList resumed; ///< devices that an earlier run had served
+    QStringList files;   ///< written, with their paths
+    bool isStopped = false;
+
+    bool isDone() const;
+    /// Those of all devices.
+    std::vector<Outcome> outcomes() const;
+    /// What it amounts to; nothing where every device holds everything.
+    std::optional<Fault> fault() const;
+};
+
+/// What a calibration is made from, as far as a resumed one must agree with it: digests and values by name.
+QJsonObject inputsOf(const Content& content, const Destination& destination);
+
+/// Sends everything to every device of a destination that the folder's journal does not have done, in order, and writes
+/// documents and journal. Asked to stop, it finishes the running device. Blocks until then; documents are written
+/// before anything is sent. `inputs` are inputsOf() with what the host adds. Faults: before anything is sent, usage,
+/// cannot create, bad data (a resume with other inputs), input/output; a device that fails is no fault but a record.
+Common::Result<RunResult> run(const Content& content, const Figures& figures, Destination& destination,
+                              const QJsonObject& inputs, const Folder& folder, const RunOptions& options,
+                              Observer& observer);
+
+} // namespace Calibration

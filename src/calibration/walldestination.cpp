@@ -1,0 +1,80 @@
+#include "destination.h"
+
+#include <calibration/figures.h>
+
+namespace Calibration {
+
+namespace {
+
+QList<HeldCorrection> heldBy(const CabinetStates& states)
+{
+    std::map<std::pair<Colour::Coefficients, bool>, int> groups;
+    for (const auto& [cabinet, state] : states)
+        ++groups[{signedCoefficients(state.coefficients), (state.mode & gamutCorrectionBit) != 0}];
+    QList<HeldCorrection> held;
+    for (const auto& [group, count] : groups)
+        held.append({count, group.first, group.second});
+    return held;
+}
+
+class WallDestination : public Destination
+{
+public:
+    WallDestination(QString name, CabinetSenderSpace::CabinetTargetMap targets, std::vector<Step> steps,
+                    const Action::CabinetReader* reader)
+        : m_name(std::move(name)), m_targets(std::move(targets)), m_steps(std::move(steps)), m_reader(reader)
+    {}
+
+    QString name() const override { return m_name; }
+    int stepCount() const override { return static_cast<int>(m_steps.size()); }
+
+    std::vector<std::string> devices() const override
+    {
+        std::vector<std::string> result;
+        for (const auto& [device, cids] : m_targets)
+            result.push_back(device);
+        return result;
+    }
+
+    DeviceRecord serve(const std::string& device, Observer& observer) override
+    {
+        const auto& cids = m_targets.at(device);
+        DeviceRecord record = notServed(device);
+        for (std::size_t i = 0; i < m_steps.size(); ++i) {
+            record.outcomes[i] = sendToDevice(m_steps[i], device, cids, m_reader);
+            observer.sent(record.outcomes[i]);
+            if (record.outcomes[i].kind != Outcome::Kind::Answered)
+                break;
+        }
+        if (m_reader)
+            record.held = heldBy(readBack(*m_reader, {{device, cids}}));
+        return record;
+    }
+
+    DeviceRecord notServed(const std::string& device) const override
+    {
+        DeviceRecord record;
+        record.device = QString::fromStdString(device);
+        for (const Step& step : m_steps)
+            record.outcomes.push_back(notSent(step, device, m_targets.at(device).size()));
+        return record;
+    }
+
+private:
+    QString m_name;
+    CabinetSenderSpace::CabinetTargetMap m_targets;
+    std::vector<Step> m_steps;
+    const Action::CabinetReader* m_reader;
+};
+
+} // namespace
+
+Destination::~Destination() = default;
+
+std::unique_ptr<Destination> wallDestination(const QString& name, const CabinetSenderSpace::CabinetTargetMap& targets,
+                                             std::vector<Step> steps, const Action::CabinetReader* reader)
+{
+    return std::make_unique<WallDestination>(name, targets, std::move(steps), reader);
+}
+
+} // namespace Calibration

@@ -1,0 +1,117 @@
+#include "table.h"
+
+#include <QJsonObject>
+
+#include <algorithm>
+
+namespace Reports {
+
+namespace {
+
+using Row = std::vector<QString>;
+
+std::vector<int> widthsOf(const std::vector<Row>& rows)
+{
+    std::vector<int> widths(rows.front().size(), 0);
+    for (const Row& row : rows) {
+        for (std::size_t column = 0; column < row.size(); ++column)
+            widths[column] = std::max(widths[column], row[column].size());
+    }
+    return widths;
+}
+
+QString lineOf(const Row& row, const std::vector<int>& widths)
+{
+    QString text;
+    for (std::size_t column = 0; column < row.size(); ++column)
+        text += row[column].leftJustified(widths[column]) + QStringLiteral("  ");
+    while (text.endsWith(QLatin1Char(' ')))
+        text.chop(1);
+    return text + QLatin1Char('\n');
+}
+
+QString htmlRow(const Row& row, const QString& tag)
+{
+    QString html = QStringLiteral("<tr>");
+    for (const QString& cell : row)
+        html += QStringLiteral("<%1>%2</%1>").arg(tag, cell.toHtmlEscaped());
+    return html + QStringLiteral("</tr>\n");
+}
+
+} // namespace
+
+Cell decimal(double number, int decimals)
+{
+    return {QString::number(number, 'f', decimals), number};
+}
+
+Cell percent(double fraction)
+{
+    return {QStringLiteral("%1 %").arg(100.0 * fraction, 0, 'f', 2), fraction};
+}
+
+Cell flag(bool value, const QString& whenTrue, const QString& whenFalse)
+{
+    return {value ? whenTrue : whenFalse, value};
+}
+
+Cell identifier(unsigned long long number)
+{
+    constexpr unsigned long long maxExact = 1ULL << 53;
+    const QString text = QString::number(number);
+    return {text, number <= maxExact ? QJsonValue(static_cast<double>(number)) : QJsonValue(text)};
+}
+
+std::vector<Row> Table::texts() const
+{
+    std::vector<Row> result(m_rows.size() + 1);
+    for (std::size_t column = 0; column < m_columns.size(); ++column) {
+        const Column& shown = m_columns[column];
+        if (shown.heading.isEmpty())
+            continue;
+        const QString unit = shown.unit.isEmpty() ? QString() : QLatin1Char(' ') + shown.unit;
+        result.front().push_back(shown.heading);
+        for (std::size_t row = 0; row < m_rows.size(); ++row)
+            result[row + 1].push_back(m_rows[row].at(column).text + unit);
+    }
+    return result;
+}
+
+QString Table::toText() const
+{
+    const auto rows = texts();
+    const auto widths = widthsOf(rows);
+    Row rules;
+    for (const int width : widths)
+        rules.push_back(QString(width, QLatin1Char('-')));
+    QString text = lineOf(rows.front(), widths) + lineOf(rules, widths);
+    for (std::size_t row = 1; row < rows.size(); ++row)
+        text += lineOf(rows[row], widths);
+    return text;
+}
+
+QJsonArray Table::toJson() const
+{
+    QJsonArray array;
+    for (const auto& row : m_rows) {
+        QJsonObject object;
+        for (std::size_t column = 0; column < m_columns.size(); ++column) {
+            if (!m_columns[column].key.isEmpty() && !row.at(column).value.isUndefined())
+                object.insert(m_columns[column].key, row.at(column).value);
+        }
+        array.append(object);
+    }
+    return array;
+}
+
+QString Table::toHtml() const
+{
+    const auto rows = texts();
+    QString html =
+        QStringLiteral("<table>\n<thead>\n%1</thead>\n<tbody>\n").arg(htmlRow(rows.front(), QStringLiteral("th")));
+    for (std::size_t row = 1; row < rows.size(); ++row)
+        html += htmlRow(rows[row], QStringLiteral("td"));
+    return html + QStringLiteral("</tbody>\n</table>\n");
+}
+
+} // namespace Reports

@@ -1,0 +1,158 @@
+#include "support/calibrationsetup.h"
+#include "support/filesizelimit.h"
+
+#include <reports/calibrationreport.h>
+#include <reports/explanation.h>
+#include <reports/figuresreport.h>
+#include <reports/sendreport.h>
+
+#include <QApplication>
+#include <QJsonDocument>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QXmlStreamReader>
+
+using namespace Reports;
+
+class ReportsTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    QString in(const QString& name) const { return m_folder.filePath(name); }
+    ReportFiles files() const { return {in("xy.svg"), in("uv.svg"), in("gray.svg"), in("report.html")}; }
+    /// What became of a wall whose device b refuses everything.
+    Calibration::RunResult failedRun(const Calibration::Content& content) const
+    {
+        const QTemporaryDir folder;
+        return good(calibrate(TestWall(failingBy("error")), content, folder.path()));
+    }
+
+    QTemporaryDir m_folder;
+    const Calibration::Content m_content = exampleContent();
+    const Calibration::Figures m_figures = good(Calibration::figuresOf(m_content.measured, m_content.target));
+
+private Q_SLOTS:
+    void figuresAreFractionsAndComeFromTheIntegers()
+    {
+        const QJsonObject json = toJson(m_figures);
+        QCOMPARE(json["coefficients"], QJsonValue(QJsonArray{10264, 5297, 823, 960, 16216, -1006, 99, 365, 11230}));
+        QCOMPARE(json["measured"].toString(), QString("Panel 2026-11"));
+        QVERIFY(qAbs(json["light_kept"].toDouble() - 0.95365) < 1e-4);
+        const QJsonValue blue = json.value("reached")[2];
+        QVERIFY(blue["point"] == "blue" && blue["out_of_reach"].toBool() && blue["ciede2000"].toDouble() > 5.0);
+        const QJsonValue white = json.value("reached")[3];
+        QVERIFY(!white["out_of_reach"].toBool() && qAbs(white["x"].toDouble() - 0.3127) < 2e-4);
+        const auto p3 = good(Calibration::computeFigures(good(Calibration::readGamut("p3-d65")),
+                                                         good(Calibration::readGamut("bt2020"))));
+        QVERIFY(qAbs(toJson(p3)["area_ratio_xy"].toDouble() - 0.7174329118) < 1e-9);
+        QVERIFY(qAbs(toJson(p3)["coverage_uv"].toDouble() - 0.7284919140) < 1e-9);
+        QVERIFY(coefficientLines(m_figures.coefficients).startsWith("   10264    5297     823\n"));
+        const QString explained = toText(explain(m_figures));
+        QVERIFY2(explained.contains("0.95365319") && explained.contains("[SMPTE RP 177]"), qPrintable(explained));
+        QCOMPARE(toJson(explain(m_figures)).size(), 11);
+    }
+
+    void aReportSaysWhatBecameOfEachDevice()
+    {
+        auto result = failedRun(m_content);
+        result.resumed << "a";
+        const QJsonObject json = toJson(result);
+        QCOMPARE(json["destination"].toString(), QString("test wall"));
+        QVERIFY(json.value("devices")[0]["done"].toBool() && json.value("devices")[0]["resumed"].toBool());
+        QVERIFY(!json.value("devices")[1]["done"].toBool() && !json.value("devices")[2]["resumed"].toBool());
+        QCOMPARE(json["results"].toArray().size(), 18);
+        QVERIFY(json.value("results")[6]["error"].toString().contains("reports an error") &&
+                json.value("results")[0]["error"].isUndefined() && !json.value("results")[7]["sent"].toBool());
+        const QString text = toText(result);
+        QVERIFY2(text.contains("done before") && text.contains("binary: device \"b\" reports an error (simulated), "
+                                                               "0 of 2 cabinets hold it"),
+                 qPrintable(text));
+    }
+
+    void namesReachReportsAsText()
+    {
+        auto content = m_content;
+        content.measured.name = "</title><script>%1&";
+        auto result = failedRun(content);
+        result.destination = "<script>%2";
+        QVERIFY(writeReport(result, content, files()));
+        const QByteArray html = readFile(in("report.html"));
+        QVERIFY(!html.contains("<script") && html.contains("&lt;/title&gt;&lt;script&gt;%1&amp;"));
+        QVERIFY(html.contains("<title>Calibration of &lt;script&gt;%2</title>"));
+        QVERIFY(!html.contains("<?xml") && !html.contains("<link") && html.count("<svg") == 3);
+        QCOMPARE(result.files.mid(result.files.size() - 4), files().all());
+        for (const QString& chart : {files().chartXy, files().chartUv, files().chartGray}) {
+            QXmlStreamReader xml(readFile(chart));
+            while (!xml.atEnd())
+                xml.readNext();
+            QVERIFY2(!xml.hasError(), qPrintable(chart + xml.errorString()));
+        }
+    }
+
+    void aReportIsKnownByItsBegin()
+    {
+        auto result = failedRun(m_content);
+        QVERIFY(isReport(writeFile(in("r.html"), toHtml(result, {}))));
+        QVERIFY(!isReport(writeFile(in("r.html"), "<!DOCTYPE html>\n<title>Mine</title>")));
+        QVERIFY(!isReport(in("absent")) && !isReport(m_folder.path()));
+        const FileSizeLimit full(3000); // less than a chart
+        QCOMPARE(faultText(writeReport(result, m_content, files())),
+                 "InputOutput: " + in("xy.svg") + ": File too large");
+    }
+
+    void aChartShowsWhatWasRead()
+    {
+        const QString path = writeFile(in("table.csv"), "1 2 3 4\n5 6 7 8\n");
+        const auto content = exampleContent(path);
+        const QByteArray before = grayTableChart(content.table, "t").toSvg();
+        writeFile(path, "200 200 200 200\n");
+        QCOMPARE(grayTableChart(content.table, "t").toSvg(), before);
+        QVERIFY(before.contains("magnitude") && before != grayTableChart(exampleContent(path).table, "t").toSvg());
+        QVERIFY(correctionChart(m_figures, Charts::Plane::Xy).toFormat("png").startsWith("\x89PNG"));
+    }
+
+    void verificationsSayWhatIsWrong()
+    {
+        Calibration::Verification verification;
+        verification.target = "Rec.709";
+        verification.maxDifference = 3.0;
+        const Calibration::HeldCorrection held{2, m_figures.coefficients, true};
+        verification.judgements = {{"a", held, m_figures, true}, {"b", held, m_figures, false}, {"c", {}, {}, false}};
+        const QString text = toText(verification);
+        QVERIFY2(text.contains("\na       2         on") && text.contains("  ok\n") && text.contains("  ABOVE\n") &&
+                     text.contains("\nc       0         off         -     -      -      -      DARK\n"),
+                 qPrintable(text));
+        const QJsonObject json = toJson(verification);
+        QCOMPARE(json.value("devices")[1]["within"].toBool(), false);
+        QCOMPARE(json.value("devices")[0]["max_ciede2000"].toDouble(), m_figures.worstDifference());
+        QVERIFY(json.value("devices")[2]["max_ciede2000"].isUndefined());
+    }
+
+    void aSendingSaysWhatTheCabinetsHold()
+    {
+        const TestWall wall;
+        SendResult result;
+        result.steps = {Calibration::modeStep(true, true), Calibration::grayStep(m_content.table, "t%1")};
+        result.before = Calibration::readBack(*wall.cabinets, {{"a", {1, 2}}});
+        for (const auto& step : result.steps)
+            result.outcomes.push_back(Calibration::sendToDevice(step, "a", {1, 2}, wall.cabinets.get()));
+        result.now = Calibration::readBack(*wall.cabinets, {{"a", {1, 2}}});
+        const QString text = toText(result);
+        QVERIFY2(text.contains("  gray: gray table t%1, 256 levels, 60 Hz\n") &&
+                     text.contains("  a, 1 cabinets: mode 12 | gray table 256 levels, 60 Hz | target gamut none"),
+                 qPrintable(text));
+        const QJsonValue second = toJson(result).value("cabinets")[1];
+        QVERIFY(second["mode_before"] == 4 && second["mode"] == 12 && second["gray_levels"] == 256);
+        QVERIFY(!second["has_measured_gamut"].toBool() && second["coefficients"].isUndefined());
+    }
+};
+
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    ReportsTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "tst_reports.moc"
