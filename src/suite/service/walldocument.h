@@ -27,8 +27,8 @@ inline constexpr qint64 maxWallBytes = qint64{32} * 1024 * 1024;
 /// Reads a wall document that has been loaded; `name` is what messages call it. Fault: bad data, with the place.
 SUITE_SERVICE_EXPORT Common::Result<Wall> parseWall(const QByteArray& text, const QString& name);
 
-/// Reads a wall document (JSON of at most maxWallBytes, see docs/wall-document.md). On failure gives nothing and writes to
-/// `error` the file, the place (line and column, or a path such as devices[2].cabinets[0].cid) and what was expected
+/// Reads a wall document (JSON of at most maxWallBytes, see docs/wall-document.md). On failure gives nothing and writes
+/// to `error` the file, the place (line and column, or a path such as devices[2].cabinets[0].cid) and what was expected
 /// and found; `error` stays as it was otherwise. Blocks for the file work; any thread.
 SUITE_SERVICE_EXPORT std::optional<Wall> readWall(const QString& filePath, QString& error);
 
