@@ -24,8 +24,10 @@ def wall(cabinets):
 def peak_megabytes(qualityctl, cabinets, folder):
     document = pathlib.Path(folder) / "wall.json"
     document.write_text(json.dumps(wall(cabinets)))
-    command = [qualityctl, "--quiet", "send", "all", "--wall", str(document), "--table", str(EXAMPLES / "gray-table.csv"), "--target", "rec709",
-               "--measured", str(EXAMPLES / "measured-gamut.json"), "--coefficients", "16384,0,0,0,16384,0,0,0,16384", "--correction", "on"]
+    command = [qualityctl, "--quiet", "send", "all", "--wall", str(document),
+               "--table", str(EXAMPLES / "gray-table.csv"), "--target", "rec709",
+               "--measured", str(EXAMPLES / "measured-gamut.json"),
+               "--coefficients", "16384,0,0,0,16384,0,0,0,16384", "--correction", "on"]
     child = subprocess.Popen(command, stdout=subprocess.DEVNULL)
     _, status, usage = os.wait4(child.pid, 0)
     if status != 0:

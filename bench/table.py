@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
-"""Runs benchmark programs and prints one table: what, our figure, the baseline's, their ratio, the goal of the ratio, met or not.
+"""Runs benchmark programs and prints one table: what, our figure, the baseline's, their ratio, its goal, met or not.
 
     bench/table.py [--json] [--filter TEXT] <program>...
 
-Names are "<subject>/ours: <what>[/<variant>]" and "<subject>/baseline: <what>[/<variant>]". bench/goals.json has the goals, per
+Names are "<subject>/ours: <what>[/<variant>]" and "<subject>/baseline: <what>[/<variant>]".
+bench/goals.json has the goals, per
 subject and baseline. Figures are medians of interleaved repetitions. Ends with 1 when a goal is missed."""
 import argparse
 import json
@@ -19,7 +20,8 @@ GOALS = json.loads((pathlib.Path(__file__).parent / "goals.json").read_text())
 
 def medians(program):
     """Microseconds by name."""
-    result = subprocess.run([program, "--benchmark_format=json", f"--benchmark_repetitions={REPETITIONS}", "--benchmark_min_time=0.1",
+    result = subprocess.run([program, "--benchmark_format=json", "--benchmark_min_time=0.1",
+                             f"--benchmark_repetitions={REPETITIONS}",
                              "--benchmark_enable_random_interleaving=true", "--benchmark_report_aggregates_only=true"],
                             check=True, stdout=subprocess.PIPE)
     runs = json.loads(result.stdout)["benchmarks"]
@@ -49,7 +51,8 @@ def compare(figures):
             if (subject, variant) == (other, other_variant):
                 goal = goal_of(subject, what, baseline, variant)
                 ratio = ours / theirs
-                yield {"subject": subject, "variant": variant, "what": what, "baseline": baseline, "ours_us": ours, "baseline_us": theirs,
+                yield {"subject": subject, "variant": variant, "what": what, "baseline": baseline,
+                       "ours_us": ours, "baseline_us": theirs,
                        "ratio": ratio, "goal": goal, "met": None if goal is None else ratio <= goal}
 
 
@@ -63,7 +66,8 @@ def time_text(microseconds):
 def table(rows):
     lines = [("what", "ours", "beside", "its figure", "ratio", "goal", "met")]
     for row in rows:
-        lines.append((f"{row['subject']}{' ' + row['variant'] if row['variant'] else ''}: {row['what']}", time_text(row["ours_us"]),
+        variant = " " + row["variant"] if row["variant"] else ""
+        lines.append((f"{row['subject']}{variant}: {row['what']}", time_text(row["ours_us"]),
                       row["baseline"], time_text(row["baseline_us"]), f"{row['ratio']:.2f}",
                       "" if row["goal"] is None else f"{row['goal']:g}",
                       {None: "", True: "yes", False: "MISSED"}[row["met"]]))

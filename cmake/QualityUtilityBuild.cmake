@@ -43,7 +43,8 @@ if(QUALITYUTILITY_SANITIZE)
   target_link_options(qualityutility_build INTERFACE -fsanitize=${QUALITYUTILITY_SANITIZE})
 endif()
 
-# Sets up a shared library whose headers are included as <FOLDER/...>: its alias, export macro, version and installation.
+# Sets up a shared library whose headers are included as <FOLDER/...>: its alias, export macro, version and
+# installation.
 #   qualityutility_library(<target> EXPORT <set> NAME <alias namespace::name> BASE <include root> FOLDER <folder>)
 function(qualityutility_library target)
   cmake_parse_arguments(PARSE_ARGV 1 ARG "" "EXPORT;NAME;BASE;FOLDER" "")

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""A client of the message hub in Python's standard library: asks for the fine-gray configuration, then sends a command that no hub knows.
+"""A client of the message hub in Python's standard library: asks for the fine-gray configuration,
+then sends a command that no hub knows.
 
 usage: hub_client.py PORT [HOST]
 """

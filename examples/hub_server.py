@@ -1,5 +1,7 @@
 #!/usr/bin/env python3
-"""A message hub for one connection in Python's standard library: prints its port, then each frame in hex, and answers {"error": 0} with a fine-gray configuration."""
+"""A message hub for one connection in Python's standard library: prints its port, then each frame in hex,
+and answers {"error": 0} with a fine-gray configuration.
+"""
 import json
 import socket
 import struct

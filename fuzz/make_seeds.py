@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Writes the seeds of every fuzz target into a folder, made from the examples and the shipped files, and a dictionary of the keys
+"""Writes the seeds of every fuzz target into a folder, made from the examples and the shipped files, and a
+dictionary of the keys
 that the sources know.
 
     fuzz/make_seeds.py <folder>
@@ -36,12 +37,14 @@ def documents():
     calibration = json.loads((EXAMPLES / "gray-calibration.json").read_text())
     gamut = json.loads((EXAMPLES / "measured-gamut.json").read_text())
     points = [dict(zip(("lum", "x", "y"), point)) for point in calibration["red"][:5]]
-    yield "gray", {"rMeasure": points, "gMeasure": points, "bMeasure": [], "rGrayCoeffs": [1, 2, 255], "magnitudes": [0],
+    yield "gray", {"rMeasure": points, "gMeasure": points, "bMeasure": [],
+                   "rGrayCoeffs": [1, 2, 255], "magnitudes": [0],
                    "grayEffectPara": {"switchMG": True}, "grayDetailPara": {"peakInvalid": True, "peakLum": 5},
                    "mgData": {"rMG0Measure": points, "rMGMeasure": [{"measure": points}], "mgCurrentLUTs": [1]}}
     yield "foreign", {"openGray": True, "xbitType": 3, "grayDetailPara": {"peakInvalid": True, "maxLum": 5},
                       "mgData": {"compBase": 4, "maxDataShiftBase": 4}}
-    yield "cache", {"grayAdvance": {"maxNum": 4, "wMeasure": points, "coeffs": {}, "lumTargets": {}}, "wMeasure1": points}
+    yield "cache", {"grayAdvance": {"maxNum": 4, "wMeasure": points, "coeffs": {}, "lumTargets": {}},
+                    "wMeasure1": points}
     yield "nicc", {"vesion": "1.0", "Time": "2026-11-21", "LEDColorGamnut": gamut, "TargetColorGamnut": gamut,
                    "IsOpen": True, "UsedIndex": 3}
     yield "new-nicc", {"GamutName": "Rec.709", "Temperature": 6500, "FromInputStatus": 1}
@@ -56,7 +59,8 @@ seed("wall", "wall", json.dumps(wall).encode())
 seed("settings", "shipped", (SHIPPED / "qualityadjust_config/picqualityconfigfile.ini").read_bytes())
 seed("settings", "odd", b'k=0\n[ %41 ];c\n"x"=1, "2;"\n\n%U006b\t= \\x41"\r\n[A]\nk=2\\\r\n3\n;c\n[A]x\nk=@Size(1 2)')
 seed("graytables", "numbers", b"0\n1\n 65535 \r\n-1\nx\n\n70000")
-for name, payload in [("ok", b'{"error":0}'), ("data", b'{"error":0,"data":{"level":14,"mode":1}}'), ("text", "测".encode())]:
+for name, payload in [("ok", b'{"error":0}'), ("data", b'{"error":0,"data":{"level":14,"mode":1}}'),
+                      ("text", "测".encode())]:
     frame = struct.pack("<i", len(payload)) + payload
     seed("hub", name, bytes([0, 3, 255, 255]) + frame)
     seed("hub", name + "-twice", bytes([255, 255, 255, 255]) + frame + frame)
@@ -69,6 +73,7 @@ seed("archive", "comment", archive([("a", "1")])[:-2] + b"\xff\xff" + archive([]
 
 words = set()
 for source in (ROOT / "src").rglob("*"):
-    if source.suffix in (".cpp", ".h") and source.parts[-2] in ("file", "resource", "service", "simulator", "sender3th"):
+    if source.suffix in (".cpp", ".h") and source.parts[-2] in ("file", "resource", "service", "simulator",
+                                                              "sender3th"):
         words |= set(re.findall(r'"([A-Za-z][A-Za-z0-9]{1,30})"', source.read_text()))
 (OUT / "words.dict").write_text("".join(f'"{word}"\n' for word in sorted(words)))
