@@ -9,6 +9,12 @@ namespace Colour {
 
 namespace {
 
+/// One unit less than the type holds: the adjustment of a row may add it.
+constexpr double largestEntry = (std::numeric_limits<std::int16_t>::max() - 1.0) / fullScale;
+
+/// Full red, green, blue and white.
+constexpr std::array<Vector3, 4> contents{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 1, 1}}};
+
 bool isUsable(const Chromaticity& c)
 {
     return std::isfinite(c.x) && std::isfinite(c.y) && c.y != 0.0;
@@ -70,12 +76,17 @@ std::optional<Matrix3> correctionMatrix(const Primaries& source, const Primaries
 std::optional<double> whiteScale(const Matrix3& correction, double ratio, double targetLuminance,
                                  double sourceLuminance)
 {
-    const double fit = 1.0 / std::max({rowSum(correction[0]), rowSum(correction[1]), rowSum(correction[2])});
+    double largest = 0.0;
+    for (const Vector3& row : correction)
+        for (const double entry : row)
+            largest = std::max(largest, std::abs(entry));
+    const double sum = std::max({rowSum(correction[0]), rowSum(correction[1]), rowSum(correction[2])});
+    const double fit = std::min(1.0 / sum, largestEntry / largest);
     double keep = 1.0;
     if (targetLuminance > 0.0 && sourceLuminance > 0.0 && std::isfinite(targetLuminance / sourceLuminance))
         keep = targetLuminance / sourceLuminance;
     const double k = ratio > 0.0 ? std::min(ratio, 1.0) : 0.0;
-    const double scale = fit + k * (keep - fit);
+    const double scale = fit + k * (std::min(keep, fit) - fit);
     if (!(fit > 0.0) || !(scale > 0.0) || !std::isfinite(scale))
         return std::nullopt;
     return scale;
@@ -102,16 +113,12 @@ std::optional<ReachedGamut> reachedGamut(const Primaries& source, const Coeffici
     const auto toXyz = rgbToXyz(source);
     if (!toXyz)
         return std::nullopt;
+    const Matrix3 correction = toMatrix(coefficients);
     ReachedGamut result;
-    for (std::size_t colour = 0; colour < 4; ++colour) {
-        Vector3 drive{};
-        for (std::size_t channel = 0; channel < 3; ++channel) {
-            const std::int16_t* row = coefficients.data() + 3 * channel;
-            const int wanted = colour < 3 ? row[colour] : row[0] + row[1] + row[2];
-            const int shown = std::clamp(wanted, 0, fullScale);
-            drive[channel] = static_cast<double>(shown) / fullScale;
-            result.outOfReach[colour] = result.outOfReach[colour] || shown != wanted;
-        }
+    for (std::size_t colour = 0; colour < contents.size(); ++colour) {
+        const Vector3 wanted = multiply(correction, contents[colour]);
+        const Vector3 drive = limitedDrive(wanted);
+        result.outOfReach[colour] = drive != wanted;
         result.xyz[colour] = multiply(*toXyz, drive);
         if (!(rowSum(result.xyz[colour]) > 0.0) || !(result.xyz[colour][1] > 0.0))
             return std::nullopt;
@@ -128,13 +135,12 @@ std::optional<std::array<double, 4>> differences(const ReachedGamut& reached, co
     if (!toXyz)
         return std::nullopt;
     const Vector3 white = multiply(*toXyz, Vector3{1.0, 1.0, 1.0});
-    const std::array<Vector3, 4> content{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 1, 1}}};
     std::array<double, 4> result{};
-    for (std::size_t colour = 0; colour < 4; ++colour) {
+    for (std::size_t colour = 0; colour < contents.size(); ++colour) {
         Vector3 shown = reached.xyz[colour];
         for (double& value : shown)
             value /= reached.whiteKept;
-        result[colour] = ciede2000(toLab(multiply(*toXyz, content[colour]), white), toLab(shown, white));
+        result[colour] = ciede2000(toLab(multiply(*toXyz, contents[colour]), white), toLab(shown, white));
     }
     return result;
 }

@@ -1,3 +1,5 @@
+#include "colourgamuts.h"
+
 #include <suite/colour/adapterquali.h>
 #include <suite/colour/colourdifference.h>
 #include <suite/colour/correction.h>
@@ -14,29 +16,9 @@ using namespace Colour;
 
 namespace {
 
-const Primaries led{{0.69, 0.30}, {0.17, 0.73}, {0.13, 0.08}, {0.2863, 0.2949}};
-
-Primaries gamut(const QString& key)
-{
-    if (key == "led")
-        return led;
-    for (const StandardGamut& standard : standardGamuts)
-        if (key == standard.key)
-            return standard.primaries;
-    qFatal("no such gamut: %s", qPrintable(key));
-}
-
 Primaries triangle(Chromaticity red, Chromaticity green, Chromaticity blue)
 {
     return {red, green, blue, {}};
-}
-
-bool isNear(double actual, double expected, double tolerance)
-{
-    if (std::abs(actual - expected) <= tolerance)
-        return true;
-    qWarning("%.12g, expected %.12g", actual, expected);
-    return false;
 }
 
 ColorGamutPARM parm(const Primaries& p)
@@ -177,7 +159,8 @@ private Q_SLOTS:
         QTest::newRow("fits") << 0.0 << 30.0 << 0.95365319;
         QTest::newRow("half way") << 0.5 << 60.0 << 0.5 * (0.95365319 + 0.6);
         QTest::newRow("the target's") << 1.0 << 60.0 << 0.6;
-        QTest::newRow("no luminance known") << 1.0 << 0.0 << 1.0;
+        QTest::newRow("no luminance known, what fits") << 1.0 << 0.0 << 0.95365319;
+        QTest::newRow("brighter than fits") << 0.5 << 120.0 << 0.95365319;
         QTest::newRow("above one") << 7.0 << 60.0 << 0.6;
         QTest::newRow("not a number") << std::nan("") << 60.0 << 0.95365319;
     }
@@ -200,14 +183,37 @@ private Q_SLOTS:
         for (const StandardGamut& source : standardGamuts) {
             for (const StandardGamut& target : standardGamuts) {
                 const Coefficients q = adapted(source.primaries, target.primaries).coefficients;
-                const int sums[] = {q[0] + q[1] + q[2], q[3] + q[4] + q[5], q[6] + q[7] + q[8]};
-                QCOMPARE(*std::max_element(sums, sums + 3), fullScale);
+                const auto sums = rowSums(q);
+                QCOMPARE(*std::max_element(sums.begin(), sums.end()), fullScale);
                 const auto reached = reachedGamut(source.primaries, q);
                 QVERIFY(reached);
                 QVERIFY(!reached->outOfReach[3]);
                 QVERIFY(isNear(reached->primaries.white.x, target.primaries.white.x, 2e-4));
                 QVERIFY(isNear(reached->primaries.white.y, target.primaries.white.y, 2e-4));
             }
+        }
+    }
+
+    void aWallTooNarrowForTheTypeIsDimmedAndKeepsWhite()
+    {
+        const Primaries narrow{{0.40, 0.32}, {0.30, 0.42}, {0.24, 0.22}, {0.3127, 0.3290}};
+        const Figures figures = adapted(narrow, gamut("bt2020"));
+        // Exact fractions, the largest entry (3.303) brought to a unit below the type's limit; all rows sum to 9919.
+        QCOMPARE(figures.coefficients,
+                 (Coefficients{32765, -16872, -5974, -10185, 27112, -7008, -10499, -8758, 29176}));
+        QCOMPARE(adapted(narrow, gamut("bt2020"), 1.0, 100.0, 50.0).coefficients, figures.coefficients);
+        QVERIFY((*differences(*reachedGamut(narrow, figures.coefficients), gamut("bt2020")))[3] < 0.01);
+        std::mt19937 random(20261121); // NOLINT: the same cases in every run
+        std::uniform_real_distribution<double> shift(-0.01, 0.01);
+        for (int i = 0; i < 2000; ++i) {
+            Primaries wall = narrow;
+            for (double* value : {&wall.red.x, &wall.green.y, &wall.blue.x, &wall.white.x, &wall.white.y})
+                *value += shift(random);
+            const auto exact = *correctionMatrix(wall, gamut("bt2020"));
+            const double scale = *whiteScale(exact, 0.0, 0.0, 0.0);
+            const auto sums = rowSums(adapted(wall, gamut("bt2020")).coefficients);
+            for (std::size_t row = 0; row < 3; ++row)
+                QCOMPARE(sums[row], int(std::lround(rowSum(scaled(exact, scale)[row]) * fullScale)));
         }
     }
 

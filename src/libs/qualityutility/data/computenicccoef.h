@@ -26,7 +26,7 @@ public:
     static OnePointLxy GetWhiteLxy(const Model::ColorGamutInfo& info);
 
     /// As createCoef, with a white-luminance ratio: 0 for white as bright as every channel allows, 1 for the luminance
-    /// of the target's white.
+    /// of the target's white, where that is less.
     static void computeSingleCoef(Model::ColorGamutInfo& target, double whiteLumRatio, const ColorGamutPARM& source,
                                   OnePointLxy sourceWhite);
 };
