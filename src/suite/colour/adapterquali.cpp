@@ -36,6 +36,9 @@ void AdapterQuali::MICCMatrixCoef(short* coefficients, double* whiteLumRatio, co
     if (!scale)
         return;
     const auto fixed = Colour::quantised(Colour::scaled(*correction, *scale));
+    const auto sums = Colour::rowSums(fixed);
+    if (*std::min_element(sums.begin(), sums.end()) <= 0) // rounded away: white would lack a primary
+        return;
     std::copy(fixed.begin(), fixed.end(), coefficients);
 }
 

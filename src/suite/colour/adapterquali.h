@@ -31,9 +31,12 @@ class SUITE_COLOUR_EXPORT AdapterQuali
 public:
     /// The nine coefficients that make a wall of `source` primaries and white show `target` content: a 3 x 3 matrix,
     /// row-major, LED channels in rows, content channels in columns, signed Q1.14 (1.0 is 16384). `whiteLumRatio`
-    /// (0..1) goes from "white as bright as every channel allows" (0) to "white as bright as the target's white" (1).
-    /// Nine zeros for input that has no correction: a y of zero, three points on a line, a number that is not finite, a
-    /// source white on its triangle's edge. docs/colour.md has the derivation.
+    /// (0..1) goes from "white as bright as every channel allows" (0) to "white as bright as the target's white" (1),
+    /// never brighter than the first; where an entry would pass the type's limit all nine are dimmed to fit. Nine zeros
+    /// for input that has no correction: a y of zero, three points on a line, a number that is not finite, or a white
+    /// that cannot be shown, because a primary's share in its luminance is below a millionth (source's and target's
+    /// white by their own primaries, the target's by the source's) or rounds to no drive at all. In all others each
+    /// row's sum is above zero. docs/colour.md has the derivation.
     void MICCMatrixCoef(short* coefficients, double* whiteLumRatio, const ColorGamutPARM& target,
                         const ColorGamutPARM& source, OnePointLxy targetWhite, OnePointLxy sourceWhite) const;
 

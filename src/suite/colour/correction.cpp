@@ -62,7 +62,8 @@ std::optional<Matrix3> correctionMatrix(const Primaries& source, const Primaries
 {
     const auto sourceToXyz = rgbToXyz(source);
     const auto targetToXyz = rgbToXyz(target);
-    if (!sourceToXyz || !targetToXyz)
+    const Primaries driven{source.red, source.green, source.blue, target.white};
+    if (!sourceToXyz || !targetToXyz || !showsWhite(source) || !showsWhite(target) || !showsWhite(driven))
         return std::nullopt;
     const auto xyzToSource = inverse(*sourceToXyz);
     if (!xyzToSource)

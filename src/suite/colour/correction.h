@@ -47,8 +47,9 @@ constexpr Vector3 limitedDrive(Vector3 drive)
 SUITE_COLOUR_EXPORT std::optional<Matrix3> rgbToXyz(const Primaries& primaries);
 
 /// Linear target RGB to linear LED drive, N_source^-1 * N_target: equal luminance of white, no chromatic adaptation,
-/// not yet scaled to what a wall can show. Its row sums are the drive of target white. Nothing where either system is
-/// none, or where the source cannot be inverted (its white lies on its triangle's edge).
+/// not yet scaled to what a wall can show. Its row sums, all above zero, are the drive of target white. Nothing where
+/// either system is none, or where a white cannot be shown (showsWhite()): the source's or the target's by its own
+/// primaries, or the target's by the source's.
 SUITE_COLOUR_EXPORT std::optional<Matrix3> correctionMatrix(const Primaries& source, const Primaries& target);
 
 /// The factor for a correction matrix, s_fit + k (s_keep - s_fit) with k = `ratio` limited to 0..1, never above s_fit.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -70,6 +71,18 @@ inline std::array<double, 3> luminanceShares(const Primaries& primaries)
     const double red = ((w[0] - b[0]) * (g[1] - b[1]) - (g[0] - b[0]) * (w[1] - b[1])) / det;
     const double green = ((r[0] - b[0]) * (w[1] - b[1]) - (w[0] - b[0]) * (r[1] - b[1])) / det;
     return {red, green, 1.0 - red - green};
+}
+
+/// Below this share in the luminance of white a primary counts as missing from it: a channel could not be driven so
+/// finely, and at zero the system has no inverse.
+inline constexpr double minWhiteShare = 1e-6;
+
+/// Whether the primaries can make their white: each has a share of at least `minWhiteShare` in it. False for a white
+/// outside of their triangle or beside its edge, and for what makes no RGB system.
+inline bool showsWhite(const Primaries& primaries)
+{
+    const auto shares = luminanceShares(primaries);
+    return std::all_of(shares.begin(), shares.end(), [](double share) { return share >= minWhiteShare; });
 }
 
 /// Whether the primaries span no triangle, or are not numbers.

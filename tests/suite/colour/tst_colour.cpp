@@ -217,6 +217,40 @@ private Q_SLOTS:
         }
     }
 
+    void aWhiteBesideTheEdgeIsShownFromAMillionthOn_data()
+    {
+        QTest::addColumn<int>("missing"); // the primary whose share is small
+        QTest::newRow("red") << 0;
+        QTest::newRow("green") << 1;
+        QTest::newRow("blue") << 2;
+    }
+
+    void aWhiteBesideTheEdgeIsShownFromAMillionthOn()
+    {
+        QFETCH(int, missing);
+        for (const double share : {-0.1, -1e-9, 0.0, 1e-9, 0.99e-6, 1.01e-6}) {
+            double luminance[] = {0.5 - 0.5 * share, 0.5 - 0.5 * share, 0.5 - 0.5 * share};
+            luminance[missing] = share;
+            Primaries edge = led;
+            double weights[] = {luminance[0] / led.red.y, luminance[1] / led.green.y, luminance[2] / led.blue.y};
+            const double sum = weights[0] + weights[1] + weights[2];
+            edge.white.x = (weights[0] * led.red.x + weights[1] * led.green.x + weights[2] * led.blue.x) / sum;
+            edge.white.y = 1.0 / sum;
+            const bool isShown = share > 1e-6;
+            QCOMPARE(showsWhite(edge), isShown);
+            QCOMPARE(bool(correctionMatrix(edge, led)), isShown); // the source's
+            QCOMPARE(bool(correctionMatrix(led, edge)), isShown); // the target's, and the target's on the source
+            const Primaries around{{0.72, 0.28}, {0.10, 0.85}, {0.12, 0.03}, {0.3127, 0.3290}};
+            Primaries wide = around;
+            wide.white = edge.white;
+            QCOMPARE(bool(correctionMatrix(led, wide)), isShown);    // inside of its own triangle, not of the wall's
+            QCOMPARE(bool(correctionMatrix(around, edge)), isShown); // inside of the wall's, not of its own
+            // A share that rounds to no drive at all is as dark as none.
+            QCOMPARE(adapted(edge, led).coefficients, Coefficients{});
+            QCOMPARE(adapted(led, edge).coefficients, Coefficients{});
+        }
+    }
+
     void theReachedGamutStopsAtTheWallsLimits()
     {
         const Coefficients toBt2020 = adapted(led, gamut("bt2020")).coefficients;
@@ -280,6 +314,8 @@ private Q_SLOTS:
             const Figures figures = adapted(source, target, draw(), draw(), draw());
             QVERIFY(std::isfinite(figures.first) && figures.first >= 0.0);
             QVERIFY(figures.second >= 0.0 && figures.second <= 1.0);
+            for (const int sum : rowSums(figures.coefficients))
+                QVERIFY(figures.coefficients == Coefficients{} || (sum > 0 && sum <= fullScale));
             if (const auto reached = reachedGamut(source, figures.coefficients)) {
                 QVERIFY(std::isfinite(reached->primaries.white.x) && std::isfinite(reached->whiteKept));
             }

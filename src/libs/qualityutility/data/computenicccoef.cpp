@@ -3,8 +3,6 @@
 #include <QDebug>
 #include <QLoggingCategory>
 
-#include <algorithm>
-
 namespace {
 
 AdapterQuali iccObject; // not const: a host's own colour library need not be
@@ -40,22 +38,17 @@ void logOutput(const std::vector<short>& coefficients)
         line << QString::number(coefficient);
 }
 
-/// Zeros turn a wall dark, and a negative sum of a row asks a primary for less than no light in white: neither goes out
-/// in silence.
+/// Zeros turn a wall dark, and a row that sums to zero or less, which a host's own colour library may give, takes a
+/// primary out of white: neither goes out in silence.
 void logWhatCannotBeShown(const std::vector<short>& coefficients, const QString& target)
 {
-    if (std::all_of(coefficients.begin(), coefficients.end(), [](short value) { return value == 0; })) {
-        qCritical() << "no gamut correction for" << target << ": a gamut's points make no RGB system";
+    for (std::size_t row = 0; row < coefficients.size(); row += 3) {
+        if (coefficients[row] + coefficients[row + 1] + coefficients[row + 2] > 0)
+            continue;
+        qCritical() << "no gamut correction for" << target
+                    << ": a gamut's points make no RGB system, or a white cannot be shown by the primaries";
         return;
     }
-    const char* const channels[] = {"red", "green", "blue"};
-    QStringList missing;
-    for (std::size_t row = 0; row < 3; ++row)
-        if (coefficients[3 * row] + coefficients[3 * row + 1] + coefficients[3 * row + 2] < 0)
-            missing << QLatin1String(channels[row]);
-    if (!missing.isEmpty())
-        qCritical() << "the white of" << target << "cannot be shown: it lies outside of the source's triangle and needs"
-                    << "a negative share of" << missing.join(QStringLiteral(", "));
 }
 
 } // namespace

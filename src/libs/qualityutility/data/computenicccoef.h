@@ -15,8 +15,8 @@ public:
     /// Computes the coefficients and coverage of `target` on a wall of the measured gamut `source` and stores them in
     /// `target`: its GamutCoeff, "cover" (what of the target the wall can show, 0..1) and "orgCover" (area of the
     /// source over area of the target). White is as bright as every channel allows. Always true: input that has no
-    /// correction gives nine zeros, and a critical log line that names the target. So does a white that the source
-    /// cannot show (a row of the coefficients has a negative sum), with the coefficients as they come.
+    /// correction (a gamut that makes no RGB system, a white that cannot be shown or lies at its triangle's edge) gives
+    /// nine zeros, and a critical log line that names the target.
     static bool createCoef(const Model::ColorGamutInfo& source, Model::ColorGamutInfo& target);
 
     /// The primaries' chromaticities of a record.
