@@ -59,6 +59,8 @@ private Q_SLOTS:
         row("send gray --json", 64, "--table is required");
         row("send mode --correction on --device nowhere", 64, "device nowhere: the wall has no such device");
         row("send all --json", 64, "send all: nothing to send");
+        row("send coefficients --coefficients 9,0,0,5,-3,-2,0,0,9", 65, "row of green: expected a sum above 0");
+        row("send coefficients --force --device nowhere --coefficients 9,0,0,5,-3,-2,0,0,9", 64, "no such device");
         row("settings set Speed 3", 64, "the library writes only freq and open-path");
         row("hub ping --timeout nan", 64, "expected a number from 0.001 to 86400, found nan");
         row("hub ping --host 127.0.0.1", 64, "--host: needs --port");

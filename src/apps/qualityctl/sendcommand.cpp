@@ -11,6 +11,7 @@
 #include <calibration/graytable.h>
 #include <calibration/steps.h>
 #include <reports/sendreport.h>
+#include <suite/colour/correction.h>
 
 namespace {
 
@@ -27,10 +28,26 @@ struct SendArguments
     std::string target;
     std::string measured;
     std::vector<int> coefficients;
+    bool force = false; ///< coefficients whose white lacks a primary go out all the same
     std::string binary;
     std::string correction; ///< "on", "off" or empty
     bool exclusive = false;
 };
+
+/// A row that sums to zero or less takes its primary out of white, or makes the wall dark.
+void requireLitWhite(const std::vector<int>& coefficients)
+{
+    Colour::Coefficients checked{};
+    std::copy(coefficients.begin(), coefficients.end(), checked.begin());
+    const auto sums = Colour::rowSums(checked);
+    const char* const channels[] = {"red", "green", "blue"};
+    for (std::size_t row = 0; row < sums.size(); ++row)
+        if (sums[row] <= 0)
+            throw Fault{Fault::Kind::BadData,
+                        QStringLiteral("--coefficients, row of %1").arg(QLatin1String(channels[row])),
+                        QStringLiteral("a sum above 0, the drive of white"), QString::number(sums[row]),
+                        QStringLiteral("--force sends them all the same")};
+}
 
 /// What was given, in the order in which a cabinet should get it: the correction is switched on last.
 std::vector<Step> stepsOf(const SendArguments& arguments)
@@ -51,8 +68,12 @@ std::vector<Step> stepsOf(const SendArguments& arguments)
             Calibration::measureStep(take(Calibration::readGamut(QString::fromStdString(arguments.measured)))));
     if (!arguments.target.empty())
         steps.push_back(Calibration::gamutStep(take(Calibration::readGamut(QString::fromStdString(arguments.target)))));
-    if (!arguments.coefficients.empty()) // two's complement
+    if (!arguments.coefficients.empty()) {
+        if (!arguments.force)
+            requireLitWhite(arguments.coefficients);
+        // Two's complement.
         steps.push_back(Calibration::coefficientsStep({arguments.coefficients.begin(), arguments.coefficients.end()}));
+    }
     if (!arguments.correction.empty())
         steps.push_back(Calibration::modeStep(arguments.correction == "on", !arguments.exclusive));
     if (steps.empty())
@@ -98,6 +119,7 @@ void addCoefficients(CLI::App& command, SendArguments& arguments, bool required)
         ->expected(static_cast<int>(coefficientCount))
         ->check(CLI::Range(-32768, 32767))
         ->required(required);
+    command.add_flag("--force", arguments.force, "Send coefficients, too, whose white lacks a primary");
 }
 
 void addCorrection(CLI::App& command, SendArguments& arguments, bool required)
