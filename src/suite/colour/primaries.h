@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <optional>
 
 namespace Colour {
 
@@ -11,6 +12,13 @@ struct Chromaticity
 {
     double x = 0.0; ///< 0..1; u' in the other plane
     double y = 0.0; ///< above 0 and up to 1 for a real colour; v' in the other plane
+};
+
+/// A colour as an instrument gives it.
+struct MeasuredColour
+{
+    Chromaticity xy;        ///< CIE 1931
+    double luminance = 0.0; ///< cd/m2
 };
 
 /// The chromaticities of an RGB system and of its white.
@@ -83,6 +91,27 @@ inline bool showsWhite(const Primaries& primaries)
 {
     const auto shares = luminanceShares(primaries);
     return std::all_of(shares.begin(), shares.end(), [](double share) { return share >= minWhiteShare; });
+}
+
+/// The white that red, green and blue at full drive add up to, each as measured alone: what a measured white should be
+/// on a wall that is additive. Nothing for a y that is not above zero, a luminance below zero, no light at all, or a
+/// number that is not finite.
+inline std::optional<MeasuredColour> sumOfPrimaries(const MeasuredColour& red, const MeasuredColour& green,
+                                                    const MeasuredColour& blue)
+{
+    double luminance = 0.0;
+    double ofX = 0.0;
+    double ofAll = 0.0; // X + Y + Z
+    for (const MeasuredColour& primary : {red, green, blue}) {
+        if (!(primary.xy.y > 0.0) || !(primary.luminance >= 0.0))
+            return std::nullopt;
+        luminance += primary.luminance;
+        ofX += primary.luminance * primary.xy.x / primary.xy.y;
+        ofAll += primary.luminance / primary.xy.y;
+    }
+    if (!(luminance > 0.0) || !std::isfinite(luminance) || !std::isfinite(ofX) || !std::isfinite(ofAll))
+        return std::nullopt;
+    return MeasuredColour{{ofX / ofAll, luminance / ofAll}, luminance};
 }
 
 /// Whether the primaries span no triangle, or are not numbers.

@@ -364,6 +364,18 @@ private Q_SLOTS:
         QVERIFY(isNear(toLab({0.5, 0.008, 0.5}, {1, 1, 1}).lightness, 7.226370, 1e-6)); // the straight part
     }
 
+    void primariesAddUpToWhite()
+    {
+        const auto white = *sumOfPrimaries({{0.69, 0.30}, 809.05}, {{0.17, 0.73}, 1796.57}, {{0.13, 0.08}, 291.38});
+        QVERIFY(isNear(white.xy.x, 0.312800410, 1e-9)); // exact fractions
+        QVERIFY(isNear(white.xy.y, 0.329199378, 1e-9));
+        QVERIFY(isNear(white.luminance, 2897.0, 1e-9));
+        QVERIFY(!sumOfPrimaries({{0.69, 0.30}, 0.0}, {{0.17, 0.73}, 0.0}, {{0.13, 0.08}, 0.0})); // no light
+        QVERIFY(!sumOfPrimaries({{0.69, 0.30}, -1.0}, {{0.17, 0.73}, 9.0}, {{0.13, 0.08}, 1.0}));
+        QVERIFY(!sumOfPrimaries({{0.69, 0.0}, 1.0}, {{0.17, 0.73}, 9.0}, {{0.13, 0.08}, 1.0}));
+        QVERIFY(!sumOfPrimaries({{std::nan(""), 0.3}, 1.0}, {{0.17, 0.73}, 9.0}, {{0.13, 0.08}, 1.0}));
+    }
+
     void theSharesOfLuminanceAreThoseOfTheStandard()
     {
         const AdapterQuali adapter;
