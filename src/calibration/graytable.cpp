@@ -1,8 +1,6 @@
 #include "graytable.h"
 
-#include <QRegularExpression>
-#include <QStringList>
-#include <QTextStream>
+#include <calibration/textfields.h>
 
 #include <algorithm>
 
@@ -12,7 +10,7 @@ namespace {
 
 constexpr std::size_t maxLevels = 65536;
 constexpr int maxLineLength = 1024;
-constexpr int columnCount = 4;
+constexpr std::size_t columnCount = 4;
 
 Fault refusal(const QString& subject, const QString& expected, const QString& found)
 {
@@ -20,27 +18,27 @@ Fault refusal(const QString& subject, const QString& expected, const QString& fo
 }
 
 /// A first line without any number.
-bool isHeading(const QStringList& columns)
+bool isHeading(const std::vector<Field>& columns)
 {
-    return std::none_of(columns.begin(), columns.end(), [](const QString& column) {
+    return std::none_of(columns.begin(), columns.end(), [](const Field& column) {
         bool isNumber = false;
-        QString(column).remove(QLatin1Char('"')).toDouble(&isNumber);
+        QString(column.text).remove(QLatin1Char('"')).toDouble(&isNumber);
         return isNumber;
     });
 }
 
-Result<void> addLevel(const QStringList& columns, const QString& place, Action::GrayTable& table)
+Result<void> addLevel(const std::vector<Field>& columns, const QString& place, Action::GrayTable& table)
 {
     if (columns.size() != columnCount)
         return refusal(place, QStringLiteral("4 columns (red, green, blue, magnitude)"),
                        QString::number(columns.size()));
     std::vector<unsigned char>* const lists[] = {&table.red, &table.green, &table.blue, &table.magnitude};
-    for (int column = 0; column < columnCount; ++column) {
+    for (std::size_t column = 0; column < columnCount; ++column) {
+        const QString& text = columns[column].text;
         bool converted = false;
-        const int value = columns.at(column).toInt(&converted, 10);
+        const int value = text.toInt(&converted, 10);
         if (!converted || value < 0 || value > 255)
-            return refusal(place, QStringLiteral("an integer from 0 to 255"),
-                           QStringLiteral("\"%1\"").arg(columns.at(column)));
+            return refusal(place, QStringLiteral("an integer from 0 to 255"), QStringLiteral("\"%1\"").arg(text));
         lists[column]->push_back(static_cast<unsigned char>(value));
     }
     if (table.red.size() > maxLevels)
@@ -52,23 +50,22 @@ Result<void> addLevel(const QStringList& columns, const QString& place, Action::
 
 Result<Action::GrayTable> parseGrayTable(const Input& input, int frequency)
 {
-    static const QRegularExpression separators(QStringLiteral("[,;\\s]+"));
+    const FieldStyle style{QStringLiteral(",; \t\v\f\r"), true, false};
     Action::GrayTable table;
     table.freq = frequency;
-    QTextStream stream(input.bytes);
-    bool isFirst = true;
-    for (int number = 1; !stream.atEnd(); ++number) {
-        const QString line = stream.readLine().trimmed();
-        if (line.isEmpty() || line.startsWith(QLatin1Char('#')))
+    FieldReader reader(input, maxLineLength);
+    for (bool isFirst = true;; isFirst = false) {
+        const auto hasLine = reader.next();
+        if (!hasLine)
+            return hasLine.fault();
+        if (!*hasLine)
+            break;
+        const auto columns = reader.fields(style);
+        if (!columns)
+            return columns.fault();
+        if (isFirst && isHeading(*columns))
             continue;
-        const QString place = QStringLiteral("%1, line %2").arg(input.subject(), QString::number(number));
-        if (line.size() > maxLineLength)
-            return refusal(place, QStringLiteral("at most %1 characters").arg(maxLineLength),
-                           QString::number(line.size()));
-        const QStringList columns = line.split(separators);
-        const bool isSkipped = isFirst && isHeading(columns);
-        isFirst = false;
-        const auto added = isSkipped ? Result<void>() : addLevel(columns, place, table);
+        const auto added = addLevel(*columns, reader.place(), table);
         if (!added)
             return added.fault();
     }
