@@ -22,7 +22,8 @@ void addGamut(CLI::App& command, std::string& gamut, const char* names, const ch
 {
     command
         .add_option(names, gamut,
-                    std::string(what) + ": a standard name, a JSON file, or rx,ry:gx,gy:bx,by:wx,wy[:cd_m2]")
+                    std::string(what) +
+                        ": a standard name, a measurement (.ti3, CSV, JSON, .nicc), or rx,ry:gx,gy:bx,by:wx,wy[:cd_m2]")
         ->required(required);
 }
 

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <calibration/measurement.h>
+
+namespace Calibration {
+
+/// Reads a table with a heading: x, y and a luminance (Y, lum, cd_m2) or X, Y, Z, and a label or r, g, b for the patch.
+/// The gamut is left to the caller. Faults: as parseMeasurement().
+Result<Measurement> parseCsvReadings(const Input& input);
+
+} // namespace Calibration
