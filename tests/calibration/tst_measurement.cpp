@@ -1,9 +1,10 @@
 #include <calibration/gamut.h>
 #include <calibration/journal.h>
 #include <calibration/measurement.h>
+#include <support/hostrun.h>
 #include <support/testfiles.h>
 
-#include <QJsonDocument>
+#include <QJsonArray>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -235,6 +236,24 @@ private Q_SLOTS:
         const auto read = parseMeasurement(input(bytes));
         QVERIFY(!read && read.fault().kind == Fault::Kind::BadData);
         QVERIFY2(faultOf(read).contains(message), qPrintable(faultOf(read)));
+    }
+
+    void convertedMeasurementIsTheGamutThatItShows()
+    {
+        const QTemporaryDir folder;
+        const QString out = folder.filePath("g.json");
+        const QStringList convert{"measure", "convert", "readings.ti3", "--out", out};
+        QCOMPARE(run(convert).exitCode, 0);
+        QCOMPARE(run(convert).exitCode, 73);
+        QCOMPARE(run(convert + QStringList("--force")).exitCode, 0);
+        const auto gamut = readGamut(out);
+        QVERIFY(gamut && areNear(*gamut, *readGamut(EXAMPLES "/readings.ti3"), 1e-15));
+        const QJsonObject shown = run({"measure", "show", "readings.csv", "--json"}).json();
+        QCOMPARE(shown["kind"].toString(), QString("CSV readings"));
+        const QJsonArray patches = shown["patches"].toArray();
+        QCOMPARE(patches.size(), 5);
+        QVERIFY(std::abs(patches[1]["luminance_cd_m2"].toDouble() - gamut->gLxy.lum) < 1e-6);
+        QVERIFY(patches[1]["spread_xy"].toDouble() > 1e-4);
     }
 };
 

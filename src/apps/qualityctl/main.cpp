@@ -21,6 +21,7 @@ constexpr char footer[] = R"(Examples:
   qualityctl gamut coverage p3-d65 bt2020
   qualityctl gamut coefficients examples/measured-gamut.json rec709 --json
   qualityctl gamut chart examples/measured-gamut.json rec709 --out gamut.svg
+  qualityctl measure show examples/readings.ti3
   qualityctl gray write --calibration examples/gray-calibration.json --out out
   qualityctl doc show out/fine-gray.gray
 
@@ -80,6 +81,7 @@ int run(int argc, char** argv)
     addSendCommands(app, chosen);
     addGamutCommands(app, chosen);
     addGrayCommands(app, chosen);
+    addMeasureCommands(app, chosen);
     addDocCommands(app, chosen);
     addProjectCommands(app, chosen);
     addHubCommands(app, chosen);
