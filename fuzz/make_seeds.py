@@ -58,6 +58,9 @@ for device in wall["devices"]:
 seed("wall", "wall", json.dumps(wall).encode())
 seed("settings", "shipped", (SHIPPED / "qualityadjust_config/picqualityconfigfile.ini").read_bytes())
 seed("settings", "odd", b'k=0\n[ %41 ];c\n"x"=1, "2;"\n\n%U006b\t= \\x41"\r\n[A]\nk=2\\\r\n3\n;c\n[A]x\nk=@Size(1 2)')
+for name in ("readings.ti3", "readings.csv", "measured-gamut.json"):
+    seed("measurement", name, (EXAMPLES / name).read_bytes())
+seed("measurement", "labels", b'"label";x;y;Y\nr;.64;.33;21\ng;.3;.6;72\n"b";.15;.06;7\nw;.3127;.329;100\nk;0;0;0\n')
 seed("graytables", "numbers", b"0\n1\n 65535 \r\n-1\nx\n\n70000")
 for name, payload in [("ok", b'{"error":0}'), ("data", b'{"error":0,"data":{"level":14,"mode":1}}'),
                       ("text", "测".encode())]:
@@ -72,8 +75,8 @@ seed("archive", "drive", archive([("f/C:a", "1")]))
 seed("archive", "comment", archive([("a", "1")])[:-2] + b"\xff\xff" + archive([]) + b"-" * (0xffff - 22))
 
 words = set()
+KEY_FOLDERS = ("file", "resource", "service", "simulator", "sender3th", "calibration")
 for source in (ROOT / "src").rglob("*"):
-    if source.suffix in (".cpp", ".h") and source.parts[-2] in ("file", "resource", "service", "simulator",
-                                                              "sender3th"):
+    if source.suffix in (".cpp", ".h") and source.parts[-2] in KEY_FOLDERS:
         words |= set(re.findall(r'"([A-Za-z][A-Za-z0-9]{1,30})"', source.read_text()))
 (OUT / "words.dict").write_text("".join(f'"{word}"\n' for word in sorted(words)))
