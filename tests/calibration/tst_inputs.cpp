@@ -54,7 +54,9 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("fault");
         QTest::newRow("nonsense") << "NoInput: gamut nonsense: neither a standard gamut nor a file";
-        QTest::newRow("gray-table.csv") << "BadData: gamut gray-table.csv: line 1, column 1: not JSON: illegal value";
+        QTest::newRow("gray-table.csv") << "BadData: gamut gray-table.csv, line 2, column 1: expected a heading with "
+                                           "x, y, Y or X, Y, Z, or a CGATS "
+                                           "or JSON text, found \"red,green,blue,magnitude\"";
         QTest::newRow("wall.json")
             << "BadData: gamut wall.json: RedPoint: expected an object with lum, x and y, found nothing";
         const auto row = [](const char* text, const char* fault) {
