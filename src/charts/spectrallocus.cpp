@@ -1,5 +1,7 @@
 #include "spectrallocus.h"
 
+#include "naturalspline.h"
+
 namespace Charts {
 
 const std::array<SpectralPoint, spectralPointCount> spectralLocus{{
@@ -19,5 +21,23 @@ const std::array<SpectralPoint, spectralPointCount> spectralLocus{{
     {640, {0.7190, 0.2809}}, {645, {0.7230, 0.2770}}, {650, {0.7260, 0.2740}}, {655, {0.7283, 0.2717}},
     {660, {0.7300, 0.2700}}, {665, {0.7311, 0.2689}}, {670, {0.7320, 0.2680}},
 }};
+
+std::vector<SpectralPoint> smoothLocus()
+{
+    constexpr int spacing = 5; // nanometres from one tabulated point to the next
+    std::vector<double> x;
+    std::vector<double> y;
+    for (const SpectralPoint& point : spectralLocus) {
+        x.push_back(point.chromaticity.x);
+        y.push_back(point.chromaticity.y);
+    }
+    x = splineThrough(x, spacing);
+    y = splineThrough(y, spacing);
+    std::vector<SpectralPoint> result;
+    result.reserve(x.size());
+    for (std::size_t i = 0; i < x.size(); ++i)
+        result.push_back({spectralLocus.front().nanometres + static_cast<int>(i), {x[i], y[i]}});
+    return result;
+}
 
 } // namespace Charts
