@@ -1,24 +1,18 @@
 #include "chromaticitychart.h"
 
+#include "labelsitem_p.h"
+#include "locusitem_p.h"
+#include "planckianlocus.h"
 #include "plotstyle_p.h"
 #include "spectrallocus.h"
 
-#include <suite/colour/coverage.h>
-#include <suite/colour/matrix.h>
-
-#include <QImage>
-#include <QPainter>
-#include <QPainterPath>
-#include <qwt_plot.h>
 #include <qwt_plot_curve.h>
-#include <qwt_plot_item.h>
 #include <qwt_plot_marker.h>
-#include <qwt_scale_map.h>
 #include <qwt_symbol.h>
-#include <qwt_text.h>
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace Charts {
 
@@ -26,92 +20,8 @@ namespace {
 
 using Colour::Chromaticity;
 
-QPointF toPlane(const Chromaticity& xy, Plane plane)
-{
-    const Chromaticity point = plane == Plane::Xy ? xy : Colour::uvPrime(xy);
-    return {point.x, point.y};
-}
-
-/// The inverse of u', v': x = 9u' / (6u' - 16v' + 12), y = 4v' / (6u' - 16v' + 12).
-Chromaticity toXy(const QPointF& point, Plane plane)
-{
-    if (plane == Plane::Xy)
-        return {point.x(), point.y()};
-    const double divisor = 6.0 * point.x() - 16.0 * point.y() + 12.0;
-    return {9.0 * point.x() / divisor, 4.0 * point.y() / divisor};
-}
-
-/// A chromaticity as an sRGB screen can hint at it: out-of-gamut channels are cut, the brightest is full, and all is
-/// paled so that lines and markers stand out.
-QColor hint(const Chromaticity& c)
-{
-    // XYZ to linear sRGB, IEC 61966-2-1.
-    constexpr Colour::Matrix3 toSrgb{
-        {{3.2406, -1.5372, -0.4986}, {-0.9689, 1.8758, 0.0415}, {0.0557, -0.2040, 1.0570}}};
-    constexpr double paling = 0.45;
-    if (!(c.y > 0.0))
-        return Qt::white;
-    Colour::Vector3 rgb = Colour::multiply(toSrgb, Colour::Vector3{c.x, c.y, 1.0 - c.x - c.y});
-    for (double& channel : rgb)
-        channel = std::max(channel, 0.0);
-    const double brightest = *std::max_element(rgb.begin(), rgb.end());
-    const auto encoded = [&](double channel) {
-        return paling + (1.0 - paling) * std::pow(channel / brightest, 1.0 / 2.2);
-    };
-    return QColor::fromRgbF(encoded(rgb[0]), encoded(rgb[1]), encoded(rgb[2]));
-}
-
-/// The filled spectral locus with the line of purples. SVG painting knows no clipping, so the fill is an image that is
-/// transparent outside.
-class LocusItem : public QwtPlotItem
-{
-public:
-    explicit LocusItem(Plane plane) : m_plane(plane) {}
-
-    void draw(QPainter* painter, const QwtScaleMap& xMap, const QwtScaleMap& yMap, const QRectF& canvas) const override
-    {
-        QPolygonF outline;
-        for (const SpectralPoint& point : spectralLocus) {
-            const QPointF position = toPlane(point.chromaticity, m_plane);
-            outline << QPointF(xMap.transform(position.x()), yMap.transform(position.y()));
-        }
-        painter->drawImage(canvas, fill(outline, xMap, yMap, canvas));
-        painter->setPen(QPen(QColor(90, 90, 90), 1.5));
-        painter->setBrush(Qt::NoBrush);
-        painter->drawPolygon(outline);
-    }
-
-private:
-    QImage fill(const QPolygonF& outline, const QwtScaleMap& xMap, const QwtScaleMap& yMap, const QRectF& canvas) const
-    {
-        constexpr double pixel = 2.0; // of the drawing per pixel of the image
-        QImage image(QSizeF(canvas.size() / pixel).toSize(), QImage::Format_ARGB32);
-        for (int row = 0; row < image.height(); ++row) {
-            auto* line = reinterpret_cast<QRgb*>(image.scanLine(row));
-            for (int column = 0; column < image.width(); ++column) {
-                const QPointF position(xMap.invTransform(canvas.left() + (column + 0.5) * pixel),
-                                       yMap.invTransform(canvas.top() + (row + 0.5) * pixel));
-                line[column] = hint(toXy(position, m_plane)).rgb();
-            }
-        }
-        QImage mask(image.size(), QImage::Format_ARGB32);
-        mask.fill(Qt::transparent);
-        QPainter painter(&mask);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.scale(1.0 / pixel, 1.0 / pixel);
-        painter.translate(-canvas.topLeft());
-        QPainterPath path;
-        path.addPolygon(outline);
-        painter.fillPath(path, Qt::white);
-        painter.end();
-        QPainter combine(&image);
-        combine.setCompositionMode(QPainter::CompositionMode_DestinationIn);
-        combine.drawImage(0, 0, mask);
-        return image;
-    }
-
-    Plane m_plane;
-};
+const QColor darkInk(60, 60, 60);
+constexpr double lowest = 10.0; // under the gamuts, over the grid
 
 /// How each gamut in turn is drawn: later ones are thinner, so that earlier ones are seen under them.
 struct GamutStyle
@@ -132,16 +42,22 @@ const GamutStyle& styleOf(int index)
     return styles[index % static_cast<int>(std::size(styles))];
 }
 
+QVector<QPointF> cornersOf(const Colour::Primaries& p, Plane plane)
+{
+    return {toPlane(p.red, plane), toPlane(p.green, plane), toPlane(p.blue, plane)};
+}
+
 void addGamut(QwtPlot& plot, const ChartGamut& gamut, Plane plane, const GamutStyle& style, double markerSize)
 {
     const QPen pen(style.ink, style.width, style.line);
     const Colour::Primaries& p = gamut.primaries;
-    const QVector<QPointF> corners{toPlane(p.red, plane), toPlane(p.green, plane), toPlane(p.blue, plane),
-                                   toPlane(p.red, plane)};
+    QVector<QPointF> outline = cornersOf(p, plane);
+    outline << outline.first();
     const QSizeF size(markerSize, markerSize);
     const QPen markerPen(style.ink, 2.5);
-    auto* triangle = new QwtPlotCurve(QwtText(printable(gamut.label), QwtText::PlainText));
-    triangle->setSamples(corners);
+    const QString remark = gamut.remark.isEmpty() ? QString() : QStringLiteral(", ") + printable(gamut.remark);
+    auto* triangle = new QwtPlotCurve(plainText(fitted(gamut.label, labelPixels, remark), labelPixels));
+    triangle->setSamples(outline);
     triangle->setPen(pen);
     triangle->setRenderHint(QwtPlotItem::RenderAntialiased);
     triangle->setSymbol(new QwtSymbol(style.marker, Qt::NoBrush, markerPen, size.toSize()));
@@ -154,48 +70,135 @@ void addGamut(QwtPlot& plot, const ChartGamut& gamut, Plane plane, const GamutSt
     white->setValue(toPlane(p.white, plane));
     white->setSymbol(new QwtSymbol(style.marker, QColor(255, 255, 255, 160), markerPen, size.toSize()));
     white->setItemAttribute(QwtPlotItem::Legend, false);
+    white->setRenderHint(QwtPlotItem::RenderAntialiased);
     white->attach(&plot);
 }
 
-/// The outward direction of the locus at a point, on the drawing.
-QPointF outward(std::size_t index, Plane plane)
+/// Points of the Planckian locus. Equal steps of the reciprocal temperature are about equal steps on the drawing.
+QVector<QPointF> planckianPoints(Plane plane, double mireds)
 {
-    const QPointF before = toPlane(spectralLocus[index - 1].chromaticity, plane);
-    const QPointF after = toPlane(spectralLocus[index + 1].chromaticity, plane);
-    const QPointF along = after - before; // clockwise around the locus
-    return QPointF(-along.y(), along.x()) / std::hypot(along.x(), along.y());
+    constexpr double mired = 1e6; // per reciprocal kelvin
+    QVector<QPointF> points;
+    for (double reciprocal = mired / hottestPlanckian; reciprocal < mired / coolestPlanckian; reciprocal += mireds)
+        points << toPlane(planckian(mired / reciprocal), plane);
+    return points;
 }
 
-Qt::Alignment labelSide(const QPointF& direction)
+void addPlanckianLocus(QwtPlot& plot, Plane plane)
 {
-    constexpr double slight = 0.35;
-    Qt::Alignment side;
-    if (std::abs(direction.x()) > slight)
-        side |= direction.x() < 0.0 ? Qt::AlignLeft : Qt::AlignRight;
-    if (std::abs(direction.y()) > slight)
-        side |= direction.y() < 0.0 ? Qt::AlignBottom : Qt::AlignTop;
-    return side;
+    auto* locus = new QwtPlotCurve(QStringLiteral("Planckian locus"));
+    locus->setSamples(planckianPoints(plane, 5.0));
+    locus->setPen(darkInk, 2.0);
+    locus->setRenderHint(QwtPlotItem::RenderAntialiased);
+    locus->setLegendAttribute(QwtPlotCurve::LegendShowLine);
+    locus->setLegendIconSize(QSize(70, 26));
+    locus->setZ(lowest);
+    locus->attach(&plot);
 }
 
-/// Wavelengths stand outside the locus.
-void addWavelengths(QwtPlot& plot, Plane plane)
+void addMark(QwtPlot& plot, const QPointF& position, QwtSymbol* symbol)
 {
-    const QList<int> shown = plane == Plane::Xy ? QList<int>{460, 480, 490, 500, 510, 520, 540, 560, 580, 600, 620}
-                                                : QList<int>{440, 460, 480, 490, 500, 510, 530, 560, 590, 620, 650};
-    for (std::size_t i = 1; i + 1 < spectralLocus.size(); ++i) {
-        const SpectralPoint& point = spectralLocus[i];
-        if (!shown.contains(point.nanometres))
+    auto* marker = new QwtPlotMarker;
+    marker->setValue(position);
+    marker->setSymbol(symbol);
+    marker->setItemAttribute(QwtPlotItem::Legend, false);
+    marker->setRenderHint(QwtPlotItem::RenderAntialiased);
+    marker->setZ(lowest);
+    marker->attach(&plot);
+}
+
+/// What is written into the diagram, in the order in which it takes its place, and what it keeps off.
+class Labelling
+{
+public:
+    Labelling(QwtPlot& plot, Plane plane) : m_plot(plot), m_plane(plane) {}
+
+    /// Wavelengths stand outside the locus.
+    void addWavelengths();
+    void addDaylight();
+    void addTemperatures();
+    void addGamuts(const QList<ChartGamut>& gamuts);
+    void attach() const { (new LabelsItem(m_labels, m_marks, m_lines))->attach(&m_plot); }
+
+private:
+    void addCorners(const QVector<QPointF>& corners, const QColor& ink);
+
+    QwtPlot& m_plot;
+    Plane m_plane;
+    QVector<PointLabel> m_labels;
+    QVector<QPointF> m_marks;
+    QVector<QLineF> m_lines;
+    QVector<QPointF> m_corners;
+};
+
+void Labelling::addWavelengths()
+{
+    const QList<int> shown = m_plane == Plane::Xy ? QList<int>{460, 480, 490, 500, 510, 520, 540, 560, 580, 600, 620}
+                                                  : QList<int>{440, 460, 480, 490, 500, 510, 530, 560, 590, 620, 650};
+    const std::vector<SpectralPoint> locus = smoothLocus();
+    for (std::size_t i = 1; i + 1 < locus.size(); ++i) {
+        if (!shown.contains(locus[i].nanometres))
             continue;
-        auto* marker = new QwtPlotMarker;
-        marker->setValue(toPlane(point.chromaticity, plane));
-        marker->setSymbol(new QwtSymbol(QwtSymbol::Ellipse, QColor(90, 90, 90), Qt::NoPen, QSize(6, 6)));
-        QwtText label(QString::number(point.nanometres));
-        label.setFont(chartFont(20));
-        label.setColor(QColor(60, 60, 60));
-        marker->setLabel(label);
-        marker->setLabelAlignment(labelSide(outward(i, plane)));
-        marker->setItemAttribute(QwtPlotItem::Legend, false);
-        marker->attach(&plot);
+        const QPointF position = toPlane(locus[i].chromaticity, m_plane);
+        addMark(m_plot, position, new QwtSymbol(QwtSymbol::Ellipse, QColor(90, 90, 90), Qt::NoPen, QSize(6, 6)));
+        m_marks << position;
+        const QPointF along =
+            toPlane(locus[i + 1].chromaticity, m_plane) - toPlane(locus[i - 1].chromaticity, m_plane); // clockwise
+        m_labels << PointLabel{
+            position, QStringLiteral("%1 nm").arg(locus[i].nanometres), darkInk, {-along.y(), along.x()}, false};
+    }
+}
+
+void Labelling::addDaylight()
+{
+    constexpr Colour::Chromaticity d65{0.3127, 0.3290}; // CIE 15
+    const QPointF position = toPlane(d65, m_plane);
+    addMark(m_plot, position, new QwtSymbol(QwtSymbol::Cross, Qt::NoBrush, QPen(darkInk, 2.0), QSize(26, 26)));
+    m_marks << position;
+    m_labels << PointLabel{position, QStringLiteral("D65"), darkInk, {1.0, -0.2}};
+}
+
+void Labelling::addTemperatures()
+{
+    const QVector<QPointF> locus = planckianPoints(m_plane, 50.0);
+    for (int i = 1; i < locus.size(); ++i)
+        m_lines << QLineF(locus.at(i - 1), locus.at(i));
+    const QPointF towards = m_plane == Plane::Xy ? QPointF(-0.3, 1.0) : QPointF(0.8, -0.6); // beside the locus
+    for (const int kelvin : {2000, 3000, 4000, 10000, 25000}) {
+        const QPointF position = toPlane(planckian(kelvin), m_plane);
+        addMark(m_plot, position, new QwtSymbol(QwtSymbol::Ellipse, darkInk, Qt::NoPen, QSize(8, 8)));
+        m_marks << position;
+        m_labels << PointLabel{position, QStringLiteral("%1 K").arg(kelvin), darkInk, towards};
+    }
+}
+
+void Labelling::addGamuts(const QList<ChartGamut>& gamuts)
+{
+    constexpr double firstMarker = 20.0; // smaller ones lie on larger ones, so that gamuts that coincide are all seen
+    for (int i = 0; i < gamuts.size(); ++i) {
+        const Colour::Primaries& primaries = gamuts.at(i).primaries;
+        addGamut(m_plot, gamuts.at(i), m_plane, styleOf(i), std::max(8.0, firstMarker - 4.0 * i));
+        const QVector<QPointF> corners = cornersOf(primaries, m_plane);
+        for (int corner = 0; corner < corners.size(); ++corner)
+            m_lines << QLineF(corners.at(corner), corners.at((corner + 1) % corners.size()));
+        m_marks << corners << toPlane(primaries.white, m_plane);
+        addCorners(corners, styleOf(i).ink);
+    }
+}
+
+void Labelling::addCorners(const QVector<QPointF>& corners, const QColor& ink)
+{
+    constexpr double pixel = 0.001; // of either plane, about
+    const QPointF centre = std::accumulate(corners.begin(), corners.end(), QPointF()) / corners.size();
+    for (const QPointF& corner : corners) {
+        const bool known = std::any_of(m_corners.begin(), m_corners.end(), [&](const QPointF& other) {
+            return std::hypot(corner.x() - other.x(), corner.y() - other.y()) < pixel;
+        });
+        if (known)
+            continue;
+        m_corners << corner;
+        m_labels << PointLabel{corner, QStringLiteral("%1, %2").arg(corner.x(), 0, 'f', 4).arg(corner.y(), 0, 'f', 4),
+                               ink, corner - centre};
     }
 }
 
@@ -205,18 +208,23 @@ Chart chromaticityChart(const QString& title, Plane plane, const QList<ChartGamu
 {
     auto plot = std::make_unique<QwtPlot>();
     const bool isXy = plane == Plane::Xy;
-    applyStyle(*plot, title, isXy ? QStringLiteral("x, CIE 1931") : QStringLiteral("u', CIE 1976"),
+    applyStyle(*plot, chartHeight, isXy ? QStringLiteral("x, CIE 1931") : QStringLiteral("u', CIE 1976"),
                isXy ? QStringLiteral("y, CIE 1931") : QStringLiteral("v', CIE 1976"));
-    plot->setAxisScale(QwtPlot::xBottom, isXy ? -0.06 : -0.04, isXy ? 0.8 : 0.68, 0.1);
-    plot->setAxisScale(QwtPlot::yLeft, isXy ? -0.02 : -0.02, isXy ? 0.9 : 0.64, 0.1);
-    auto* locus = new LocusItem(plane);
-    locus->setZ(-1.0);
-    locus->attach(plot.get());
-    addWavelengths(*plot, plane);
-    constexpr double firstMarker = 20.0; // smaller ones lie on larger ones, so that gamuts that coincide are all seen
-    for (int i = 0; i < gamuts.size(); ++i)
-        addGamut(*plot, gamuts.at(i), plane, styleOf(i), std::max(8.0, firstMarker - 4.0 * i));
-    return Chart(std::move(plot));
+    addTitle(*plot, title);
+    addLegend(*plot);
+    (new LocusItem(plane))->attach(plot.get());
+    Labelling labelling(*plot, plane);
+    labelling.addWavelengths();
+    labelling.addDaylight();
+    labelling.addGamuts(gamuts);
+    labelling.addTemperatures();
+    labelling.attach();
+    addPlanckianLocus(*plot, plane);
+    equalizeAxes(*plot, isXy ? QwtInterval(-0.11, 0.84) : QwtInterval(-0.08, 0.68),
+                 isXy ? QwtInterval(-0.03, 0.9) : QwtInterval(-0.03, 0.63), 0.1);
+    std::vector<std::unique_ptr<QwtPlot>> plots;
+    plots.push_back(std::move(plot));
+    return Chart(std::move(plots));
 }
 
 } // namespace Charts

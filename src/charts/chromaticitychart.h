@@ -1,23 +1,25 @@
 #pragma once
 
 #include <charts/chart.h>
+#include <charts/plane.h>
 #include <suite/colour/primaries.h>
 
 #include <QList>
 
 namespace Charts {
 
-enum class Plane { Xy, UvPrime };
-
 /// One triangle with its white.
 struct ChartGamut
 {
     QString label; ///< in the legend
     Colour::Primaries primaries;
+    QString remark; ///< in the legend after the label, e.g. what it covers; may be empty
 };
 
-/// The chromaticity diagram: the spectral locus, filled with the colours of a screen, with wavelengths in nanometres,
-/// and up to five gamuts, each with a line, a marker and a colour of its own.
+/// The chromaticity diagram, one unit of either axis as long as one of the other: the spectral locus, filled with the
+/// colours of a screen, with wavelengths in nanometres; the Planckian locus with some temperatures in kelvin; D65; and
+/// up to five gamuts, each with a line, a marker and a colour of its own. A gamut's corners have their coordinates in
+/// the plane; those that lie less than a pixel from another's are marked once, with the earlier gamut's.
 Chart chromaticityChart(const QString& title, Plane plane, const QList<ChartGamut>& gamuts);
 
 } // namespace Charts

@@ -110,24 +110,27 @@ Charts::Chart correctionChart(const Figures& figures, Charts::Plane plane)
 {
     const QString measured = nameOf(figures.measured);
     const QString target = nameOf(figures.target);
+    const Colour::Coverage& coverage = plane == Charts::Plane::Xy ? figures.coverageXy : figures.coverageUv;
     return Charts::chromaticityChart(QStringLiteral("%1 corrected to %2").arg(measured, target), plane,
-                                     {{QStringLiteral("measured: %1").arg(measured), primariesOf(figures.measured)},
-                                      {QStringLiteral("target: %1").arg(target), primariesOf(figures.target)},
-                                      {QStringLiteral("reached"), figures.reached.primaries}});
+                                     {{QStringLiteral("measured: %1").arg(measured), primariesOf(figures.measured),
+                                       QStringLiteral("covers %1").arg(percent(coverage.covered).text)},
+                                      {QStringLiteral("target: %1").arg(target), primariesOf(figures.target), {}},
+                                      {QStringLiteral("reached"), figures.reached.primaries, {}}});
 }
 
 Charts::Chart grayTableChart(const Action::GrayTable& table, const QString& name)
 {
     const auto curve = [](const QString& label, const std::vector<unsigned char>& column) {
-        Charts::GrayCurve result{label, {}};
+        Charts::GrayCurve result{label, {}, false};
         for (std::size_t level = 0; level < column.size(); ++level)
             result.points.append(QPointF(static_cast<double>(level), column[level]));
         return result;
     };
+    Charts::GrayCurve magnitude = curve(QStringLiteral("magnitude"), table.magnitude);
+    magnitude.ownAxis = true;
     return Charts::grayChart(QStringLiteral("Gray table %1").arg(name), QStringLiteral("coefficient"),
                              {curve(QStringLiteral("red"), table.red), curve(QStringLiteral("green"), table.green),
-                              curve(QStringLiteral("blue"), table.blue),
-                              curve(QStringLiteral("magnitude"), table.magnitude)});
+                              curve(QStringLiteral("blue"), table.blue), magnitude});
 }
 
 } // namespace Reports

@@ -1,3 +1,4 @@
+#include <charts/graychart.h>
 #include <charts/labelplacement.h>
 #include <charts/naturalspline.h>
 #include <charts/planckianlocus.h>
@@ -115,6 +116,27 @@ private Q_SLOTS:
         const QPointF uv = Charts::toPlane(colour, Plane::UvPrime);
         QVERIFY(distance({uv.x(), uv.y()}, {0.1978, 0.4683}) < 0.0001);
         QVERIFY(distance(Charts::toXy(uv, Plane::UvPrime), colour) < 1e-12);
+    }
+
+    void deviations_data()
+    {
+        QTest::addColumn<QList<QPointF>>("curve");
+        QTest::addColumn<QList<QPointF>>("expected");
+        using Points = QList<QPointF>;
+        QTest::newRow("nothing") << Points() << Points();
+        QTest::newRow("one point") << Points{{3, 7}} << Points{{3, 0}};
+        QTest::newRow("a straight line, not through zero")
+            << Points{{0, 5}, {1, 7}, {2, 9}} << Points{{0, 0}, {1, 0}, {2, 0}};
+        QTest::newRow("above and below") << Points{{0, 10}, {1, 30}, {2, 20}, {4, 30}}
+                                         << Points{{0, 0}, {1, 15}, {2, 0}, {4, 0}};
+        QTest::newRow("unequal steps") << Points{{0, 0}, {3, 1}, {4, 8}} << Points{{0, 0}, {3, -5}, {4, 0}};
+        QTest::newRow("upright") << Points{{1, 2}, {1, 6}} << Points{{1, 0}, {1, 4}};
+    }
+
+    void deviations()
+    {
+        QFETCH(QList<QPointF>, curve);
+        QTEST(Charts::deviationFromLine(curve), "expected");
     }
 
     void labelsFindRoom_data()
