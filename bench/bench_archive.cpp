@@ -1,15 +1,16 @@
 // Packing and unpacking a project of four documents, beside JlCompress alone (no look at the entries, no move into
 // place) and beside the commands zip and unzip at the same level. Wall-clock time: the commands are other processes.
 
+#include <qualityutility/tool/file/picqualityfiletool.h>
+
 #include <benchmark/benchmark.h>
+#include <quazip/JlCompress.h>
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <qualityutility/tool/file/picqualityfiletool.h>
-#include <quazip/JlCompress.h>
 
 namespace {
 

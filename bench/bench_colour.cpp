@@ -1,8 +1,9 @@
 // A correction matrix with coverage, beside the same arithmetic written by hand for fixed sizes, without checks. It is
 // an error when either allocates memory.
 
-#include <benchmark/benchmark.h>
 #include <suite/colour/adapterquali.h>
+
+#include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <cmath>

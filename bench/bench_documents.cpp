@@ -1,13 +1,14 @@
 // Reading and writing documents of n points per channel, beside what QJsonDocument itself takes for the same bytes:
 // parsing alone, and building and printing alone.
 
-#include <benchmark/benchmark.h>
+#include <qualityutility/tool/file/picqualityfiletool.h>
 #include <suite/model/finegray.h>
+
+#include <benchmark/benchmark.h>
 
 #include <QFile>
 #include <QJsonDocument>
 #include <QTemporaryDir>
-#include <qualityutility/tool/file/picqualityfiletool.h>
 
 namespace {
 

@@ -1,6 +1,9 @@
 // One exchange with a message hub on loopback, beside a raw blocking exchange of the same bytes with the same peer; and
 // the decimal text of a gray table, beside appending number by number.
 
+#include <qualityutility/tool/sender3th/clientsession.h>
+#include <qualityutility/tool/sender3th/decimaltext_p.h>
+
 #include <arpa/inet.h>
 #include <benchmark/benchmark.h>
 #include <netinet/tcp.h>
@@ -9,8 +12,6 @@
 
 #include <QCoreApplication>
 #include <QLoggingCategory>
-#include <qualityutility/tool/sender3th/clientsession.h>
-#include <qualityutility/tool/sender3th/decimaltext_p.h>
 
 #include <thread>
 

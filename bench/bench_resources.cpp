@@ -1,12 +1,13 @@
 // Loading the fifteen gray tables, beside a bare loop over the digits of the same bytes in memory and beside reading
 // line by line.
 
+#include <qualityutility/resource/picqualityresource.h>
+
 #include <benchmark/benchmark.h>
 
 #include <QCoreApplication>
 #include <QFile>
 #include <QTemporaryDir>
-#include <qualityutility/resource/picqualityresource.h>
 
 namespace {
 

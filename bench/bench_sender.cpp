@@ -2,16 +2,17 @@
 // is our own work. The baselines are what cannot be saved: parsing the JSON, copying the tables, looking the cabinets
 // up.
 
-#include <benchmark/benchmark.h>
+#include <qualityutility/tool/sender4th/cabinetsender.h>
 #include <suite/action/action.h>
 #include <suite/service/walldocument.h>
+
+#include <benchmark/benchmark.h>
 
 #include <QCoreApplication>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QTemporaryDir>
-#include <qualityutility/tool/sender4th/cabinetsender.h>
 
 namespace {
 

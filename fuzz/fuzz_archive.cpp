@@ -2,10 +2,10 @@
 // the files can be packed again.
 
 #include "fuzzing.h"
+#include <qualityutility/tool/file/picqualityfiletool.h>
 
 #include <QDir>
 #include <QFile>
-#include <qualityutility/tool/file/picqualityfiletool.h>
 
 #include <algorithm>
 

@@ -2,7 +2,8 @@
 // put a number at the edge of a type in the place of another: changing digits one by one hardly ever leads there.
 
 #include "fuzzing.h"
-
+#include <qualityutility/tool/file/documentcheck.h>
+#include <qualityutility/tool/file/picqualityfiletool.h>
 #include <suite/model/colorgamutinfo.h>
 #include <suite/model/finegray.h>
 #include <suite/model/graydetailpara.h>
@@ -11,8 +12,6 @@
 #include <suite/model/magicgrayparam.h>
 
 #include <QJsonDocument>
-#include <qualityutility/tool/file/documentcheck.h>
-#include <qualityutility/tool/file/picqualityfiletool.h>
 
 #include <algorithm>
 #include <array>

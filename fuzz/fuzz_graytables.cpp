@@ -1,7 +1,6 @@
 // The gray tables' text: the quick reading gives what converting line by line gives.
 
 #include "fuzzing.h"
-
 #include <qualityutility/resource/graytabletext_p.h>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)

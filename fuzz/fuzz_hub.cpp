@@ -1,10 +1,10 @@
 // Hub reception: the bytes come in pieces, whose sizes the first bytes give; replies are then judged.
 
 #include "fuzzing.h"
-
-#include <QBuffer>
 #include <qualityutility/tool/sender3th/cabinetsender3th.h>
 #include <qualityutility/tool/sender3th/hubframe_p.h>
+
+#include <QBuffer>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -1,7 +1,6 @@
 // Measurements of every kind: what is read has a gamut that can be corrected, and its means lie among the readings.
 
 #include "fuzzing.h"
-
 #include <calibration/gamut.h>
 #include <calibration/measurement.h>
 

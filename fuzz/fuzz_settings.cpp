@@ -1,13 +1,13 @@
 // The settings file: it is read whatever it holds, and a write-back changes one value and nothing else.
 
 #include "fuzzing.h"
+#include <qualityutility/resource/picqualityresource.h>
+#include <qualityutility/resource/settingstext_p.h>
+#include <qualityutility/resource/settingswriteback_p.h>
 
 #include <QDebug>
 #include <QSettings>
 #include <QTextCodec>
-#include <qualityutility/resource/picqualityresource.h>
-#include <qualityutility/resource/settingstext_p.h>
-#include <qualityutility/resource/settingswriteback_p.h>
 
 namespace {
 

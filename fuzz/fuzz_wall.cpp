@@ -1,7 +1,6 @@
 // Wall documents: a wall or an error text, never neither.
 
 #include "fuzzing.h"
-
 #include <suite/service/walldocument.h>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)

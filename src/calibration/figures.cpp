@@ -1,7 +1,6 @@
 #include "figures.h"
 
 #include <calibration/gamut.h>
-
 #include <qualityutility/data/computenicccoef.h>
 
 #include <algorithm>

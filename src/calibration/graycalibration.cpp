@@ -1,6 +1,7 @@
 #include "graycalibration.h"
 
 #include <calibration/output.h>
+#include <qualityutility/tool/file/picqualityfiletool.h>
 #include <suite/common/jsonreader.h>
 #include <suite/model/magicgrayparam.h>
 
@@ -8,7 +9,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
-#include <qualityutility/tool/file/picqualityfiletool.h>
 
 #include <cmath>
 

@@ -1,9 +1,8 @@
 #pragma once
 
+#include <qualityutility/tool/sender3th/cabinetsender3th.h>
 #include <suite/action/cabinetreader.h>
 #include <suite/common/result.h>
-
-#include <qualityutility/tool/sender3th/cabinetsender3th.h>
 
 #include <functional>
 #include <memory>

@@ -1,7 +1,5 @@
 #include "destination.h"
-
 #include <calibration/figures.h>
-
 #include <qualityutility/data/computenicccoef.h>
 
 namespace Calibration {

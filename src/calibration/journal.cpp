@@ -2,10 +2,10 @@
 
 #include <calibration/input.h>
 #include <calibration/output.h>
+#include <qualityutility/tool/file/picqualityfiletool.h>
 
 #include <QFile>
 #include <QJsonDocument>
-#include <qualityutility/tool/file/picqualityfiletool.h>
 
 namespace Calibration {
 

@@ -1,9 +1,10 @@
 #include "output.h"
 
+#include <qualityutility/support/wholefile_p.h>
+
 #include <QDir>
 #include <QFileInfo>
 #include <QTemporaryDir>
-#include <qualityutility/support/wholefile_p.h>
 
 namespace Calibration {
 

@@ -2,14 +2,14 @@
 
 #include <calibration/output.h>
 #include <calibration/stagefolder.h>
+#include <qualityutility/tool/file/filefailures.h>
+#include <qualityutility/tool/file/picqualityfiletool.h>
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
 #include <QRandomGenerator>
-#include <qualityutility/tool/file/filefailures.h>
-#include <qualityutility/tool/file/picqualityfiletool.h>
 
 #include <algorithm>
 

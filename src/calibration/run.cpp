@@ -1,14 +1,14 @@
 #include "run.h"
 
 #include <calibration/output.h>
+#include <qualityutility/tool/file/filefailures.h>
+#include <qualityutility/tool/file/picqualityfiletool.h>
 #include <suite/model/finegray.h>
 
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QTemporaryDir>
-#include <qualityutility/tool/file/filefailures.h>
-#include <qualityutility/tool/file/picqualityfiletool.h>
 
 #include <algorithm>
 

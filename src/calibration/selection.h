@@ -1,10 +1,10 @@
 #pragma once
 
+#include <qualityutility/tool/sender4th/cabinetsenderbase.h>
 #include <suite/common/result.h>
 #include <suite/service/walldocument.h>
 
 #include <QStringList>
-#include <qualityutility/tool/sender4th/cabinetsenderbase.h>
 
 namespace Calibration {
 

@@ -1,8 +1,9 @@
 #include "stagefolder.h"
 
 #include <calibration/output.h>
-#include <fcntl.h>
 #include <suite/common/filehelper.h>
+
+#include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>

@@ -1,11 +1,11 @@
 #include "step.h"
 
+#include <qualityutility/tool/sender4th/deviceoutcomes.h>
 #include <suite/action/action.h>
 #include <suite/service/modelservice.h>
 
 #include <QElapsedTimer>
 #include <QStringList>
-#include <qualityutility/tool/sender4th/deviceoutcomes.h>
 
 namespace Calibration {
 

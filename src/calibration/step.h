@@ -1,10 +1,9 @@
 #pragma once
 
+#include <qualityutility/tool/sender4th/cabinetsenderbase.h>
 #include <suite/action/cabinetreader.h>
 #include <suite/common/result.h>
 #include <suite/model/cabinet.h>
-
-#include <qualityutility/tool/sender4th/cabinetsenderbase.h>
 
 #include <functional>
 #include <map>

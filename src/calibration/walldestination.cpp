@@ -1,5 +1,4 @@
 #include "destination.h"
-
 #include <calibration/figures.h>
 
 namespace Calibration {

@@ -2,11 +2,6 @@
 
 #include "plotstyle_p.h"
 
-#include <QBuffer>
-#include <QFontMetricsF>
-#include <QImage>
-#include <QPainter>
-#include <QSvgGenerator>
 #include <qwt_legend.h>
 #include <qwt_painter.h>
 #include <qwt_plot.h>
@@ -16,6 +11,12 @@
 #include <qwt_scale_map.h>
 #include <qwt_scale_widget.h>
 #include <qwt_text.h>
+
+#include <QBuffer>
+#include <QFontMetricsF>
+#include <QImage>
+#include <QPainter>
+#include <QSvgGenerator>
 
 #include <algorithm>
 

@@ -2,11 +2,12 @@
 
 #include "plotstyle_p.h"
 
-#include <QPen>
 #include <qwt_plot_curve.h>
 #include <qwt_plot_marker.h>
 #include <qwt_scale_draw.h>
 #include <qwt_scale_engine.h>
+
+#include <QPen>
 
 #include <algorithm>
 #include <cmath>

@@ -2,9 +2,10 @@
 #include "labelsitem_p.h"
 #include "plotstyle_p.h"
 
+#include <qwt_scale_map.h>
+
 #include <QFontMetricsF>
 #include <QPainter>
-#include <qwt_scale_map.h>
 
 namespace Charts {
 

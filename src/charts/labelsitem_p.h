@@ -1,9 +1,10 @@
 #pragma once
 
+#include <qwt_plot_item.h>
+
 #include <QColor>
 #include <QLineF>
 #include <QVector>
-#include <qwt_plot_item.h>
 
 namespace Charts {
 

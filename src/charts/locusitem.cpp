@@ -1,12 +1,12 @@
 #include "locusitem_p.h"
 #include "spectrallocus.h"
-
 #include <suite/colour/matrix.h>
+
+#include <qwt_scale_map.h>
 
 #include <QImage>
 #include <QPainter>
 #include <QPainterPath>
-#include <qwt_scale_map.h>
 
 #include <algorithm>
 #include <cmath>

@@ -2,8 +2,9 @@
 
 #include "plane.h"
 
-#include <QPolygonF>
 #include <qwt_plot_item.h>
+
+#include <QPolygonF>
 
 namespace Charts {
 

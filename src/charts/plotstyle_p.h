@@ -1,11 +1,12 @@
 #pragma once
 
-#include <QColor>
-#include <QFont>
-#include <QString>
 #include <qwt_interval.h>
 #include <qwt_plot.h>
 #include <qwt_text.h>
+
+#include <QColor>
+#include <QFont>
+#include <QString>
 
 // What all charts share. Sizes are for a drawing of chartWidth pixels that stays readable at half of it.
 

@@ -2,13 +2,11 @@
 
 #include "devicebehaviour.h"
 #include "simulateddevice.h"
-
 #include <suite/service/walldocument.h>
-
-#include <queue>
 
 #include <condition_variable>
 #include <mutex>
+#include <queue>
 #include <random>
 #include <thread>
 

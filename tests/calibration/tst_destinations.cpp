@@ -1,5 +1,4 @@
 #include "support/calibrationsetup.h"
-
 #include <calibration/hubclient.h>
 #include <simulator/simulatedhub.h>
 

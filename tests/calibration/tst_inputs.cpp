@@ -1,7 +1,7 @@
 #include "support/calibrationsetup.h"
 #include "support/filesizelimit.h"
-
 #include <calibration/graycalibration.h>
+
 #include <sys/stat.h>
 
 #include <QTemporaryDir>

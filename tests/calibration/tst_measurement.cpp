@@ -1,6 +1,7 @@
 #include <calibration/gamut.h>
 #include <calibration/journal.h>
 #include <calibration/measurement.h>
+
 #include <support/hostrun.h>
 #include <support/testfiles.h>
 

@@ -1,8 +1,8 @@
 #include "support/filesizelimit.h"
 #include "support/testfiles.h"
-
 #include <calibration/output.h>
 #include <calibration/stagefolder.h>
+
 #include <sys/stat.h>
 
 #include <QTemporaryDir>

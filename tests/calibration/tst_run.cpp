@@ -1,11 +1,11 @@
 #include "support/calibrationsetup.h"
 #include "support/filesizelimit.h"
 #include "support/otheruser.h"
+#include <qualityutility/tool/file/picqualityfiletool.h>
 
 #include <QDateTime>
 #include <QTemporaryDir>
 #include <QTest>
-#include <qualityutility/tool/file/picqualityfiletool.h>
 
 using namespace Calibration;
 

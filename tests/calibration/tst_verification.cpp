@@ -1,5 +1,4 @@
 #include "support/calibrationsetup.h"
-
 #include <calibration/verification.h>
 
 #include <QJsonArray>

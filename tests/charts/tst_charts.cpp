@@ -1,5 +1,4 @@
 #include "svgdrawing.h"
-
 #include <charts/chromaticitychart.h>
 #include <charts/graychart.h>
 

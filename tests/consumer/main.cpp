@@ -1,10 +1,10 @@
 // A host in miniature: a transport of its own, a wall made by code, one gray table sent.
 
+#include <qualityutility/tool/sender4th/cabinetsender.h>
 #include <suite/action/action.h>
 #include <suite/service/modelservice.h>
 
 #include <QCoreApplication>
-#include <qualityutility/tool/sender4th/cabinetsender.h>
 
 #include <cstdio>
 

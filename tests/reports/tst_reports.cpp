@@ -1,6 +1,5 @@
 #include "support/calibrationsetup.h"
 #include "support/filesizelimit.h"
-
 #include <reports/calibrationreport.h>
 #include <reports/explanation.h>
 #include <reports/figuresreport.h>

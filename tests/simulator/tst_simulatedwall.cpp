@@ -1,11 +1,10 @@
 #include "support/logcapture.h"
-
+#include <qualityutility/tool/sender4th/cabinetsender.h>
 #include <simulator/simulatedwall.h>
 #include <suite/action/action.h>
 
 #include <QJsonDocument>
 #include <QTest>
-#include <qualityutility/tool/sender4th/cabinetsender.h>
 
 using namespace std::chrono_literals;
 using CabinetSenderSpace::CabinetSender;

@@ -2,7 +2,6 @@
 
 #include "support/testfiles.h"
 #include "support/walldocument.h"
-
 #include <calibration/figures.h>
 #include <calibration/gamut.h>
 #include <calibration/graytable.h>

@@ -1,7 +1,8 @@
 #include "support/logcapture.h"
 
-#include <spdlog/sinks/base_sink.h>
 #include <suite/logging/spdlogapplication.h>
+
+#include <spdlog/sinks/base_sink.h>
 
 #include <mutex>
 

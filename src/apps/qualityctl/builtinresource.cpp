@@ -1,8 +1,9 @@
 #include "builtinresource.h"
 
+#include <qualityutility/resource/picqualityresource.h>
+
 #include <QFile>
 #include <QProcess>
-#include <qualityutility/resource/picqualityresource.h>
 
 PicQualityResource& builtInResource()
 {

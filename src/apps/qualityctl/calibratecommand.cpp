@@ -5,12 +5,12 @@
 #include "interrupt.h"
 #include "progress.h"
 #include "wallargument.h"
-
-#include <CLI/CLI.hpp>
 #include <calibration/gamut.h>
 #include <calibration/graytable.h>
 #include <calibration/output.h>
 #include <reports/calibrationreport.h>
+
+#include <CLI/CLI.hpp>
 
 #include <QFileInfo>
 #include <QJsonArray>

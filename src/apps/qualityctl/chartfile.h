@@ -1,7 +1,6 @@
 #pragma once
 
 #include "output.h"
-
 #include <charts/chart.h>
 
 #include <QString>

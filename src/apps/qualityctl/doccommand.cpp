@@ -1,10 +1,10 @@
 #include "commands.h"
+#include <calibration/input.h>
+#include <qualityutility/tool/file/documentcheck.h>
 
 #include <CLI/CLI.hpp>
-#include <calibration/input.h>
 
 #include <QJsonArray>
-#include <qualityutility/tool/file/documentcheck.h>
 
 namespace {
 

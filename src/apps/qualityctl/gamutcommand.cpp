@@ -2,11 +2,11 @@
 #include "commands.h"
 #include "hostlog.h"
 #include "options.h"
-
-#include <CLI/CLI.hpp>
 #include <calibration/gamut.h>
 #include <reports/explanation.h>
 #include <reports/figuresreport.h>
+
+#include <CLI/CLI.hpp>
 
 namespace {
 

@@ -3,15 +3,15 @@
 #include "commands.h"
 #include "hostlog.h"
 #include "options.h"
-
-#include <CLI/CLI.hpp>
 #include <calibration/graycalibration.h>
 #include <calibration/graytable.h>
 #include <calibration/output.h>
+#include <qualityutility/resource/picqualityresource.h>
 #include <reports/figuresreport.h>
 
+#include <CLI/CLI.hpp>
+
 #include <QFileInfo>
-#include <qualityutility/resource/picqualityresource.h>
 
 namespace {
 

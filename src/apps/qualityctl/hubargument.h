@@ -2,7 +2,6 @@
 
 #include "options.h"
 #include "output.h"
-
 #include <calibration/destination.h>
 
 namespace Simulator {

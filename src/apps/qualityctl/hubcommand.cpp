@@ -2,11 +2,11 @@
 #include "hostlog.h"
 #include "hubargument.h"
 #include "interrupt.h"
-
-#include <CLI/CLI.hpp>
 #include <calibration/gamut.h>
 #include <calibration/graytable.h>
 #include <simulator/simulatedhub.h>
+
+#include <CLI/CLI.hpp>
 
 #include <QEventLoop>
 

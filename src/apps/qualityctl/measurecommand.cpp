@@ -1,11 +1,11 @@
 #include "commands.h"
-
-#include <CLI/CLI.hpp>
 #include <calibration/gamut.h>
 #include <calibration/journal.h>
 #include <calibration/measurement.h>
 #include <calibration/output.h>
 #include <reports/table.h>
+
+#include <CLI/CLI.hpp>
 
 #include <QJsonDocument>
 

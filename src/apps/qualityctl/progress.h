@@ -1,7 +1,6 @@
 #pragma once
 
 #include "output.h"
-
 #include <calibration/step.h>
 
 /// Shows a run on stderr and ends it on Ctrl-C: a bar on a terminal, one line per ten percent elsewhere, nothing with

@@ -1,9 +1,9 @@
 #include "commands.h"
 #include "hostlog.h"
-
-#include <CLI/CLI.hpp>
 #include <calibration/project.h>
 #include <reports/table.h>
+
+#include <CLI/CLI.hpp>
 
 namespace {
 

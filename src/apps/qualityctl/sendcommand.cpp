@@ -5,13 +5,13 @@
 #include "options.h"
 #include "progress.h"
 #include "wallargument.h"
-
-#include <CLI/CLI.hpp>
 #include <calibration/gamut.h>
 #include <calibration/graytable.h>
 #include <calibration/steps.h>
 #include <reports/sendreport.h>
 #include <suite/colour/correction.h>
+
+#include <CLI/CLI.hpp>
 
 namespace {
 

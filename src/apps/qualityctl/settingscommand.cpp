@@ -1,12 +1,12 @@
 #include "builtinresource.h"
 #include "commands.h"
 #include "hostlog.h"
-
-#include <CLI/CLI.hpp>
+#include <qualityutility/resource/picqualityresource.h>
 #include <reports/table.h>
 
+#include <CLI/CLI.hpp>
+
 #include <QFileInfo>
-#include <qualityutility/resource/picqualityresource.h>
 
 #include <cmath>
 

@@ -1,10 +1,10 @@
 #include "commands.h"
 #include "hostlog.h"
 #include "options.h"
-
-#include <CLI/CLI.hpp>
 #include <calibration/folder.h>
 #include <reports/calibrationreport.h>
+
+#include <CLI/CLI.hpp>
 
 namespace {
 

@@ -1,10 +1,8 @@
 #pragma once
 
 #include "output.h"
-
-#include <simulator/simulatedwall.h>
-
 #include <qualityutility/tool/sender4th/cabinetsenderbase.h>
+#include <simulator/simulatedwall.h>
 
 /// Which wall a command works on, which of its cabinets, and how it is simulated.
 struct WallArgument

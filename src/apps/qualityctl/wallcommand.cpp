@@ -1,10 +1,10 @@
 #include "commands.h"
 #include "options.h"
 #include "wallargument.h"
-
-#include <CLI/CLI.hpp>
 #include <calibration/selection.h>
 #include <reports/table.h>
+
+#include <CLI/CLI.hpp>
 
 namespace {
 

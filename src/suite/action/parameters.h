@@ -1,7 +1,8 @@
 #pragma once
 
-#include <boost/any.hpp>
 #include <suite/action/suite_action_export.h>
+
+#include <boost/any.hpp>
 
 #include <exception>
 #include <string>

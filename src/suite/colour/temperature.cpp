@@ -1,7 +1,6 @@
 #include "temperature.h"
 
 #include "observer_p.h"
-
 #include <suite/colour/coverage.h>
 
 namespace Colour {

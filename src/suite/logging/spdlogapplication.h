@@ -1,7 +1,8 @@
 #pragma once
 
-#include <spdlog/logger.h>
 #include <suite/logging/suite_logging_export.h>
+
+#include <spdlog/logger.h>
 
 #include <memory>
 #include <vector>

@@ -1,5 +1,4 @@
 #include "support/logcapture.h"
-
 #include <suite/action/action.h>
 
 #include <QCoreApplication>

@@ -1,5 +1,4 @@
 #include "colourgamuts.h"
-
 #include <suite/colour/adapterquali.h>
 #include <suite/colour/colourdifference.h>
 #include <suite/colour/correction.h>

@@ -1,5 +1,4 @@
 #include "colourgamuts.h"
-
 #include <suite/colour/corners.h>
 
 #include <QTest>

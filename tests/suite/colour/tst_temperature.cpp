@@ -1,5 +1,4 @@
 #include "colourgamuts.h"
-
 #include <suite/colour/temperature.h>
 
 #include <QTest>

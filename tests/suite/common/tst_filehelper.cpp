@@ -1,5 +1,4 @@
 #include "support/otheruser.h"
-
 #include <suite/common/filehelper.h>
 
 #include <QDir>

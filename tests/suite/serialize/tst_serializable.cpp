@@ -1,5 +1,4 @@
 #include "support/logcapture.h"
-
 #include <suite/serialize/serializable.h>
 
 #include <QTest>

@@ -1,5 +1,4 @@
 #include "support/testfiles.h"
-
 #include <suite/service/walldocument.h>
 
 #include <QFile>

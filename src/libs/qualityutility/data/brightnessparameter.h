@@ -1,9 +1,10 @@
 #pragma once
 
+#include <qualityutility/data/colortemperturepara.h>
+
 #include <QList>
 #include <QMap>
 #include <QString>
-#include <qualityutility/data/colortemperturepara.h>
 
 namespace ReceivingCard {
 

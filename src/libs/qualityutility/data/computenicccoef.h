@@ -1,9 +1,8 @@
 #pragma once
 
+#include <qualityutility/qualityutility_export.h>
 #include <suite/colour/adapterquali.h>
 #include <suite/model/colorgamutinfo.h>
-
-#include <qualityutility/qualityutility_export.h>
 
 /// Computes the gamut (NICC) correction that makes a measured gamut show a target gamut. Stateless, except that every
 /// computation logs its inputs and outputs; any thread.

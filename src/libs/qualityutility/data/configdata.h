@@ -1,7 +1,8 @@
 #pragma once
 
-#include <QPointer>
 #include <qualityutility/data/brightnessparameter.h>
+
+#include <QPointer>
 
 /// The configuration of a receiving card, as objects that are kept by their properties and used on their own thread.
 namespace ReceivingCard {

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <suite/serialize/serializable.h>
-
 #include <qualityutility/qualityutility_export.h>
+#include <suite/serialize/serializable.h>
 
 namespace ReceivingCard {
 

@@ -1,9 +1,10 @@
 #pragma once
 
+#include <qualityutility/qualityutility_export.h>
+
 #include <QDate>
 #include <QObject>
 #include <QString>
-#include <qualityutility/qualityutility_export.h>
 
 #include <atomic>
 #include <mutex>

@@ -1,12 +1,12 @@
 #pragma once
 
+#include <qualityutility/qualityutility_export.h>
 #include <suite/model/colorgamutinfo.h>
 #include <suite/model/finegray.h>
 #include <suite/model/magicgraycoeffs.h>
 
 #include <QList>
 #include <QObject>
-#include <qualityutility/qualityutility_export.h>
 
 #include <atomic>
 

@@ -3,7 +3,7 @@
 #include "graytabletext_p.h"
 #include "settingstext_p.h"
 #include "settingswriteback_p.h"
-
+#include <qualityutility/support/publishedinstance_p.h>
 #include <suite/common/filehelper.h>
 #include <suite/service/systemservice.h>
 
@@ -16,7 +16,6 @@
 #include <QLoggingCategory>
 #include <QPointer>
 #include <QSettings>
-#include <qualityutility/support/publishedinstance_p.h>
 
 #include <mutex>
 

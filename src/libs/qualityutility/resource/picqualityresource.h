@@ -1,10 +1,11 @@
 #pragma once
 
+#include <qualityutility/qualityutility_export.h>
+#include <qualityutility/resource/picqualitysettings.h>
+
 #include <QList>
 #include <QString>
 #include <QThread>
-#include <qualityutility/qualityutility_export.h>
-#include <qualityutility/resource/picqualitysettings.h>
 
 #include <array>
 #include <atomic>

@@ -1,8 +1,9 @@
 #include "picqualitysettings.h"
 
+#include <qualityutility/support/latin1_p.h>
+
 #include <QSettings>
 #include <QStandardPaths>
-#include <qualityutility/support/latin1_p.h>
 
 #include <variant>
 

@@ -1,5 +1,6 @@
 #include "settingstext_p.h"
 #include "settingswriteback_p.h"
+#include <qualityutility/support/wholefile_p.h>
 
 #include <QDeadlineTimer>
 #include <QFile>
@@ -8,7 +9,6 @@
 #include <QSettings>
 #include <QTextCodec>
 #include <QThread>
-#include <qualityutility/support/wholefile_p.h>
 
 namespace {
 

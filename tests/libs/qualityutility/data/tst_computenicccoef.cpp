@@ -1,7 +1,7 @@
 #include "support/logcapture.h"
+#include <qualityutility/data/computenicccoef.h>
 
 #include <QTest>
-#include <qualityutility/data/computenicccoef.h>
 
 #include <algorithm>
 

@@ -1,16 +1,16 @@
 #include "support/logcapture.h"
 #include "support/testfiles.h"
 #include "support/threadedinstances.h"
-
-#include <QFile>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QTimer>
 #include <qualityutility/data/niccdata.h>
 #include <qualityutility/data/picqualitydata.h>
 #include <qualityutility/data/rvcardconfigdatamodel.h>
 #include <qualityutility/resource/picqualityresource.h>
 #include <qualityutility/tool/file/picqualityfiletool.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
 
 using ReceivingCard::RvCardConfigDataModel;
 using RxCardPicQuality::PicqualityData;

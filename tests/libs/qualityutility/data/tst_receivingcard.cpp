@@ -1,9 +1,10 @@
+#include <qualityutility/data/nicccoeffs.h>
+#include <qualityutility/data/rvcardconfigdatamodel.h>
+
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QMetaProperty>
 #include <QTest>
-#include <qualityutility/data/nicccoeffs.h>
-#include <qualityutility/data/rvcardconfigdatamodel.h>
 
 using namespace ReceivingCard;
 using Xq::Serialize::Serializable;

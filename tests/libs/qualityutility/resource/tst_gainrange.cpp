@@ -1,9 +1,9 @@
 #include "support/testfiles.h"
+#include <qualityutility/resource/picqualitysettings.h>
 
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
-#include <qualityutility/resource/picqualitysettings.h>
 
 class GainRangeTest : public QObject
 {

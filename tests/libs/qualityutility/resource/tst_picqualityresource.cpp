@@ -1,5 +1,6 @@
 #include "support/logcapture.h"
 #include "support/testfiles.h"
+#include <qualityutility/resource/picqualityresource.h>
 
 #include <sys/resource.h>
 
@@ -13,7 +14,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextCodec>
-#include <qualityutility/resource/picqualityresource.h>
 
 #include <csignal>
 

@@ -1,5 +1,6 @@
 #include "support/logcapture.h"
 #include "support/threadedinstances.h"
+#include <qualityutility/resource/picqualityresource.h>
 
 #include <QCoreApplication>
 #include <QFile>
@@ -8,7 +9,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
-#include <qualityutility/resource/picqualityresource.h>
 
 #include <algorithm>
 #include <chrono>

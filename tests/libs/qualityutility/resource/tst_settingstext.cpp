@@ -1,10 +1,10 @@
 #include "support/testfiles.h"
+#include <qualityutility/resource/settingstext_p.h>
 
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTextCodec>
-#include <qualityutility/resource/settingstext_p.h>
 
 class SettingsTextTest : public QObject
 {

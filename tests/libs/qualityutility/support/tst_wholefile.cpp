@@ -4,10 +4,12 @@
 #include "support/logcapture.h"
 #include "support/ordinaryuser.h"
 #include "support/testfiles.h"
-
+#include <qualityutility/support/wholefile_p.h>
+#include <qualityutility/tool/file/picqualityfiletool.h>
 #include <suite/model/finegray.h>
 #include <suite/model/graydetailpara.h>
 #include <suite/model/grayeffectpara.h>
+
 #include <sys/stat.h>
 
 #include <QDir>
@@ -15,8 +17,6 @@
 #include <QJsonDocument>
 #include <QTemporaryDir>
 #include <QTest>
-#include <qualityutility/support/wholefile_p.h>
-#include <qualityutility/tool/file/picqualityfiletool.h>
 
 using Tool = PicQualityFileTool;
 

@@ -1,10 +1,11 @@
 #include "archivecheck_p.h"
 #include "archiveview_p.h"
 
+#include <quazip/quazip.h>
+
 #include <QDir>
 #include <QStorageInfo>
 #include <QTextCodec>
-#include <quazip/quazip.h>
 
 #include <algorithm>
 

@@ -1,13 +1,14 @@
 #include "archiveentries_p.h"
 #include "archiveview_p.h"
+#include <qualityutility/support/latin1_p.h>
+
+#include <quazip/quazip.h>
+#include <quazip/quazipfile.h>
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSet>
-#include <qualityutility/support/latin1_p.h>
-#include <quazip/quazip.h>
-#include <quazip/quazipfile.h>
 
 #include <numeric>
 

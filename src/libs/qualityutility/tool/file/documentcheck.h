@@ -1,9 +1,10 @@
 #pragma once
 
+#include <qualityutility/qualityutility_export.h>
+
 #include <QJsonObject>
 #include <QString>
 #include <QStringList>
-#include <qualityutility/qualityutility_export.h>
 
 #include <optional>
 

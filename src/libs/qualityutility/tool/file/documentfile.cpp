@@ -1,10 +1,10 @@
 #include "documentfile_p.h"
 #include "filefailurerecorder_p.h"
+#include <qualityutility/support/wholefile_p.h>
 
 #include <QDebug>
 #include <QFile>
 #include <QJsonDocument>
-#include <qualityutility/support/wholefile_p.h>
 
 namespace {
 

@@ -1,8 +1,9 @@
 #pragma once
 
+#include <qualityutility/tool/file/filefailures.h>
+
 #include <QJsonObject>
 #include <QString>
-#include <qualityutility/tool/file/filefailures.h>
 
 #include <functional>
 

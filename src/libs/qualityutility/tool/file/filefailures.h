@@ -1,8 +1,9 @@
 #pragma once
 
+#include <qualityutility/qualityutility_export.h>
+
 #include <QList>
 #include <QString>
-#include <qualityutility/qualityutility_export.h>
 
 /// Why an operation of PicQualityFileTool on one file failed.
 struct FileFailure

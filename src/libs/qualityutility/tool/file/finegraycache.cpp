@@ -2,7 +2,6 @@
 #include "finegraycache_p.h"
 #include "jsonfields_p.h"
 #include "magicgray_p.h"
-
 #include <suite/model/finegray.h>
 #include <suite/model/magicgrayparam.h>
 

@@ -3,7 +3,6 @@
 #include "graystate_p.h"
 #include "jsonfields_p.h"
 #include "magicgray_p.h"
-
 #include <suite/model/finegray.h>
 
 #include <array>

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "jsoncolumn_p.h"
+#include <qualityutility/support/latin1_p.h>
 
 #include <QJsonObject>
 #include <QList>
 #include <QString>
-#include <qualityutility/support/latin1_p.h>
 
 #include <functional>
 

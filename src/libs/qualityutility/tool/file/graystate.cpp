@@ -1,6 +1,5 @@
 #include "graystate_p.h"
 #include "jsonfields_p.h"
-
 #include <suite/model/graydetailpara.h>
 #include <suite/model/grayeffectpara.h>
 

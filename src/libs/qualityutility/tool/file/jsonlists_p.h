@@ -1,10 +1,10 @@
 #pragma once
 
 #include "jsoncolumn_p.h"
+#include <qualityutility/support/latin1_p.h>
 
 #include <QJsonArray>
 #include <QJsonObject>
-#include <qualityutility/support/latin1_p.h>
 
 #include <map>
 

@@ -1,6 +1,5 @@
 #include "jsonfields_p.h"
 #include "magicgray_p.h"
-
 #include <suite/model/magicgraycoeffs.h>
 #include <suite/model/magicgrayparam.h>
 

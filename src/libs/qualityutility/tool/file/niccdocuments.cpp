@@ -4,14 +4,13 @@
 #include "jsonfields_p.h"
 #include "niccdocuments_p.h"
 #include "picqualityfiletool.h"
-
+#include <qualityutility/data/nicccoeffs.h>
+#include <qualityutility/data/niccdata.h>
 #include <suite/action/commonconfigaction.h>
 #include <suite/common/colorgamuttype.h>
 #include <suite/model/colorgamutinfo.h>
 
 #include <QJsonDocument>
-#include <qualityutility/data/nicccoeffs.h>
-#include <qualityutility/data/niccdata.h>
 
 #include <array>
 

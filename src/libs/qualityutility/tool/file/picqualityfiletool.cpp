@@ -6,13 +6,12 @@
 #include "graystate_p.h"
 #include "jsonlists_p.h"
 #include "magicgray_p.h"
-
+#include <qualityutility/support/wholefile_p.h>
 #include <suite/model/finegray.h>
 #include <suite/model/magicgrayparam.h>
 
 #include <QDebug>
 #include <QFile>
-#include <qualityutility/support/wholefile_p.h>
 
 using FineGrayConfig::Measures;
 using Model::FineGrayAdvanceParam;

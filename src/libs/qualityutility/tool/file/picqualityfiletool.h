@@ -3,6 +3,7 @@
 /// \file
 /// The picture-quality documents and archives of a project.
 
+#include <qualityutility/qualityutility_export.h>
 #include <suite/model/lxy.h>
 
 #include <QJsonArray>
@@ -12,7 +13,6 @@
 #include <QString>
 #include <QStringList>
 #include <QVariant>
-#include <qualityutility/qualityutility_export.h>
 
 #include <map>
 #include <string>

@@ -2,14 +2,13 @@
 #include "filefailurerecorder_p.h"
 #include "projectarchive_p.h"
 #include "temporaryfolder_p.h"
-
+#include <qualityutility/support/unnamedfile_p.h>
 #include <suite/common/filehelper.h>
 
 #include <QDebug>
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
-#include <qualityutility/support/unnamedfile_p.h>
 
 namespace {
 

@@ -4,12 +4,12 @@
 #include "filefailurerecorder_p.h"
 #include "picqualityfiletool.h"
 #include "projectarchive_p.h"
+#include <qualityutility/support/latin1_p.h>
+#include <qualityutility/support/wholefile_p.h>
 
 #include <QDebug>
 #include <QFile>
 #include <QFileInfo>
-#include <qualityutility/support/latin1_p.h>
-#include <qualityutility/support/wholefile_p.h>
 
 #include <algorithm>
 #include <iterator>

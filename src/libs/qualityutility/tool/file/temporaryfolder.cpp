@@ -1,7 +1,8 @@
 #include "temporaryfolder_p.h"
+#include <qualityutility/support/latin1_p.h>
+#include <suite/common/filehelper.h>
 
 #include <fcntl.h>
-#include <suite/common/filehelper.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -13,7 +14,6 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <QThread>
-#include <qualityutility/support/latin1_p.h>
 
 #include <cerrno>
 #include <cstdio>

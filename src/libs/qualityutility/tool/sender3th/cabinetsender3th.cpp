@@ -1,11 +1,11 @@
 #include "cabinetsender3th.h"
 
 #include "decimaltext_p.h"
+#include <qualityutility/support/gamutpoints_p.h>
+#include <qualityutility/support/publishedinstance_p.h>
 
 #include <QDebug>
 #include <QJsonDocument>
-#include <qualityutility/support/gamutpoints_p.h>
-#include <qualityutility/support/publishedinstance_p.h>
 
 namespace CabinetSenderSpace {
 

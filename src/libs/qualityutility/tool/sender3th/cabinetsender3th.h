@@ -1,12 +1,12 @@
 #pragma once
 
+#include <qualityutility/tool/sender3th/clientsession.h>
+#include <qualityutility/tool/sender4th/cabinetsenderbase.h>
 #include <suite/model/lxy.h>
 
 #include <QJsonObject>
 #include <QMutex>
 #include <QPointer>
-#include <qualityutility/tool/sender3th/clientsession.h>
-#include <qualityutility/tool/sender4th/cabinetsenderbase.h>
 
 #include <atomic>
 

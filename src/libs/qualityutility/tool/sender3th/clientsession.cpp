@@ -1,11 +1,11 @@
 #include "clientsession.h"
 
 #include "hubframe_p.h"
+#include <qualityutility/support/infolog_p.h>
 
 #include <QElapsedTimer>
 #include <QTcpSocket>
 #include <QThread>
-#include <qualityutility/support/infolog_p.h>
 
 #include <limits>
 

@@ -1,11 +1,12 @@
 #pragma once
 
+#include <qualityutility/qualityutility_export.h>
+
 #include <QAbstractSocket>
 #include <QByteArray>
 #include <QObject>
 #include <QString>
 #include <QTimer>
-#include <qualityutility/qualityutility_export.h>
 
 #include <atomic>
 #include <memory>

@@ -1,7 +1,7 @@
 #include "hubframe_p.h"
+#include <qualityutility/support/infolog_p.h>
 
 #include <QtEndian>
-#include <qualityutility/support/infolog_p.h>
 
 #include <algorithm>
 

@@ -1,13 +1,12 @@
 #include "cabinetsender4th.h"
 
 #include "sendloop_p.h"
-
+#include <qualityutility/support/gamutpoints_p.h>
 #include <suite/logging/spdlogapplication.h>
 #include <suite/service/modelservice.h>
 
 #include <QDebug>
 #include <QFile>
-#include <qualityutility/support/gamutpoints_p.h>
 
 #include <functional>
 #include <optional>

@@ -1,9 +1,10 @@
 #pragma once
 
+#include <qualityutility/qualityutility_export.h>
+
 #include <QList>
 #include <QObject>
 #include <QString>
-#include <qualityutility/qualityutility_export.h>
 
 #include <map>
 #include <string>

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <QString>
 #include <qualityutility/qualityutility_export.h>
+
+#include <QString>
 
 #include <string>
 #include <vector>

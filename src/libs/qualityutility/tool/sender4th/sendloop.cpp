@@ -1,6 +1,5 @@
 #include "outcomerecorder_p.h"
 #include "sendloop_p.h"
-
 #include <suite/action/action.h>
 #include <suite/logging/spdlogapplication.h>
 

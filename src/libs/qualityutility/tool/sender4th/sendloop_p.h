@@ -1,7 +1,6 @@
 #pragma once
 
 #include "actionanswer_p.h"
-
 #include <qualityutility/tool/sender4th/cabinetsenderbase.h>
 
 #include <functional>

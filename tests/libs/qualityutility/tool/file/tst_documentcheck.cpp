@@ -1,6 +1,7 @@
+#include <qualityutility/tool/file/documentcheck.h>
+
 #include <QJsonDocument>
 #include <QTest>
-#include <qualityutility/tool/file/documentcheck.h>
 
 using DocumentCheck::check;
 

@@ -3,7 +3,8 @@
 #include "support/filesizelimit.h"
 #include "support/logcapture.h"
 #include "support/testfiles.h"
-
+#include <qualityutility/tool/file/filefailures.h>
+#include <qualityutility/tool/file/picqualityfiletool.h>
 #include <suite/model/finegray.h>
 #include <suite/model/graydetailpara.h>
 #include <suite/model/grayeffectpara.h>
@@ -18,8 +19,6 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
-#include <qualityutility/tool/file/filefailures.h>
-#include <qualityutility/tool/file/picqualityfiletool.h>
 
 #include <cstdio>
 #include <random>

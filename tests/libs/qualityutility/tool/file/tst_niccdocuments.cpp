@@ -1,6 +1,7 @@
 #include "support/logcapture.h"
 #include "support/testfiles.h"
-
+#include <qualityutility/data/niccdata.h>
+#include <qualityutility/tool/file/picqualityfiletool.h>
 #include <suite/action/commonconfigaction.h>
 #include <suite/common/colorgamuttype.h>
 #include <suite/model/colorgamutinfo.h>
@@ -10,8 +11,6 @@
 #include <QJsonDocument>
 #include <QTemporaryDir>
 #include <QTest>
-#include <qualityutility/data/niccdata.h>
-#include <qualityutility/tool/file/picqualityfiletool.h>
 
 #include <atomic>
 #include <thread>

@@ -1,6 +1,6 @@
 #include "support/logcapture.h"
 #include "support/testfiles.h"
-
+#include <qualityutility/tool/file/picqualityfiletool.h>
 #include <suite/model/finegray.h>
 #include <suite/model/graydetailpara.h>
 #include <suite/model/grayeffectpara.h>
@@ -12,7 +12,6 @@
 #include <QJsonDocument>
 #include <QTemporaryDir>
 #include <QTest>
-#include <qualityutility/tool/file/picqualityfiletool.h>
 
 using Tool = PicQualityFileTool;
 using Model::LXY;

@@ -2,6 +2,9 @@
 #include "support/otheruser.h"
 #include "support/testfiles.h"
 #include "support/zipwriter.h"
+#include <qualityutility/tool/file/picqualityfiletool.h>
+#include <qualityutility/tool/file/projectarchive_p.h>
+#include <qualityutility/tool/file/temporaryfolder_p.h>
 
 #include <sys/file.h>
 #include <sys/resource.h>
@@ -14,9 +17,6 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
-#include <qualityutility/tool/file/picqualityfiletool.h>
-#include <qualityutility/tool/file/projectarchive_p.h>
-#include <qualityutility/tool/file/temporaryfolder_p.h>
 
 #include <csignal>
 #include <future>

@@ -1,12 +1,11 @@
 #include "support/logcapture.h"
-
+#include <qualityutility/tool/sender3th/cabinetsender3th.h>
 #include <simulator/simulatedhub.h>
 #include <suite/model/colorgamutinfo.h>
 
 #include <QJsonDocument>
 #include <QProcess>
 #include <QTest>
-#include <qualityutility/tool/sender3th/cabinetsender3th.h>
 
 using namespace CabinetSenderSpace;
 using Simulator::HubAnswer;

@@ -1,12 +1,11 @@
 #include "support/logcapture.h"
-
+#include <qualityutility/tool/sender3th/clientsession.h>
 #include <simulator/simulatedhub.h>
 
 #include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QTcpServer>
 #include <QTest>
-#include <qualityutility/tool/sender3th/clientsession.h>
 
 using CabinetSenderSpace::ClientSession;
 using Ending = CabinetSenderSpace::ClientSession::Ending;

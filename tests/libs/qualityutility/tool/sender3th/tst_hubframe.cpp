@@ -1,7 +1,7 @@
 #include "support/logcapture.h"
+#include <qualityutility/tool/sender3th/hubframe_p.h>
 
 #include <QTest>
-#include <qualityutility/tool/sender3th/hubframe_p.h>
 
 namespace {
 

@@ -1,6 +1,8 @@
 #include "support/logcapture.h"
 #include "support/testfiles.h"
-
+#include <qualityutility/tool/sender4th/cabinetsender.h>
+#include <qualityutility/tool/sender4th/cabinetsender4th.h>
+#include <qualityutility/tool/sender4th/deviceoutcomes.h>
 #include <simulator/recordingtransport.h>
 #include <suite/action/action.h>
 #include <suite/model/colorgamutinfo.h>
@@ -10,9 +12,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
-#include <qualityutility/tool/sender4th/cabinetsender.h>
-#include <qualityutility/tool/sender4th/cabinetsender4th.h>
-#include <qualityutility/tool/sender4th/deviceoutcomes.h>
 
 #include <future>
 

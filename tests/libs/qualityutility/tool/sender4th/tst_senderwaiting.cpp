@@ -1,5 +1,5 @@
 #include "support/logcapture.h"
-
+#include <qualityutility/tool/sender4th/cabinetsender4th.h>
 #include <suite/action/action.h>
 #include <suite/service/modelservice.h>
 
@@ -7,7 +7,6 @@
 #include <QElapsedTimer>
 #include <QTest>
 #include <QTimer>
-#include <qualityutility/tool/sender4th/cabinetsender4th.h>
 
 #include <thread>
 
