@@ -26,8 +26,8 @@ struct Corner
 /// All corners of a correction.
 struct Corners
 {
-    double whiteKept = 0.0; ///< luminance of white over the source's luminance of white
-    std::array<Corner, cornerContents.size()> corners{};
+    double whiteKept = 0.0;                              ///< luminance of white over the source's luminance of white
+    std::array<Corner, cornerContents.size()> corners{}; ///< in the order of cornerContents
 };
 
 /// What coefficients make of the seven corners of a target on a wall of the primaries `source`, which limits each

@@ -7,11 +7,11 @@
 
 namespace Colour {
 
-/// Ranges of the functions below, kelvin.
-inline constexpr double minPlanckian = 1000.0;
-inline constexpr double maxPlanckian = 100000.0;
-inline constexpr double minDaylight = 4000.0;
-inline constexpr double maxDaylight = 25000.0;
+/// Ranges of the functions below.
+inline constexpr double minPlanckian = 1000.0;   ///< kelvin, of planckianWhite()
+inline constexpr double maxPlanckian = 100000.0; ///< kelvin
+inline constexpr double minDaylight = 4000.0;    ///< kelvin, of daylightWhite()
+inline constexpr double maxDaylight = 25000.0;   ///< kelvin
 
 /// The chromaticity of a black body of `kelvin`: Planck's law with c2 = 0.014388 m K, summed over the CIE 1931 observer
 /// from 360 to 830 nm in steps of 5 nm. Nothing outside of minPlanckian..maxPlanckian.
@@ -25,8 +25,8 @@ SUITE_COLOUR_EXPORT std::optional<Chromaticity> daylightWhite(double kelvin);
 /// The Planckian temperature that is nearest to a chromaticity.
 struct CorrelatedTemperature
 {
-    double kelvin = 0.0;
-    double duv = 0.0; ///< distance from the locus in CIE 1960 u, v; above zero on the green side
+    double kelvin = 0.0; ///< within the range of planckianWhite()
+    double duv = 0.0;    ///< distance from the locus in CIE 1960 u, v; above zero on the green side
 };
 
 /// The foot of the perpendicular from `xy` on the locus of planckianWhite() in CIE 1960 u, v, found by bisection: some

@@ -13,6 +13,7 @@
 /// it does not know. Any thread; nothing is logged, nothing throws.
 namespace DocumentCheck {
 
+/// What is said of one document.
 struct Report
 {
     /// "fine-gray configuration", "fine-gray cache", "NICC configuration" or "new-NICC document".
