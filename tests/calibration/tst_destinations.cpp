@@ -34,6 +34,9 @@ public:
 
 } // namespace
 
+Q_DECLARE_METATYPE(std::vector<Outcome>)
+Q_DECLARE_METATYPE(HubAnswer)
+
 class DestinationsTest : public QObject
 {
     Q_OBJECT
@@ -196,7 +199,5 @@ private Q_SLOTS:
     }
 };
 
-Q_DECLARE_METATYPE(std::vector<Outcome>)
-Q_DECLARE_METATYPE(HubAnswer)
 QTEST_GUILESS_MAIN(DestinationsTest)
 #include "tst_destinations.moc"

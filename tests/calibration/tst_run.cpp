@@ -36,6 +36,8 @@ public:
 
 } // namespace
 
+Q_DECLARE_METATYPE(Change)
+
 class RunTest : public QObject
 {
     Q_OBJECT
@@ -245,6 +247,5 @@ private Q_SLOTS:
     }
 };
 
-Q_DECLARE_METATYPE(Change)
 QTEST_GUILESS_MAIN(RunTest)
 #include "tst_run.moc"

@@ -5,6 +5,8 @@
 using namespace Calibration;
 using Cids = std::vector<unsigned long long>;
 
+Q_DECLARE_METATYPE(Cids)
+
 class SelectionTest : public QObject
 {
     Q_OBJECT
@@ -67,6 +69,5 @@ private Q_SLOTS:
     }
 };
 
-Q_DECLARE_METATYPE(Cids)
 QTEST_GUILESS_MAIN(SelectionTest)
 #include "tst_selection.moc"

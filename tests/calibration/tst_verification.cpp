@@ -7,6 +7,8 @@
 
 using namespace Calibration;
 
+Q_DECLARE_METATYPE(Colour::Coefficients)
+
 class VerificationTest : public QObject
 {
     Q_OBJECT
@@ -81,6 +83,5 @@ private Q_SLOTS:
     }
 };
 
-Q_DECLARE_METATYPE(Colour::Coefficients)
 QTEST_GUILESS_MAIN(VerificationTest)
 #include "tst_verification.moc"

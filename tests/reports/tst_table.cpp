@@ -5,6 +5,8 @@
 
 using namespace Reports;
 
+Q_DECLARE_METATYPE(std::vector<std::vector<Cell>>)
+
 class TableTest : public QObject
 {
     Q_OBJECT
@@ -63,6 +65,5 @@ private Q_SLOTS:
     }
 };
 
-Q_DECLARE_METATYPE(std::vector<std::vector<Cell>>)
 QTEST_GUILESS_MAIN(TableTest)
 #include "tst_table.moc"

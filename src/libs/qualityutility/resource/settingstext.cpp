@@ -142,7 +142,9 @@ bool isHexDigit(char16_t c)
 /// A character's bytes; none where the codec lacks it, or where a byte could be read as one of the file's own.
 QByteArray encodedCharacter(QChar c, const QTextCodec* codec)
 {
-    const QByteArray bytes = codec ? codec->fromUnicode(QString(c)) : QByteArray();
+    if (!codec) // Qt without its codecs
+        return {};
+    const QByteArray bytes = codec->fromUnicode(QString(c));
     const bool isSafe = std::all_of(bytes.begin(), bytes.end(), [](char b) { return (b & 0x80) != 0; });
     return isSafe && !bytes.isEmpty() && codec->toUnicode(bytes) == c ? bytes : QByteArray();
 }
