@@ -1,20 +1,18 @@
 #pragma once
 
+#include "freshfile_p.h"
+
 #include <QFile>
 
 namespace Support {
 
-/// A new file for `target` that has no name until it is whole: it goes with this object, and with a killed process.
-/// Where the system or the file system knows no such files, and for the moment in which an earlier file gives way, it
-/// has a name ".packing-XXXXXX" beside its place and a lock; what was left under such a name, by a process that is no
-/// more, goes when the next file is made in that folder.
+/// A new file for `target` that is written as a QFile, and has no name until it is whole (".packing-XXXXXX" where it
+/// needs one, as FreshFile has it). Whatever stands under such a name beside it, and no living process has locked, goes
+/// when the next one is made in that folder.
 class UnnamedFile
 {
 public:
     explicit UnnamedFile(const QString& target);
-    ~UnnamedFile();
-    UnnamedFile(const UnnamedFile&) = delete;
-    UnnamedFile& operator=(const UnnamedFile&) = delete;
 
     /// Open for reading and writing, unless the folder cannot take a new file: then `fault` says why.
     QFile& file() { return m_file; }
@@ -26,13 +24,11 @@ public:
     bool moveToTarget();
 
 private:
-    bool createNamed(mode_t mode);
-    bool giveName();
     bool fail();
 
     QString m_target;
-    QString m_name; ///< empty while there is none
     QString m_fault;
+    FreshFile m_fresh;
     QFile m_file;
 };
 

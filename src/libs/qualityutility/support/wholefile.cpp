@@ -1,3 +1,4 @@
+#include "freshfile_p.h"
 #include "wholefile_p.h"
 
 #include <fcntl.h>
@@ -9,7 +10,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QRandomGenerator>
 
 #include <array>
 #include <cerrno>
@@ -23,6 +23,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr char prefix[] = ".whole-";
 constexpr qint64 copyBlock = qint64{1024} * 1024;
 constexpr mode_t modeBits = 0777;
 constexpr mode_t newFileMode = 0666; // less the process's mask
@@ -150,46 +151,6 @@ void keepAttributes(int file, const fs::path& name, const struct stat& old, Whol
     static_cast<void>(::fchmod(file, mode)); // where modes cannot be set the new file stays private
 }
 
-/// A new file beside the one that it will replace; it goes with this object unless it was moved there.
-class FreshFile
-{
-public:
-    FreshFile(fs::path target, mode_t mode) : m_target(std::move(target)), m_file(create(mode)) {}
-    ~FreshFile()
-    {
-        if (!m_isMoved && m_file.isOpen())
-            ::unlink(m_name.c_str());
-    }
-    FreshFile(const FreshFile&) = delete;
-    FreshFile& operator=(const FreshFile&) = delete;
-
-    bool isOpen() const { return m_file.isOpen(); }
-    int fd() const { return m_file.fd(); }
-    bool moveToTarget()
-    {
-        m_isMoved = ::rename(m_name.c_str(), m_target.c_str()) == 0;
-        return m_isMoved;
-    }
-
-private:
-    int create(mode_t mode)
-    {
-        for (int attempt = 0; attempt < 100; ++attempt) {
-            const quint32 number = QRandomGenerator::system()->generate();
-            m_name = m_target.parent_path() / (".whole-" + std::to_string(number));
-            const int file = ::open(m_name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-            if (file >= 0 || errno != EEXIST)
-                return file;
-        }
-        return -1;
-    }
-
-    fs::path m_target;
-    fs::path m_name;
-    Descriptor m_file;
-    bool m_isMoved = false;
-};
-
 /// Whether the last call was refused for what the folder allows, and not for what is in it.
 bool isFolderClosed()
 {
@@ -246,7 +207,8 @@ Outcome writeThrough(const fs::path& device, const QByteArray& content)
     return writeAll(file.fd(), content) && file.close() ? Outcome() : failed(WholeFileResult::WriteFailed);
 }
 
-Outcome replace(const fs::path& name, const QByteArray& content, WholeFileWay way)
+Outcome replace(const fs::path& name, const QByteArray& content, WholeFileWay way,
+                FreshFile::Naming naming = FreshFile::Naming::Late)
 {
     struct stat old
     {};
@@ -256,18 +218,32 @@ Outcome replace(const fs::path& name, const QByteArray& content, WholeFileWay wa
     const bool isThere = kind == FileKind::Regular;
     if (kind == FileKind::Other || (isThere && way == WholeFileWay::Update && !isWritable(name)))
         return failed(WholeFileResult::OpenFailed);
-    FreshFile fresh(way == WholeFileWay::RenewName ? name : followed(name), isThere ? privateMode : newFileMode);
+    const fs::path target = way == WholeFileWay::RenewName ? name : followed(name);
+    FreshFile fresh(target.parent_path(), prefix, isThere ? privateMode : newFileMode, naming);
     if (fresh.isOpen()) {
         if (isThere)
             keepAttributes(fresh.fd(), name, old, way);
         if (!writeAll(fresh.fd(), content) || !bringToDisk(fresh.fd()))
             return failed(WholeFileResult::WriteFailed);
-        if (fresh.moveToTarget())
+        if (fresh.moveTo(target))
             return {};
+        if (!fresh.hasName())
+            return replace(name, content, way, FreshFile::Naming::AtOnce);
     }
     if (isThere && isFolderClosed()) // also one where only the owner of a file may replace it
         return writeInPlace(name, content);
     return failed(fresh.isOpen() ? WholeFileResult::WriteFailed : WholeFileResult::OpenFailed);
+}
+
+/// What is done to a file before it is moved over the target.
+bool finishFor(const fs::path& target, int file)
+{
+    struct stat old
+    {};
+    const FileKind kind = look(target, old);
+    if (kind == FileKind::Regular)
+        keepAttributes(file, target, old, WholeFileWay::RenewName);
+    return (kind == FileKind::Regular || kind == FileKind::None) && bringToDisk(file);
 }
 
 bool copyBytes(QFile& from, int to)
@@ -286,6 +262,26 @@ mode_t modeOf(QFile::Permissions permissions)
     return ((bits >> 6) & 0700) | ((bits >> 1) & 0070) | (bits & 0007);
 }
 
+bool copy(const QString& source, const fs::path& target, FreshFile::Naming naming = FreshFile::Naming::Late)
+{
+    QFile from(source); // of the resource system too
+    struct stat old
+    {};
+    const FileKind kind = look(target, old);
+    if (kind == FileKind::Device || kind == FileKind::Other || !QFileInfo(source).isFile() ||
+        !from.open(QIODevice::ReadOnly))
+        return false;
+    FreshFile fresh(target.parent_path(), prefix, privateMode, naming);
+    if (!fresh.isOpen())
+        return false;
+    if (kind == FileKind::Regular)
+        keepOwner(fresh.fd(), old);
+    if (!copyBytes(from, fresh.fd()) || ::fchmod(fresh.fd(), modeOf(from.permissions())) != 0 ||
+        !bringToDisk(fresh.fd()))
+        return false;
+    return fresh.moveTo(target) || (!fresh.hasName() && copy(source, target, FreshFile::Naming::AtOnce));
+}
+
 } // namespace
 
 WholeFileResult replaceWholeFile(const QString& path, const QByteArray& content, WholeFileWay way, QString* reason)
@@ -298,36 +294,21 @@ WholeFileResult replaceWholeFile(const QString& path, const QByteArray& content,
 
 bool copyWholeFile(const QString& source, const QString& destination)
 {
-    QFile from(source); // of the resource system too
-    const fs::path target = nativeName(destination);
-    struct stat old
-    {};
-    const FileKind kind = look(target, old);
-    if (kind == FileKind::Device || kind == FileKind::Other || !QFileInfo(source).isFile() ||
-        !from.open(QIODevice::ReadOnly))
-        return false;
-    FreshFile fresh(target, privateMode);
-    if (!fresh.isOpen())
-        return false;
-    if (kind == FileKind::Regular)
-        keepOwner(fresh.fd(), old);
-    return copyBytes(from, fresh.fd()) && ::fchmod(fresh.fd(), modeOf(from.permissions())) == 0 &&
-           bringToDisk(fresh.fd()) && fresh.moveToTarget();
+    return copy(source, nativeName(destination));
 }
 
 bool moveWholeFile(const QString& finished, const QString& path)
 {
     const fs::path name = nativeName(finished);
     const fs::path target = nativeName(path);
-    struct stat old
-    {};
-    const FileKind kind = look(target, old);
     const Descriptor file(::open(name.c_str(), O_RDONLY | O_CLOEXEC));
-    if (kind == FileKind::Device || kind == FileKind::Other || !file.isOpen())
-        return false;
-    if (kind == FileKind::Regular)
-        keepAttributes(file.fd(), target, old, WholeFileWay::RenewName);
-    return bringToDisk(file.fd()) && ::rename(name.c_str(), target.c_str()) == 0;
+    return file.isOpen() && finishFor(target, file.fd()) && ::rename(name.c_str(), target.c_str()) == 0;
+}
+
+bool moveWholeFile(FreshFile& finished, const QString& path)
+{
+    const fs::path target = nativeName(path);
+    return finishFor(target, finished.fd()) && finished.moveTo(target);
 }
 
 FileKind fileKind(const QString& path)

@@ -3,9 +3,11 @@
 #include <QByteArray>
 #include <QString>
 
-// Files replaced whole: the new content is made beside the old under a short name of its own (".whole-" and digits),
-// brought to the disk and moved over it. Whatever happens at any moment (a kill, a full disk), the file holds all of
-// the old content or all of the new. On failure nothing is left beside the file; after a kill the new one may be.
+// Files replaced whole: the new content is made in a file without a name, brought to the disk and moved over the old.
+// Whatever happens at any moment (a kill, a full disk), the file holds all of the old content or all of the new, and on
+// failure nothing is left beside it. Where there are no files without a name, and for the moment in which the old file
+// gives way, the new one has a short name (".whole-" and six digits): a kill can leave that, and the next file that
+// needs such a name in the folder removes it (FreshFile).
 //
 // - Owner, group, mode and (on Linux) access-control list stay as far as this process may set them; what cannot stay
 //   never opens a file to somebody to whom it was closed.
@@ -17,6 +19,8 @@
 // Any thread; they block for the file work. docs/documents.md tells users the same.
 
 namespace Support {
+
+class FreshFile;
 
 enum class WholeFileResult { Written, OpenFailed, WriteFailed };
 
@@ -37,6 +41,7 @@ bool copyWholeFile(const QString& source, const QString& destination);
 /// Moves a finished file of the same folder, or of a folder in it, over `path`, as RenewName; never in place. It keeps
 /// its own mode where there was no file. False when it fails: `path` is then as it was and `finished` still there.
 bool moveWholeFile(const QString& finished, const QString& path);
+bool moveWholeFile(FreshFile& finished, const QString& path);
 
 /// What a name leads to, through links.
 enum class FileKind {

@@ -96,6 +96,7 @@ private Q_SLOTS:
             updates = qMax(updates, document["grayAdvance"]["maxNum"].toInt());
         }
         QVERIFY2(updates > 4, "no update ever came through: the kills proved nothing");
+        QVERIFY(QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden).size() <= 2); // one is cleared by the next
     }
 
     void aFullDiskLeavesTheOldDocument_data()
