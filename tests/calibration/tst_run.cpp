@@ -1,6 +1,6 @@
 #include "support/calibrationsetup.h"
 #include "support/filesizelimit.h"
-#include "support/otheruser.h"
+#include "support/ordinaryuser.h"
 #include <qualityutility/tool/file/picqualityfiletool.h>
 
 #include <QDateTime>
@@ -201,7 +201,7 @@ private Q_SLOTS:
 
     void aFolderThatMayNotBeWrittenIntoIsTold()
     {
-        const OtherUser user(m_folder->path());
+        const OrdinaryUser user(m_folder->path());
         QVERIFY(QDir().mkpath(out()) && QFile::setPermissions(out(), QFile::ReadOwner | QFile::ExeOwner));
         const QString fault = faultText(Folder::open(out()));
         QVERIFY(QFile::setPermissions(out(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));

@@ -1,32 +1,38 @@
 #pragma once
 
 #include <grp.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <QList>
+#include <QFile>
+#include <QString>
 
-#include <functional>
 #include <vector>
 
-/// A user whom no file of the system belongs to; the group of the same number is his only one.
+/// A user whom no file of the system belongs to; the group of the same number is his own.
 constexpr uid_t ordinaryUser = 65534;
 
-/// What `work` gives in a child process that no permission is passed over for: root becomes the ordinary user, and a
-/// member of `groups`; anybody else stays who he is.
-inline bool asOrdinaryUser(const QList<gid_t>& groups, const std::function<bool()>& work)
+/// Makes root that user, for whom no permission is passed over, and a member of `groups`, and gives him a folder; ends
+/// with the object. Nothing where the process is not root.
+class OrdinaryUser
 {
-    const std::vector<gid_t> list(groups.begin(), groups.end());
-    const pid_t child = fork();
-    if (child == 0) {
-        const bool isRoot = geteuid() == 0;
-        if (isRoot &&
-            (setgroups(list.size(), list.data()) != 0 || setgid(ordinaryUser) != 0 || setuid(ordinaryUser) != 0))
-            _exit(2);
-        _exit(work() ? 0 : 1);
+public:
+    explicit OrdinaryUser(const QString& folder = {}, const std::vector<gid_t>& groups = {})
+        : m_isRoot(::geteuid() == 0)
+    {
+        const bool isGiven = !m_isRoot || folder.isEmpty() ||
+                             ::chown(QFile::encodeName(folder).constData(), ordinaryUser, ordinaryUser) == 0;
+        if (!isGiven || (m_isRoot && (::setgroups(groups.size(), groups.data()) != 0 || ::setegid(ordinaryUser) != 0 ||
+                                      ::seteuid(ordinaryUser) != 0)))
+            qFatal("cannot become another user");
     }
-    int status = 0;
-    if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status) || WEXITSTATUS(status) > 1)
-        qFatal("the child process did not come to its end");
-    return WEXITSTATUS(status) == 0;
-}
+    ~OrdinaryUser()
+    {
+        if (m_isRoot && (::seteuid(0) != 0 || ::setegid(0) != 0 || ::setgroups(0, nullptr) != 0))
+            qFatal("cannot become root again");
+    }
+    OrdinaryUser(const OrdinaryUser&) = delete;
+    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+
+private:
+    const bool m_isRoot;
+};

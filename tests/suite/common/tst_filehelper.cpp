@@ -1,4 +1,4 @@
-#include "support/otheruser.h"
+#include "support/ordinaryuser.h"
 #include <suite/common/filehelper.h>
 
 #include <QDir>
@@ -43,7 +43,7 @@ private Q_SLOTS:
     void foldersClosedToTheirOwnerAreDeletedToo()
     {
         const QTemporaryDir folder;
-        const OtherUser user(folder.path());
+        const OrdinaryUser user(folder.path());
         const QString closed = folder.filePath("a/closed");
         QVERIFY(QDir().mkpath(closed + "/b") && QFile::link(folder.path(), closed + "/link"));
         QVERIFY(QFile::setPermissions(closed, QFile::ReadOwner) && QFile::setPermissions(folder.filePath("a"), {}));

@@ -199,6 +199,15 @@ Outcome writeInPlace(const fs::path& name, const QByteArray& content)
     return outcome;
 }
 
+/// With the error of the system call that refused a new file. A link at the target was to give way itself: others were
+/// followed.
+Outcome changeInPlace(const fs::path& target, const QByteArray& content)
+{
+    const Outcome refused = failed(WholeFileResult::OpenFailed);
+    std::error_code error;
+    return fs::is_symlink(target, error) ? refused : writeInPlace(target, content);
+}
+
 Outcome writeThrough(const fs::path& device, const QByteArray& content)
 {
     Descriptor file(::open(device.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC));
@@ -231,7 +240,7 @@ Outcome replace(const fs::path& name, const QByteArray& content, WholeFileWay wa
             return replace(name, content, way, FreshFile::Naming::AtOnce);
     }
     if (isThere && isFolderClosed()) // also one where only the owner of a file may replace it
-        return writeInPlace(name, content);
+        return changeInPlace(target, content);
     return failed(fresh.isOpen() ? WholeFileResult::WriteFailed : WholeFileResult::OpenFailed);
 }
 

@@ -14,7 +14,8 @@
 // - Only regular files are replaced. A character device is written through; a folder, a block device, a pipe and a
 //   socket are refused, and so are an empty name and one with a NUL in it.
 // - Where the folder may not be changed but the file may, the content is written in place, after its room on the disk
-//   was reserved; when that fails the old content is put back. Only there can a kill leave a mixture.
+//   was reserved; when that fails the old content is put back. Only there can a kill leave a mixture. A link that
+//   would have to give way is refused there.
 //
 // Any thread; they block for the file work. docs/documents.md tells users the same.
 

@@ -18,6 +18,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <functional>
+#include <optional>
+
 using Tool = PicQualityFileTool;
 
 namespace {
@@ -30,6 +33,7 @@ const Write writeCard = [](const QString& path) { return Tool::writeRvcardConfig
 
 /// A copy of the file of the same name and ".source".
 const Write copy = [](const QString& path) { return Tool::copyFile(path + ".source", path); };
+const Write writeLink = [](const QString& path) { return rewrite(path + ".link"); };
 const Write moveOver = [](const QString& path) {
     return Support::moveWholeFile(writeFile(path + ".finished", "{}"), path);
 };
@@ -166,6 +170,7 @@ private Q_SLOTS:
         QTest::newRow("and written") << rewrite << 0600 << 0555 << room << 0600;
         QTest::newRow("but a copy needs the folder") << copy << 0644 << 0555 << room << -1;
         QTest::newRow("a copy leaves a read-only file so") << copy << 0444 << 0555 << room << -1;
+        QTest::newRow("and a link cannot give way") << writeLink << 0644 << 0555 << room << -1;
         QTest::newRow("nothing is open") << rewrite << 0444 << 0555 << room << -1;
         QTest::newRow("no room to update in place") << update << 0644 << 0555 << 60 << -1;
     }
@@ -183,17 +188,20 @@ private Q_SLOTS:
         const QString path = writeFile(folder + "/document.json", before);
         give(open.path(), ordinaryUser, ordinaryUser, 0755);
         give(writeFile(path + ".source", "{}"), ordinaryUser, ordinaryUser, 0604);
+        QVERIFY(QFile::link(path, path + ".link"));
         give(path, ordinaryUser, ordinaryUser, static_cast<mode_t>(fileMode));
         give(folder, ordinaryUser, ordinaryUser, static_cast<mode_t>(folderMode));
-        const bool isWritten = asOrdinaryUser({}, [&] {
+        bool isWritten = false;
+        {
+            const OrdinaryUser user;
             const LogCapture log;
             const FileSizeLimit disk(static_cast<rlim_t>(limit));
-            return write(path);
-        });
+            isWritten = write(path);
+        }
         QCOMPARE(isWritten, modeAfter >= 0);
         QCOMPARE(int(status(path).st_mode & 0777), isWritten ? modeAfter : fileMode);
         give(folder, ordinaryUser, ordinaryUser, 0755);
-        QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden),
+        QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden | QDir::NoSymLinks),
                  QStringList({"document.json", "document.json.source"}));
         give(path, ordinaryUser, ordinaryUser, 0644);
         QCOMPARE(readFile(path) == before, !isWritten);
@@ -231,8 +239,10 @@ private Q_SLOTS:
         give(folder.path(), 0, 0, 0777);
         const QString path = writeFile(folder.filePath("document.json"), "{}");
         give(path, owner, group, static_cast<mode_t>(mode));
-        QVERIFY(asRoot ? write(path)
-                       : asOrdinaryUser(isMember ? QList<gid_t>{group} : QList<gid_t>(), [&] { return write(path); }));
+        std::optional<OrdinaryUser> user;
+        if (!asRoot)
+            user.emplace(QString(), std::vector<gid_t>(isMember ? 1 : 0, group));
+        QVERIFY(write(path));
         const struct stat after = status(path);
         QCOMPARE(after.st_uid, asRoot ? owner : ordinaryUser);
         QCOMPARE(after.st_gid, asRoot || isMember ? group : gid_t{ordinaryUser});

@@ -1,5 +1,5 @@
 #include "support/logcapture.h"
-#include "support/otheruser.h"
+#include "support/ordinaryuser.h"
 #include "support/testfiles.h"
 #include "support/zipwriter.h"
 #include <qualityutility/tool/file/picqualityfiletool.h>
@@ -319,7 +319,7 @@ private Q_SLOTS:
                                                {"f/a.nicc", "2", 0, 0, packed == 0 ? 0 : 0100000 | packed}});
         const QString file = writeFile(path("o.zip"), archive);
         QVERIFY(::chmod(QFile::encodeName(m_folder->path()).constData(), 0711) == 0);
-        const OtherUser user(temp());
+        const OrdinaryUser user(temp());
         const mode_t earlier = ::umask(mask);
         const bool isDone = unpack(file).isDone && unpack(file).isDone;
         ::umask(earlier);
