@@ -99,6 +99,18 @@ void CabinetSender3th::attachSession(ClientSession* session)
 
 int CabinetSender3th::sendData(const QByteArray& request, QByteArray& reply, bool waitWithoutLimit)
 {
+    // The session too would refuse it, but what is asked and noted around that belongs to the call that waits.
+    if (m_isBusy.exchange(true)) {
+        qCritical() << "another operation is waiting for its reply";
+        return ResultNotDelivered;
+    }
+    const int result = exchange(request, reply, waitWithoutLimit);
+    m_isBusy = false;
+    return result;
+}
+
+int CabinetSender3th::exchange(const QByteArray& request, QByteArray& reply, bool waitWithoutLimit)
+{
     if (!m_session) {
         reply.clear(); // which then fails, whatever an earlier call has left there
     } else if (!m_session->sendToServerSync(request, reply, waitWithoutLimit)) {

@@ -37,7 +37,8 @@ struct HubFailure
 /// they fail. The local model is left as it is.
 ///
 /// Each operation blocks its thread until the session's wait is over. One at a time: a second one meanwhile, also from
-/// another thread, fails.
+/// another thread, fails with a critical line and changes nothing. All else belongs to the thread that runs the
+/// operations.
 ///
 /// An attached session stays its owner's, who may delete it between calls; but a sender that is destroyed deletes a
 /// session that is then connected, and leaves one that is not. (That asymmetry is relied on: a connected session is
@@ -72,22 +73,25 @@ public:
     int uploadNiccMeasure(const CabinetTargetMap& targets, const Model::ColorGamutInfo& info) override;
 
     /// Sends request bytes and checks the reply. 0 or 105. `reply` is emptied without a session, and stays as it was
-    /// when the session fails.
+    /// when the session fails or another operation waits.
     int sendData(const QByteArray& request, QByteArray& reply, bool waitWithoutLimit);
     /// Whether a reply is a JSON object whose "error" is 0; a value that is not a number counts as 0. Any other number
     /// is an error, also 0.5 or one that no int holds.
     bool judgeResult(const QByteArray& reply);
-    /// Why the last sendData(), and so the last operation, failed.
+    /// Why the last sendData(), and so the last operation, failed; one that was refused because another waited is not
+    /// told. For the thread that runs the operations, between them.
     const HubFailure& lastFailure() const { return m_lastFailure; }
     /// The point on the wire: {"lum", "cx", "cy"}, cd/m2 and CIE 1931 xy as given. The name is left out.
     QJsonObject getLXYOb(const Model::LXY& point);
 
 private:
+    int exchange(const QByteArray& request, QByteArray& reply, bool waitWithoutLimit);
     int sendCommand(int number, const QJsonObject& data);
 
     QPointer<ClientSession> m_session;
     QMutex m_mutex; ///< held by the destructor
     HubFailure m_lastFailure;
+    std::atomic<bool> m_isBusy{false};
     static std::atomic<CabinetSender3th*> m_instance;
 };
 

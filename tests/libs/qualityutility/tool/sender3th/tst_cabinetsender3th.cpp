@@ -236,6 +236,20 @@ private Q_SLOTS:
         QCOMPARE(sender.uploadNiccMeasure({}, gamut()), 0);
     }
 
+    void anOperationMeanwhileIsRefusedAndChangesNothing()
+    {
+        CabinetSender3th& sender = *CabinetSender3th::getInstance();
+        int refused = 0;
+        m_hub->setScript([&](const QByteArray&, const QByteArray&) { // on the hub's thread
+            refused = sender.uploadNiccData({}, gamut());
+            return HubAnswer{{hubFrame("{\"error\":0}")}};
+        });
+        QCOMPARE(sender.uploadNiccMeasure({}, gamut()), 0);
+        m_hub->setScript(nullptr); // after which what the script has written may be read
+        QCOMPARE(refused, 105);
+        QCOMPARE(criticals(), QStringList{"critical default: another operation is waiting for its reply"});
+    }
+
     void withoutASessionOrAConnection()
     {
         CabinetSender3th& sender = *CabinetSender3th::getInstance();
