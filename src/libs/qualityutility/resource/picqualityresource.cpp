@@ -38,6 +38,12 @@ void logMissing(const QString& file)
     qCritical().noquote() << QStringLiteral("file %1 not exist!!!").arg(file);
 }
 
+bool isProcessLeft()
+{
+    const std::lock_guard lock(s_loadingMutex);
+    return s_isProcessLeft;
+}
+
 template <typename T>
 bool parseGray(const QString& path, QList<T>& list)
 {
@@ -63,14 +69,16 @@ static void putOwnTablesLast()
 
 std::atomic<PicQualityResource*> PicQualityResource::m_instance{nullptr};
 
-/// Made before the first loading starts, so that it goes before all that stood then: the loading thread reads Qt's
-/// resources and logs, and may not be in the middle when Qt's static objects go.
+/// Goes before all that stood when it was made: the loading thread reads Qt's resources and logs, and may not be in the
+/// middle when Qt's static objects, or what a host's log handler uses, go. Made with the first instance, as start() is
+/// everybody's, and again for the first loading that is asked for.
 class PicQualityResource::LoadingGuard
 {
 public:
-    LoadingGuard()
+    LoadingGuard() = default;
+    /// Asks for what Qt makes when it is first asked for: it has to stand before the guard.
+    static void standOnQt()
     {
-        // Qt makes some of them when they are first asked for: not by the loading thread, after this one.
         QFile::exists(grayTablePath(Gray10));
         QLoggingCategory::defaultCategory()->isInfoEnabled();
         qFormatLogMessage(QtInfoMsg, {}, {});
@@ -117,7 +125,11 @@ PicQualityResource::~PicQualityResource()
 
 PicQualityResource* PicQualityResource::getInstance()
 {
-    return Support::publishedInstance(m_instance, m_lock, [] { return new PicQualityResource; });
+    return Support::publishedInstance(m_instance, m_lock, [] {
+        LoadingGuard::standOnQt();
+        static const LoadingGuard guard;
+        return new PicQualityResource;
+    });
 }
 
 void PicQualityResource::releaseInstance()
@@ -242,7 +254,7 @@ bool PicQualityResource::waitForReadResource()
 
 void PicQualityResource::run()
 {
-    if (m_isLoaded) // start() is everybody's
+    if (m_isLoaded || isProcessLeft()) // start() is everybody's
         return;
     // Once: while they are away another thread misses them.
     static std::once_flag s_ownTablesArePutLast;

@@ -55,7 +55,9 @@ public:
     /// Loads the tables, if they are not yet, while a local event loop keeps the caller's thread alive; without a
     /// QCoreApplication the thread blocks. True when they are loaded. They are loaded once, however many threads ask.
     /// False when an event handler released the instance meanwhile, when no thread could be started, and when the
-    /// process is being left (its static objects go, which waits for a loading that is under way). Any thread.
+    /// process is being left (its static objects go, which waits for a loading that is under way). Any thread; but one
+    /// that asks for the first instance, or starts this thread, only while another is leaving the process may find
+    /// Qt's own objects gone.
     bool waitForReadResource();
 
     /// Appends the numbers of a table file (text, one per line) to `list`; a line that does not convert is 0. False,
@@ -136,7 +138,8 @@ public:
     const QList<unsigned short>& workingGrayTable() const { return m_workingGrayTable; }
 
 protected:
-    /// Loads the tables on this object's thread; does nothing when they are loaded. start() begins it.
+    /// Loads the tables on this object's thread; does nothing when they are loaded or the process is being left.
+    /// start() begins it, and leaving waits for it as above.
     void run() override;
 
 private:

@@ -49,9 +49,12 @@ void holdFirstLine(QtMsgType, const QMessageLogContext&, const QString& text)
         waitFor([] { return s_tablesRead == 15; }, std::chrono::seconds(5));
 }
 
-void loadOnAnotherThread()
+void loadOnAnotherThread(bool isAsked = true)
 {
-    std::thread([] { Resource::getInstance()->initResourceFile(); }).detach();
+    if (isAsked)
+        std::thread([] { Resource::getInstance()->initResourceFile(); }).detach();
+    else
+        Resource::getInstance()->start();
     waitFor([] { return s_tablesRead > 0; }, std::chrono::seconds(10));
 }
 
@@ -79,8 +82,8 @@ int runHost(int argc, char** argv)
         return 0;
     }
     const QCoreApplication application(argc, argv);
-    if (way == "main ends") {
-        loadOnAnotherThread();
+    if (way == "main ends" || way == "started only") {
+        loadOnAnotherThread(way == "main ends");
         return 0;
     }
     QTimer timer; // "handler exits"
@@ -212,7 +215,7 @@ private Q_SLOTS:
     void leavingTheProcessWaitsForTheTables_data()
     {
         QTest::addColumn<QString>("way");
-        for (const char* way : {"handler exits", "main ends", "no application", "static destructor"})
+        for (const char* way : {"handler exits", "main ends", "started only", "no application", "static destructor"})
             QTest::newRow(way) << way;
     }
 
