@@ -57,7 +57,7 @@ Result<void> requireNewFile(const QString& path, bool force)
     const FileKind kind = Support::fileKind(path);
     if (kind == FileKind::Other && QFileInfo::exists(path))
         return cannotCreate(path, QStringLiteral("a file"),
-                            QStringLiteral("a folder, a pipe or what else cannot be replaced"));
+                            QFileInfo(path).isDir() ? QStringLiteral("a folder") : QStringLiteral("no regular file"));
     // A link to nothing is followed when it is written.
     if ((kind == FileKind::Regular || (kind == FileKind::None && QFileInfo(path).isSymLink())) && !force)
         return cannotCreate(path, {}, QStringLiteral("exists"), QStringLiteral("--force replaces it"));

@@ -21,8 +21,8 @@ Common::Result<std::vector<unsigned long long>> parseCabinets(const QStringList&
 /// Identifiers as short text: "1-12, 20"; "none" without any.
 QString cabinetRanges(std::vector<unsigned long long> cids);
 
-/// The targets that a selection names. Faults: usage for a device or cabinet that the wall does not have; bad data for
-/// a wall without devices.
+/// The targets that a selection names. Faults: usage for a device or cabinet that the wall does not have; bad data,
+/// without a subject, for a wall without devices.
 Common::Result<CabinetSenderSpace::CabinetTargetMap> selectTargets(const Service::Wall& wall,
                                                                    const Selection& selection);
 

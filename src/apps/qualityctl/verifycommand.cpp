@@ -17,12 +17,17 @@ struct VerifyArguments
 CommandResult verify(const VerifyArguments& arguments, const Output& output)
 {
     HostLog::install(output.quiet);
-    const auto journal =
-        take(Calibration::Journal::read(Calibration::journalPath(QString::fromStdString(arguments.folder))));
-    const auto verification = take(Calibration::verify(journal, arguments.maxDifference));
-    CommandResult result{Reports::toText(verification), Reports::toJson(verification)};
-    if (!verification.faults.isEmpty())
-        result.error = Fault{Fault::Kind::Difference, {}, {}, verification.faults.join(QStringLiteral("; "))};
+    const QString folder = QString::fromStdString(arguments.folder);
+    const auto journal = take(Calibration::Journal::read(Calibration::journalPath(folder)));
+    const auto verification = Calibration::verify(journal, arguments.maxDifference);
+    if (!verification) {
+        Fault fault = verification.fault();
+        fault.subject += QLatin1Char(' ') + folder;
+        throw fault;
+    }
+    CommandResult result{Reports::toText(*verification), Reports::toJson(*verification)};
+    if (!verification->faults.isEmpty())
+        result.error = Fault{Fault::Kind::Difference, {}, {}, verification->faults.join(QStringLiteral("; "))};
     return result;
 }
 

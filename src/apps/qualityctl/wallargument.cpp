@@ -6,12 +6,17 @@
 
 namespace {
 
+QString subjectOf(const OpenWall& wall)
+{
+    return QStringLiteral("wall document %1").arg(wall.name);
+}
+
 std::shared_ptr<Simulator::SimulatedWall> simulate(const OpenWall& wall, unsigned int seed)
 {
     QString error;
     auto simulation = Simulator::SimulatedWall::create(wall.wall, seed, error);
     if (!simulation)
-        throw Fault{Fault::Kind::BadData, QStringLiteral("wall document %1").arg(wall.name), {}, error};
+        throw Fault{Fault::Kind::BadData, subjectOf(wall), {}, error};
     return simulation;
 }
 
@@ -39,7 +44,13 @@ OpenWall openWall(const WallArgument& argument)
     for (const Service::WallDevice& device : open.wall)
         entries.push_back(device.entry);
     Service::ModelService::setDevices(entries);
-    open.targets = take(Calibration::selectTargets(open.wall, selectionOf(argument)));
+    auto targets = Calibration::selectTargets(open.wall, selectionOf(argument));
+    if (!targets && targets.fault().subject.isEmpty()) { // the wall's own, whose name is known here only
+        Fault fault = targets.fault();
+        fault.subject = subjectOf(open);
+        throw fault;
+    }
+    open.targets = take(std::move(targets));
     return open;
 }
 
