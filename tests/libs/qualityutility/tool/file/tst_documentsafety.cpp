@@ -1,6 +1,7 @@
 // What happens to documents when things go wrong outside: kills, full disks, hostile content.
 
 #include "support/filesizelimit.h"
+#include "support/grayrecords.h"
 #include "support/logcapture.h"
 #include "support/testfiles.h"
 #include <qualityutility/tool/file/filefailures.h>
@@ -200,6 +201,23 @@ private Q_SLOTS:
         QCOMPARE(after.contains("rMeasure"), red >= 0); // what could not be read begins anew
         QVERIFY(after.contains("mgData") && after.contains("grayAdvance") && after.contains("wMGMeasure"));
         QCOMPARE(log.take(), QStringList());
+    }
+
+    void aDocumentBeyondTheLimitIsLeftAlone()
+    {
+        const QString path = writeFile(m_folder.filePath("large.json"), "{}");
+        constexpr qint64 limit = qint64{256} * 1024 * 1024;
+        QVERIFY(QFile::resize(path, limit + 1)); // a hole: it takes no room
+        QList<LXY> list = pointList(2, 5);
+        Model::FineGrayAdvanceParam param;
+        LogCapture log;
+        QVERIFY(!Tool::readFineGrayCache(path, list, list, list, param));
+        QVERIFY(!Tool::updateFineGrayCache(path, advance(1)));
+        const QString line = "critical default: file \"" + path + "\"  invalid!!!";
+        QCOMPARE(log.take(), QStringList({line, line}));
+        QCOMPARE(QFileInfo(path).size(), limit + 1);
+        QVERIFY(QFile::resize(path, 100));
+        QVERIFY(Tool::readFineGrayCache(path, list, list, list, param));
     }
 };
 

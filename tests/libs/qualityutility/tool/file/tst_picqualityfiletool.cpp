@@ -1,21 +1,17 @@
+#include "support/grayrecords.h"
 #include "support/logcapture.h"
 #include "support/testfiles.h"
 #include <qualityutility/tool/file/picqualityfiletool.h>
-#include <suite/model/finegray.h>
 #include <suite/model/graydetailpara.h>
 #include <suite/model/grayeffectpara.h>
-#include <suite/model/magicgraycoeffs.h>
 #include <suite/model/magicgrayparam.h>
 
 #include <QFile>
-#include <QFileInfo>
-#include <QJsonDocument>
 #include <QTemporaryDir>
 #include <QTest>
 
 using Tool = PicQualityFileTool;
 using Model::LXY;
-using Points = std::vector<LXY>;
 using Update = std::function<bool(const QString&)>;
 using Read = std::function<bool(const QString&, QList<LXY>&)>;
 
@@ -23,94 +19,6 @@ Q_DECLARE_METATYPE(Update)
 Q_DECLARE_METATYPE(Read)
 
 namespace {
-
-QJsonArray parseArray(const char* text)
-{
-    return QJsonDocument::fromJson(text).array();
-}
-
-QJsonObject parse(const QByteArray& text)
-{
-    return QJsonDocument::fromJson(text).object();
-}
-
-Points points(int count, double first)
-{
-    Points result;
-    for (int i = 0; i < count; ++i)
-        result.push_back({first + i, 0.3 + 0.001 * i, 0.33, {}});
-    return result;
-}
-
-QList<LXY> pointList(int count, double first)
-{
-    const Points all = points(count, first);
-    return {all.begin(), all.end()};
-}
-
-Model::FineGrayCoeffs coeffs()
-{
-    Model::FineGrayCoeffs result;
-    result.rGrayCoeffs = {0, 1, 255};
-    result.gGrayCoeffs = {2};
-    result.magnitudes = {9, 8};
-    return result;
-}
-
-Model::FineGrayAdvanceParam advance(int whitePoints)
-{
-    Model::FineGrayAdvanceParam result;
-    result.maxNum = 6;
-    result.caliNum = 2;
-    result.wMeasure = points(whitePoints, 100.0 * whitePoints);
-    result.caliLength = 1000;
-    result.rGrayCoeffs = {1, 2};
-    result.bGrayCoeffs = {3};
-    result.magBits = {4, 5, 6};
-    result.rLumTarget = {0.125, 1e-9};
-    result.bLumTarget = {7};
-    return result;
-}
-
-Model::MagicGrayCoeffs magicGray()
-{
-    Model::MagicGrayCoeffs result;
-    result.getR0Measures() = points(2, 1);
-    result.getG0Measures() = points(1, 2);
-    result.getB0Measures() = points(1, 3);
-    result.getR1Measures() = points(1, 4);
-    result.getG1Measures() = points(1, 5);
-    result.getB1Measures() = points(1, 6);
-    result.getFirstRMeasures() = points(1, 7);
-    result.getFirstGMeasures() = points(1, 8);
-    result.getFirstBMeasures() = points(1, 9);
-    result.getACRMeasures() = {{0, points(1, 10)}, {1, points(2, 11)}};
-    result.getACGMeasures() = {{0, points(1, 12)}};
-    result.getACBMeasures() = {{0, points(1, 13)}};
-    result.getWhiteMeasures() = {{0, {}}, {1, points(1, 14)}};
-    result.getCurrentLUTs() = {-1, 0, 70000};
-    result.getComGainLUTOdd() = {1};
-    result.getComGainLUTEven() = {2};
-    return result;
-}
-
-/// A list of every kind that the tool converts, from numbers.
-template <typename List>
-QJsonArray written(const List& list)
-{
-    QJsonArray out{1, 2, 3};
-    Tool::listToJsonArray(list, out);
-    return out;
-}
-
-template <typename List>
-List readBack(const QJsonArray& array)
-{
-    List out;
-    out.push_back(typename List::value_type()); // to be replaced
-    Tool::jsonArrayToList(array, out);
-    return out;
-}
 
 const QStringList measurementKeys{"rMG0Measure", "gMG0Measure",     "bMG0Measure",     "rMG1Measure",     "gMG1Measure",
                                   "bMG1Measure", "rMGFirstMeasure", "gMGFirstMeasure", "bMGFirstMeasure", "rMGMeasure",
@@ -134,67 +42,6 @@ private:
 
 private Q_SLOTS:
     void init() { QFile::remove(m_path); }
-
-    void numbersConvertAsQtDoes()
-    {
-        const QJsonArray mixed = parseArray(R"([1, "2", true, 3.9, 4.0, null, [5], {"a": 6}, -1, 300, 4294967296])");
-        QCOMPARE(readBack<std::vector<int>>(mixed), std::vector<int>({1, 0, 0, 0, 4, 0, 0, 0, -1, 300, 0}));
-        const std::vector<unsigned char> bytes{1, 0, 0, 0, 4, 0, 0, 0, 255, 44, 0};
-        QCOMPARE(readBack<std::vector<unsigned char>>(mixed), bytes);
-        QCOMPARE(readBack<QList<unsigned char>>(mixed), QList<unsigned char>(bytes.begin(), bytes.end()));
-        const std::vector<unsigned int> words{1, 0, 0, 0, 4, 0, 0, 0, 4294967295u, 300, 0};
-        QCOMPARE(readBack<std::vector<unsigned int>>(mixed), words);
-        QCOMPARE(readBack<QList<unsigned int>>(mixed), QList<unsigned int>(words.begin(), words.end()));
-        const std::vector<double> doubles{1, 0, 0, 3.9, 4, 0, 0, 0, -1, 300, 4294967296.0};
-        QCOMPARE(readBack<std::vector<double>>(mixed), doubles);
-        QCOMPARE(readBack<QList<double>>(mixed), QList<double>(doubles.begin(), doubles.end()));
-    }
-
-    void unsignedNumbersKeepTheirBits()
-    {
-        QCOMPARE(written(std::vector<unsigned int>{4294967295u, 2147483648u}), QJsonArray({-1, -2147483647 - 1}));
-        QCOMPARE(written(QList<unsigned int>{7}), QJsonArray({7}));
-        QCOMPARE(readBack<std::vector<unsigned int>>(parseArray("[-2147483648]")),
-                 std::vector<unsigned int>{2147483648u});
-    }
-
-    void listsReplaceWhatWasThere()
-    {
-        QCOMPARE(written(std::vector<int>{}), QJsonArray());
-        QVERIFY(readBack<QList<LXY>>({}).isEmpty());
-        QCOMPARE(written(std::vector<double>{0.1, -2}), QJsonArray({0.1, -2}));
-        QCOMPARE(written(QList<double>{0.5}), QJsonArray({0.5}));
-        QCOMPARE(written(std::vector<unsigned char>{255}), QJsonArray({255}));
-        QCOMPARE(written(QList<unsigned char>{0}), parseArray("[0]"));
-        QJsonArray point;
-        point.append(parse(R"({"lum": 1, "x": 0.25, "y": 0.5})"));
-        QCOMPARE(written(Points{{1, 0.25, 0.5, "name"}}), point);
-    }
-
-    void pointsAreTakenFromObjectsOnly()
-    {
-        const QJsonArray array = parseArray(
-            R"([{"lum": 1, "x": 0.3, "y": 0.3, "z": 9}, 5, "text", {"x": 0.2}, {"lum": "1.5", "x": true, "y": null}])");
-        const Points expected{{1, 0.3, 0.3, {}}, {0, 0.2, 0, {}}, {1.5, 1, 0, {}}};
-        QCOMPARE(readBack<Points>(array), expected);
-        QCOMPARE(readBack<QList<LXY>>(array), QList<LXY>(expected.begin(), expected.end()));
-        QCOMPARE(getLxy({{"lum", "1.5"}, {"x", true}}), expected.back());
-    }
-
-    void seriesAreRenumberedWhenRead()
-    {
-        const Tool::MeasureSeries series{{3, points(1, 1)}, {7, points(2, 2)}};
-        QJsonArray array{1};
-        Tool::mapToJsonArray(series, array);
-        QCOMPARE(array.size(), 2);
-        QCOMPARE(array.at(0).toObject().keys(), QStringList("measure"));
-        Tool::MeasureSeries back{{9, {}}};
-        Tool::jsonArrayToMap(array, back);
-        QCOMPARE(back, Tool::MeasureSeries({{0, points(1, 1)}, {1, points(2, 2)}}));
-        Tool::jsonArrayToMap(
-            parseArray(R"([5, {"measure": 5}, {"other": []}, {"measure": [{"lum": 4}]}, {"measure": []}])"), back);
-        QCOMPARE(back, Tool::MeasureSeries({{0, {{4, 0, 0, {}}}}, {1, {}}}));
-    }
 
     void copyReplacesTheDestination()
     {
@@ -432,8 +279,9 @@ private Q_SLOTS:
         const QJsonObject document = root();
         for (int slot = 1; slot <= 9; ++slot) {
             const int kept = 18 - slot;
-            QCOMPARE(readBack<Points>(document.value("wMeasure" + QString::number(slot)).toArray()),
-                     points(kept, 100.0 * kept));
+            Points found;
+            Tool::jsonArrayToList(document.value("wMeasure" + QString::number(slot)).toArray(), found);
+            QCOMPARE(found, points(kept, 100.0 * kept));
         }
         QVERIFY(!document.contains("wMeasure10"));
         QCOMPARE(document["grayAdvance"]["wMeasure"].toArray().size(), 7);
@@ -531,22 +379,6 @@ private Q_SLOTS:
             Tool::readFineGrayConfig(m_path, list, list, list, tables, openGray, openXbit, xbitType, open18bit);
         QCOMPARE(result, !document.isEmpty());
         QTEST(QString("%1 %2 %3 %4").arg(openGray).arg(openXbit).arg(xbitType).arg(open18bit), "switches");
-    }
-
-    void aDocumentBeyondTheLimitIsLeftAlone()
-    {
-        constexpr qint64 limit = qint64{256} * 1024 * 1024;
-        QVERIFY(QFile(write("{}")).resize(limit + 1)); // a hole: it takes no room
-        QList<LXY> list = pointList(2, 5);
-        Model::FineGrayAdvanceParam param;
-        LogCapture log;
-        QVERIFY(!Tool::readFineGrayCache(m_path, list, list, list, param));
-        QVERIFY(!Tool::updateFineGrayCache(m_path, advance(1)));
-        const QString line = "critical default: file \"" + m_path + "\"  invalid!!!";
-        QCOMPARE(log.take(), QStringList({line, line}));
-        QCOMPARE(QFileInfo(m_path).size(), limit + 1);
-        QVERIFY(QFile::resize(m_path, 100));
-        QVERIFY(Tool::readFineGrayCache(m_path, list, list, list, param));
     }
 };
 
