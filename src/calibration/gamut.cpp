@@ -122,17 +122,16 @@ QString pointName(std::size_t point)
 
 Result<void> requireGamut(const Gamut& gamut, const QString& subject)
 {
-    constexpr double minShare = 1e-6; // of a primary in the luminance of white
     const auto points = pointsOf(gamut);
     for (std::size_t i = 0; i < points.size(); ++i) {
         const QString fault = chromaticityFault(*points[i], pointName(i));
         if (!fault.isEmpty())
             return refusal(subject, fault);
     }
-    if (Colour::isOnOneLine(primariesOf(gamut)))
+    const Colour::Primaries primaries = primariesOf(gamut);
+    if (Colour::isOnOneLine(primaries))
         return refusal(subject, QStringLiteral("the primaries lie on one line"));
-    const auto shares = Colour::luminanceShares(primariesOf(gamut));
-    if (!std::all_of(shares.begin(), shares.end(), [](double share) { return share > minShare; }))
+    if (!Colour::showsWhite(primaries))
         return refusal(subject,
                        QStringLiteral("white (%1, %2) lies outside the triangle").arg(gamut.wLxy.x).arg(gamut.wLxy.y));
     // Only then: those that follow from a white outside the triangle are negative too.

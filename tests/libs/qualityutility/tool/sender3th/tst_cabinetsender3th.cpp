@@ -5,6 +5,7 @@
 
 #include <QJsonDocument>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTest>
 
 using namespace CabinetSenderSpace;
@@ -70,15 +71,7 @@ class CabinetSender3thTest : public QObject
     Q_OBJECT
 
 private:
-    QStringList criticals()
-    {
-        QStringList lines;
-        for (const QString& line : m_log->take()) {
-            if (line.startsWith("critical"))
-                lines << line;
-        }
-        return lines;
-    }
+    QStringList criticals() { return m_log->take().filter(QRegularExpression("^critical")); }
 
     std::unique_ptr<SimulatedHub> m_hub;
     std::unique_ptr<ClientSession> m_session;
