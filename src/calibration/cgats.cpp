@@ -45,8 +45,8 @@ private:
     Result<void> endData(std::size_t count);
     Result<void> requireCount(const QString& key, std::size_t count, const QString& what) const;
     Result<Measurement> measurement() const;
-    /// What the values are multiplied with to be cd/m2.
-    Result<double> luminanceFactor(double whiteLuminance, QStringList& notes) const;
+    /// What the values are multiplied with to be cd/m2; says where they stay relative.
+    Result<double> luminanceFactor(Measurement& measurement) const;
     QString valueOf(std::initializer_list<const char*> keys) const;
 
     const Input& m_input;
@@ -202,9 +202,10 @@ QString CgatsParser::valueOf(std::initializer_list<const char*> keys) const
     return {};
 }
 
-Result<double> CgatsParser::luminanceFactor(double whiteLuminance, QStringList& notes) const
+Result<double> CgatsParser::luminanceFactor(Measurement& measurement) const
 {
     constexpr double largestDrift = 0.1; // of white's readings from 100
+    const double whiteLuminance = measurement.patches.points[3].mean.lum;
     const QString normalised = valueOf({"NORMALIZED_TO_Y_100"});
     const bool isNormalised = normalised == QLatin1String("YES");
     if (isNormalised && std::abs(whiteLuminance / 100.0 - 1.0) > largestDrift)
@@ -212,8 +213,10 @@ Result<double> CgatsParser::luminanceFactor(double whiteLuminance, QStringList& 
                        QStringLiteral("a white of 100"), QString::number(whiteLuminance));
     const auto found = m_keywords.find(QStringLiteral("LUMINANCE_XYZ_CDM2"));
     if (found == m_keywords.end() || normalised == QLatin1String("NO")) {
-        notes << (isNormalised ? QStringLiteral("luminances are relative: the file does not say white's in cd/m2")
-                               : QStringLiteral("luminances are taken as cd/m2, as they stand"));
+        measurement.patches.isRelative = isNormalised;
+        measurement.notes << (isNormalised
+                                  ? QStringLiteral("luminances are relative: the file does not say white's in cd/m2")
+                                  : QStringLiteral("luminances are taken as cd/m2, as they stand"));
         return 1.0;
     }
     const QStringList parts = found->second.text.split(QLatin1Char(' '), Qt::SkipEmptyParts);
@@ -222,7 +225,8 @@ Result<double> CgatsParser::luminanceFactor(double whiteLuminance, QStringList& 
         return refusal(QStringLiteral("%1, LUMINANCE_XYZ_CDM2").arg(found->second.place),
                        QStringLiteral("X, Y and Z in cd/m2, Y above 0"),
                        QStringLiteral("\"%1\"").arg(found->second.text));
-    notes << QStringLiteral("luminances are scaled to a white of %1 cd/m2 (LUMINANCE_XYZ_CDM2)").arg(luminance);
+    measurement.notes
+        << QStringLiteral("luminances are scaled to a white of %1 cd/m2 (LUMINANCE_XYZ_CDM2)").arg(luminance);
     return luminance / (isNormalised ? 100.0 : whiteLuminance);
 }
 
@@ -233,7 +237,7 @@ Result<Measurement> CgatsParser::measurement() const
     if (!patches)
         return patches.fault();
     result.patches = *patches;
-    const auto factor = luminanceFactor(patches->points[3].mean.lum, result.notes);
+    const auto factor = luminanceFactor(result);
     if (!factor)
         return factor.fault();
     for (PatchReadings& patch : result.patches.points)

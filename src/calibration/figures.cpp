@@ -10,6 +10,26 @@ namespace Calibration {
 namespace {
 
 constexpr double noticeableDifference = 1.0;
+constexpr double roundingOfWhite = 1e-3; ///< of its luminance, in the integers
+
+/// Why a target's luminance cannot be had; `kept` is 0 where the wall's is not known.
+Fault tooBright(const Model::ColorGamutInfo& target, double wanted, double kept)
+{
+    return {Fault::Kind::BadData, QStringLiteral("target %1").arg(nameOf(target)),
+            kept > 0.0 ? QStringLiteral("a white of at most %1 cd/m2, which the wall keeps").arg(kept, 0, 'f', 1)
+                       : QStringLiteral("a measured gamut with luminances beside its own"),
+            QStringLiteral("%1 cd/m2").arg(wanted)};
+}
+
+/// Gives white a luminance in cd/m2, and the primaries those that add up to it; 0 is one that is not known.
+void setLuminance(Model::ColorGamutInfo& gamut, double luminance)
+{
+    const auto shared = gamutOf(primariesOf(gamut), luminance);
+    gamut.rLxy.lum = shared.rLxy.lum;
+    gamut.gLxy.lum = shared.gLxy.lum;
+    gamut.bLxy.lum = shared.bLxy.lum;
+    gamut.wLxy.lum = luminance;
+}
 
 } // namespace
 
@@ -20,9 +40,22 @@ double Figures::worstDifference() const
 
 Result<Figures> computeFigures(const Model::ColorGamutInfo& measured, const Model::ColorGamutInfo& target)
 {
+    const double wanted = target.wLxy.lum;
     Model::ColorGamutInfo corrected = target;
-    ComputeNICCCoef::createCoef(measured, corrected);
-    return figuresOf(measured, corrected);
+    if (wanted > 0.0)
+        ComputeNICCCoef::computeSingleCoef(corrected, 1.0, ComputeNICCCoef::ColorGamutTransform(measured),
+                                           ComputeNICCCoef::GetWhiteLxy(measured));
+    else
+        ComputeNICCCoef::createCoef(measured, corrected);
+    auto figures = figuresOf(measured, corrected);
+    if (!figures)
+        return figures;
+    const double kept = figures->reached.whiteKept * measured.wLxy.lum;
+    if (wanted > kept * (1.0 + roundingOfWhite) && wanted > 0.0)
+        return tooBright(target, wanted, kept);
+    if (!(wanted > 0.0))
+        setLuminance(figures->target, kept);
+    return figures;
 }
 
 Result<Figures> figuresOf(const Model::ColorGamutInfo& measured, const Model::ColorGamutInfo& target)

@@ -1,9 +1,6 @@
 #include "gamut.h"
 
-#include <calibration/measurement.h>
-
-#include <QFileInfo>
-#include <QStringList>
+#include <suite/colour/coverage.h>
 
 #include <algorithm>
 #include <cmath>
@@ -12,83 +9,11 @@ namespace Calibration {
 
 namespace {
 
-constexpr double defaultWhiteLuminance = 100.0;
-
 using Gamut = Model::ColorGamutInfo;
 
 Fault refusal(const QString& subject, const QString& reason)
 {
     return {Fault::Kind::BadData, subject, {}, reason};
-}
-
-Gamut fromPrimaries(const Colour::Primaries& primaries, double whiteLuminance)
-{
-    const auto point = [](const Colour::Chromaticity& c, double luminance) {
-        return Model::LXY{luminance, c.x, c.y, {}};
-    };
-    const auto shares = Colour::luminanceShares(primaries);
-    Gamut gamut;
-    gamut.rLxy = point(primaries.red, shares[0] * whiteLuminance);
-    gamut.gLxy = point(primaries.green, shares[1] * whiteLuminance);
-    gamut.bLxy = point(primaries.blue, shares[2] * whiteLuminance);
-    gamut.wLxy = point(primaries.white, whiteLuminance);
-    return gamut;
-}
-
-/// The finite numbers between the separators of a text; `count` of them.
-Result<std::vector<double>> numbers(const QString& text, QLatin1Char separator, int count, const QString& expected,
-                                    const QString& subject)
-{
-    const QStringList parts = text.split(separator);
-    if (parts.size() != count)
-        return refusal(subject, QStringLiteral("expected %1, found \"%2\"").arg(expected, text));
-    std::vector<double> values;
-    for (const QString& part : parts) {
-        bool converted = false;
-        values.push_back(part.toDouble(&converted));
-        if (!converted || !std::isfinite(values.back()))
-            return refusal(subject, QStringLiteral("expected a number, found \"%1\"").arg(part));
-    }
-    return values;
-}
-
-Result<Gamut> fromChromaticities(const QString& text)
-{
-    const QString subject = QStringLiteral("gamut %1").arg(text);
-    const QStringList parts = text.split(QLatin1Char(':'));
-    if (parts.size() != 4 && parts.size() != 5)
-        return refusal(subject, QStringLiteral("expected rx,ry:gx,gy:bx,by:wx,wy with an optional :luminance_cd_m2"));
-    Colour::Chromaticity points[4];
-    for (int i = 0; i < 4; ++i) {
-        const auto xy = numbers(parts.at(i), QLatin1Char(','), 2, QStringLiteral("x,y"), subject);
-        if (!xy)
-            return xy.fault();
-        points[i] = {xy->at(0), xy->at(1)};
-    }
-    double luminance = defaultWhiteLuminance;
-    if (parts.size() == 5) {
-        const auto given = numbers(parts.at(4), QLatin1Char(':'), 1, QStringLiteral("a number"), subject);
-        if (!given)
-            return given.fault();
-        luminance = given->front();
-    }
-    Gamut gamut = fromPrimaries({points[0], points[1], points[2], points[3]}, luminance);
-    gamut.name = text.toStdString();
-    const auto made = requireGamut(gamut, subject);
-    if (!made)
-        return made.fault();
-    return gamut;
-}
-
-Result<Gamut> fromFile(const QString& name)
-{
-    const auto input = readInput(name, QStringLiteral("gamut"));
-    if (!input)
-        return input.fault();
-    const auto measurement = parseMeasurement(*input);
-    if (!measurement)
-        return measurement.fault();
-    return measurement->gamut;
 }
 
 /// What is wrong with a point's place; empty when nothing is.
@@ -101,7 +26,37 @@ QString chromaticityFault(const Model::LXY& point, const QString& role)
     return {};
 }
 
+/// Directions of red, green and blue from white in CIE 1976 u', v', in radians.
+std::array<double, 3> hues(const Colour::Primaries& primaries)
+{
+    const Colour::Primaries uv = uvPrime(primaries);
+    const auto hue = [&uv](const Colour::Chromaticity& c) { return std::atan2(c.y - uv.white.y, c.x - uv.white.x); };
+    return {hue(uv.red), hue(uv.green), hue(uv.blue)};
+}
+
+/// The primary of Rec.709 whose hue is nearest to a hue.
+std::size_t primaryOfHue(double hue)
+{
+    static const auto known = hues(Colour::standardGamuts.front().primaries);
+    const auto distance = [hue](double other) { return std::abs(std::remainder(hue - other, 2.0 * M_PI)); };
+    const auto* const nearest = std::min_element(known.begin(), known.end(),
+                                                 [&distance](double a, double b) { return distance(a) < distance(b); });
+    return static_cast<std::size_t>(nearest - known.begin());
+}
+
 } // namespace
+
+Gamut gamutOf(const Colour::Primaries& primaries, double luminance)
+{
+    const auto point = [](const Colour::Chromaticity& c, double lum) { return Model::LXY{lum, c.x, c.y, {}}; };
+    const auto shares = Colour::luminanceShares(primaries);
+    Gamut gamut;
+    gamut.rLxy = point(primaries.red, shares[0] * luminance);
+    gamut.gLxy = point(primaries.green, shares[1] * luminance);
+    gamut.bLxy = point(primaries.blue, shares[2] * luminance);
+    gamut.wLxy = point(primaries.white, luminance);
+    return gamut;
+}
 
 Colour::Primaries primariesOf(const Gamut& gamut)
 {
@@ -120,6 +75,11 @@ QString pointName(std::size_t point)
     return QString::fromLatin1(names.at(point));
 }
 
+QString nameOf(const Gamut& gamut)
+{
+    return QString::fromStdString(gamut.name);
+}
+
 Result<void> requireGamut(const Gamut& gamut, const QString& subject)
 {
     const auto points = pointsOf(gamut);
@@ -132,8 +92,9 @@ Result<void> requireGamut(const Gamut& gamut, const QString& subject)
     if (Colour::isOnOneLine(primaries))
         return refusal(subject, QStringLiteral("the primaries lie on one line"));
     if (!Colour::showsWhite(primaries))
-        return refusal(subject,
-                       QStringLiteral("white (%1, %2) lies outside the triangle").arg(gamut.wLxy.x).arg(gamut.wLxy.y));
+        return refusal(subject, QStringLiteral("white (%1, %2) lies outside the triangle, or on its edge")
+                                    .arg(gamut.wLxy.x)
+                                    .arg(gamut.wLxy.y));
     // Only then: those that follow from a white outside the triangle are negative too.
     for (std::size_t i = 0; i < points.size(); ++i) {
         const double luminance = points[i]->lum;
@@ -144,28 +105,38 @@ Result<void> requireGamut(const Gamut& gamut, const QString& subject)
     return {};
 }
 
-Result<Gamut> readGamut(const QString& text)
+Result<void> requireLuminance(const Gamut& gamut, const QString& subject, const QString& text)
 {
-    const auto* const standard =
-        std::find_if(Colour::standardGamuts.begin(), Colour::standardGamuts.end(),
-                     [&](const Colour::StandardGamut& known) { return text == QLatin1String(known.key); });
-    if (standard != Colour::standardGamuts.end()) {
-        Gamut gamut = fromPrimaries(standard->primaries, defaultWhiteLuminance);
-        gamut.name = standard->name;
-        return gamut;
+    const auto points = pointsOf(gamut);
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        if (!(points[i]->lum > 0.0))
+            return Fault{Fault::Kind::BadData, subject, QStringLiteral("luminances in cd/m2"),
+                         QStringLiteral("none of %1").arg(pointName(i)),
+                         QStringLiteral("%1:2800 gives white 2800 cd/m2, and red, green and blue what adds up to it")
+                             .arg(text == QLatin1String("-") ? QStringLiteral("FILE") : text)};
     }
-    if (text == QLatin1String("-") || QFileInfo::exists(text))
-        return fromFile(text);
-    if (text.contains(QLatin1Char(':')))
-        return fromChromaticities(text);
-    QStringList names;
-    for (const Colour::StandardGamut& known : Colour::standardGamuts)
-        names << QString::fromLatin1(known.key);
-    return Fault{Fault::Kind::NoInput,
-                 QStringLiteral("gamut %1").arg(text),
-                 {},
-                 QStringLiteral("neither a standard gamut nor a file"),
-                 QStringLiteral("standard gamuts: %1").arg(names.join(QStringLiteral(", ")))};
+    return {};
+}
+
+Result<void> requireLabels(const Gamut& gamut, const QString& subject)
+{
+    const auto points = pointsOf(gamut);
+    const auto found = hues(primariesOf(gamut));
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        const std::size_t nearest = primaryOfHue(found[i]);
+        if (nearest != i)
+            return refusal(subject, QStringLiteral("%1 (%2, %3) has the hue of %4: are the primaries swapped?")
+                                        .arg(pointName(i))
+                                        .arg(points[i]->x)
+                                        .arg(points[i]->y)
+                                        .arg(pointName(nearest)));
+        if (gamut.wLxy.lum > 0.0 && points[i]->lum > gamut.wLxy.lum)
+            return refusal(subject, QStringLiteral("%1, %2 cd/m2, is brighter than white, %3 cd/m2")
+                                        .arg(pointName(i))
+                                        .arg(points[i]->lum)
+                                        .arg(gamut.wLxy.lum));
+    }
+    return {};
 }
 
 } // namespace Calibration

@@ -6,16 +6,22 @@
 
 namespace Calibration {
 
-/// Reads a gamut as a user gives it: a standard gamut's name (rec709, bt2020, ...), a file as parseMeasurement() reads
-/// it ("-" for standard input), or chromaticities rx,ry:gx,gy:bx,by:wx,wy with an optional :luminance of white in cd/m2
-/// (100 without one). In the first and last form the primaries' luminances are those that add up to white. A gamut
-/// without a name is called as it was typed. Faults: no input for a name or file that does not exist; bad data for a
-/// gamut that cannot be one, with the reason.
-Result<Model::ColorGamutInfo> readGamut(const QString& text);
+// Gamut records as the calibration takes them: a luminance of 0 is one that nobody knows.
 
-/// Whether four points make a gamut: a triangle in the chromaticity diagram with white inside, luminances of 0 or more.
-/// Fault: bad data about `subject`, with the reason.
+/// Whether four points make a gamut: a triangle in the chromaticity diagram with a white inside that each primary has a
+/// part in, luminances of 0 or more. Fault: bad data about `subject`, with the reason.
 Result<void> requireGamut(const Model::ColorGamutInfo& gamut, const QString& subject);
+
+/// Whether the luminances of all four points are known, as cabinets and documents want them. Fault: bad data about
+/// `subject` with the first that is not, and how to give it behind `text`, which the gamut was read from.
+Result<void> requireLuminance(const Model::ColorGamutInfo& gamut, const QString& subject, const QString& text);
+
+/// Whether red, green and blue are what their names say: neither two of them swapped, nor all three shifted, nor one
+/// brighter than white. Fault: bad data about `subject`, with what was found.
+Result<void> requireLabels(const Model::ColorGamutInfo& gamut, const QString& subject);
+
+/// A gamut of chromaticities whose white has `luminance` (cd/m2), red, green and blue those that add up to it.
+Model::ColorGamutInfo gamutOf(const Colour::Primaries& primaries, double luminance);
 
 /// The chromaticities of a gamut record.
 Colour::Primaries primariesOf(const Model::ColorGamutInfo& gamut);
@@ -25,5 +31,8 @@ std::array<const Model::LXY*, 4> pointsOf(const Model::ColorGamutInfo& gamut);
 
 /// Names of the four points in that order: "red", "green", "blue", "white".
 QString pointName(std::size_t point);
+
+/// The name of a gamut record.
+QString nameOf(const Model::ColorGamutInfo& gamut);
 
 } // namespace Calibration

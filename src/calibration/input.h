@@ -11,6 +11,14 @@ namespace Calibration {
 using Common::Fault;
 using Common::Result;
 
+/// Which file something was read from.
+struct InputDigest
+{
+    QString role;   ///< in messages: "gray table"
+    QString name;   ///< as the user gave it; "-" is standard input
+    QString sha256; ///< of the bytes, hexadecimal
+};
+
 /// A file that the user named, read once: what is made of it and the digest in a journal come from these bytes.
 struct Input
 {
@@ -21,6 +29,7 @@ struct Input
 
     /// How messages about it begin: "gray table x.csv".
     QString subject() const;
+    InputDigest digest() const { return {role, name, sha256}; }
 };
 
 /// The most that an input may hold unless its kind says otherwise; docs/calibration.md lists them.

@@ -3,6 +3,7 @@
 #include <calibration/cgats.h>
 #include <calibration/csvreadings.h>
 #include <calibration/gamut.h>
+#include <calibration/gamutrequest.h>
 #include <suite/common/jsonreader.h>
 
 #include <algorithm>
@@ -11,6 +12,8 @@
 namespace Calibration {
 
 namespace {
+
+using Gamut = Model::ColorGamutInfo;
 
 bool isJson(const QByteArray& text)
 {
@@ -39,7 +42,7 @@ Result<void> requireText(const Input& input)
     return {};
 }
 
-Model::ColorGamutInfo gamutAt(const Common::JsonReader& place)
+Gamut gamutAt(const Common::JsonReader& place)
 {
     const auto point = [&place](const char* key) {
         const Common::JsonReader member = place.member(key);
@@ -47,7 +50,7 @@ Model::ColorGamutInfo gamutAt(const Common::JsonReader& place)
             member.expect(QStringLiteral("an object with lum, x and y"));
         return Model::LXY{member.member("lum").number(), member.member("x").number(), member.member("y").number(), {}};
     };
-    Model::ColorGamutInfo gamut;
+    Gamut gamut;
     gamut.rLxy = point("RedPoint");
     gamut.gLxy = point("GreenPoint");
     gamut.bLxy = point("BluePoint");
@@ -56,24 +59,48 @@ Model::ColorGamutInfo gamutAt(const Common::JsonReader& place)
     return gamut;
 }
 
+/// The root of a JSON text, or its member that holds the measured gamut.
+Result<Gamut> gamutIn(const Input& input, const QJsonObject& object, const QString& member)
+{
+    std::optional<Fault> fault;
+    const Common::JsonReader root(object, fault);
+    const auto gamut = gamutAt(member.isEmpty() ? root : root.member(member.toLatin1().constData()).object());
+    if (fault)
+        return Fault{Fault::Kind::BadData, input.subject(), {}, fault->message()};
+    return gamut;
+}
+
 Result<Measurement> parseDocument(const Input& input)
 {
     const auto object = jsonObject(input);
     if (!object)
         return object.fault();
-    std::optional<Fault> fault;
-    const Common::JsonReader root(*object, fault);
-    const Common::JsonReader led = root.member("LEDColorGamnut");
+    const QString led = QStringLiteral("LEDColorGamnut");
+    const bool isNicc = object->contains(led);
+    const auto gamut = gamutIn(input, *object, isNicc ? led : QString());
+    if (!gamut)
+        return gamut.fault();
     Measurement measurement;
-    measurement.kind = led.isMissing() ? QStringLiteral("gamut in JSON") : QStringLiteral("NICC document");
-    measurement.gamut = gamutAt(led.isMissing() ? root : led.object());
-    measurement.date = root.member("Time").value().toString();
-    if (fault)
-        return Fault{Fault::Kind::BadData, input.subject(), {}, fault->message()};
+    measurement.kind = isNicc ? QStringLiteral("NICC document") : QStringLiteral("gamut in JSON");
+    measurement.gamut = *gamut;
+    measurement.date = object->value(QStringLiteral("Time")).toString();
     const auto points = pointsOf(measurement.gamut);
     for (std::size_t i = 0; i < points.size(); ++i)
         measurement.patches.points[i] = {1, *points[i]};
     return measurement;
+}
+
+/// The gamut that the patches make, without luminances that are only relative.
+void takePoints(Measurement& measurement)
+{
+    const PatchTable& patches = measurement.patches;
+    Model::LXY* const points[] = {&measurement.gamut.rLxy, &measurement.gamut.gLxy, &measurement.gamut.bLxy,
+                                  &measurement.gamut.wLxy};
+    for (std::size_t i = 0; i < patches.points.size(); ++i) {
+        *points[i] = patches.points[i].mean;
+        if (patches.isRelative)
+            points[i]->lum = 0.0;
+    }
 }
 
 Result<Measurement> parseReadings(const Input& input)
@@ -85,12 +112,71 @@ Result<Measurement> parseReadings(const Input& input)
     if (!measurement)
         return measurement;
     const PatchTable& patches = measurement->patches;
-    measurement->gamut.rLxy = patches.points[0].mean;
-    measurement->gamut.gLxy = patches.points[1].mean;
-    measurement->gamut.bLxy = patches.points[2].mean;
-    measurement->gamut.wLxy = patches.points[3].mean;
+    takePoints(*measurement);
     if (patches.otherCount > 0)
         measurement->notes << QStringLiteral("readings of other patches, passed over: %1").arg(patches.otherCount);
+    return measurement;
+}
+
+/// Gives white the luminance that its file does not know, and the primaries theirs.
+Result<void> addLuminance(Measurement& measurement, double luminance)
+{
+    Gamut& gamut = measurement.gamut;
+    if (gamut.wLxy.lum > 0.0)
+        return Fault{Fault::Kind::BadData, measurement.subject, QStringLiteral("no luminance beside the measured one"),
+                     QStringLiteral("%1 beside %2 cd/m2").arg(luminance).arg(gamut.wLxy.lum)};
+    PatchTable& patches = measurement.patches;
+    if (patches.isRelative) {
+        const double factor = luminance / patches.points[3].mean.lum;
+        for (PatchReadings& patch : patches.points)
+            patch.mean.lum *= factor;
+        if (patches.black)
+            patches.black->mean.lum *= factor;
+        patches.isRelative = false;
+        takePoints(measurement);
+    } else {
+        const std::string name = gamut.name;
+        gamut = gamutOf(primariesOf(gamut), luminance);
+        gamut.name = name;
+    }
+    return {};
+}
+
+Result<Measurement> fromFile(const GamutRequest& request)
+{
+    const auto input = readInput(request.primaries, QStringLiteral("gamut"));
+    if (!input)
+        return input.fault();
+    if (request.white)
+        return Fault{Fault::Kind::BadData, request.subject(), QStringLiteral("the white that was measured"),
+                     request.whiteName};
+    auto measurement = parseMeasurement(*input);
+    const auto added =
+        measurement && request.luminance ? addLuminance(*measurement, *request.luminance) : Result<void>();
+    if (!added)
+        return added.fault();
+    return measurement;
+}
+
+/// A gamut that was typed or named instead of a file.
+Result<Measurement> fromText(const GamutRequest& request)
+{
+    Measurement measurement;
+    measurement.subject = request.subject();
+    const auto* const standard = standardGamut(request.primaries);
+    const auto typed = standard ? std::optional(standard->primaries) : typedPrimaries(request);
+    if (!typed)
+        return typed.fault();
+    if (!*typed)
+        return unknownGamut(request);
+    Colour::Primaries primaries = **typed;
+    primaries.white = request.white.value_or(primaries.white);
+    measurement.kind = standard ? QStringLiteral("standard gamut") : QStringLiteral("chromaticities");
+    measurement.gamut = gamutOf(primaries, request.luminance.value_or(0.0));
+    measurement.gamut.name = standard ? standard->name : request.text.toStdString();
+    const auto made = requireGamut(measurement.gamut, measurement.subject);
+    if (!made)
+        return made.fault();
     return measurement;
 }
 
@@ -101,12 +187,32 @@ Result<Measurement> parseMeasurement(const Input& input)
     auto measurement = isJson(input.bytes) ? parseDocument(input) : parseReadings(input);
     if (!measurement)
         return measurement;
+    measurement->subject = input.subject();
+    measurement->file = input.digest();
     const auto made = requireGamut(measurement->gamut, input.subject());
     if (!made)
         return made.fault();
     if (measurement->gamut.name.empty())
         measurement->gamut.name = input.name.toStdString();
     return measurement;
+}
+
+Result<Measurement> readMeasured(const QString& text)
+{
+    const auto request = parseGamutRequest(text);
+    if (!request)
+        return request.fault();
+    return request->isFile ? fromFile(*request) : fromText(*request);
+}
+
+Result<Gamut> parseTargetGamut(const Input& input)
+{
+    const QString target = QStringLiteral("TargetColorGamnut");
+    const auto object = isJson(input.bytes) ? jsonObject(input) : Result<QJsonObject>(QJsonObject());
+    if (object && object->contains(target))
+        return gamutIn(input, *object, target);
+    const auto measurement = parseMeasurement(input);
+    return measurement ? Result<Gamut>(measurement->gamut) : measurement.fault();
 }
 
 } // namespace Calibration

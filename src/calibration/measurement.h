@@ -17,14 +17,19 @@ struct Measurement
         QString value;
     };
 
-    QString kind;                  ///< of the file, for people: "CGATS readings"
-    Model::ColorGamutInfo gamut;   ///< the means; called as the file is where that gives no name
-    PatchTable patches;            ///< a document's points count as one reading each
+    QString kind; ///< of the file, for people: "CGATS readings"
+    /// The means; called as the file is where that gives no name. Luminances are 0 where they are not known in cd/m2.
+    Model::ColorGamutInfo gamut;
+    /// As they were read, luminances too where they are relative to white's. A document's points count as one reading
+    /// each; what was typed has none.
+    PatchTable patches;
     QString instrument;            ///< empty where the file does not say
     QString observer;              ///< "1931_2"; empty where the file does not say
     QString date;                  ///< as the file writes it; empty where it does not
     std::vector<Keyword> keywords; ///< of a CGATS file, all of them
     QStringList notes;             ///< how figures were understood, a sentence each
+    QString subject;               ///< how messages about it begin
+    std::optional<InputDigest> file;
 };
 
 /// Reads a measured gamut: the readings of a CGATS file (.ti3) or of a CSV file, a gamut in JSON, or the measured gamut
@@ -32,5 +37,14 @@ struct Measurement
 /// reported and not subtracted. docs/measurements.md has the formats. Fault: bad data, with line and column; in JSON
 /// with the path.
 Result<Measurement> parseMeasurement(const Input& input);
+
+/// Reads a measured gamut as a user gives it, PRIMARIES[:WHITE][:CD_M2] (parseGamutRequest()): a file, a standard
+/// gamut, or rx,ry:gx,gy:bx,by:wx,wy. The luminance is white's: of a file it gives the one that is missing there, else
+/// red, green and blue get those that add up to it. Faults: no input for a name or file that does not exist; bad data
+/// for what makes no gamut, or a luminance that contradicts the file's.
+Result<Measurement> readMeasured(const QString& text);
+
+/// The gamut that a file gives a target: of a NICC document its target, else as parseMeasurement().
+Result<Model::ColorGamutInfo> parseTargetGamut(const Input& input);
 
 } // namespace Calibration

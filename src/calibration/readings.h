@@ -26,6 +26,7 @@ struct PatchTable
     std::optional<PatchReadings> black;  ///< no drive at all; its x and y are 0 where no light was measured
     int otherCount = 0;                  ///< readings of other patches
     double fullDrive = 0.0;              ///< the drive that counts as full; 0 where patches have labels instead
+    bool isRelative = false;             ///< luminances are not cd/m2, only right beside each other
 };
 
 /// A field of a line by its index, and its name in messages.

@@ -72,7 +72,7 @@ private Q_SLOTS:
         QVERIFY(m_silentHub.listen(QHostAddress::LocalHost));
         row("hub ping --timeout 0.1 --port " + QString::number(m_silentHub.serverPort()), 75, "no reply within 0.1 s");
         const QString document = wall();
-        const QString calibrate = "calibrate --measured rec709 --target rec709 --out " + m_folder.filePath("out");
+        const QString calibrate = "calibrate --measured rec709:100 --target rec709 --out " + m_folder.filePath("out");
         row(calibrate + " --html absent/r.html", 73, "--html absent/r.html: expected a file in a folder that is there");
         row(calibrate + " --force --wall " + document + " --html " + document, 64,
             "this run would write it, and uses it as");

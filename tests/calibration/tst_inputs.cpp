@@ -50,42 +50,6 @@ private Q_SLOTS:
                  "NoInput: document " + pipe + ": a pipe that nobody writes into");
     }
 
-    void whatIsNoGamutIsRefused_data()
-    {
-        QTest::addColumn<QString>("fault");
-        QTest::newRow("nonsense") << "NoInput: gamut nonsense: neither a standard gamut nor a file";
-        QTest::newRow("gray-table.csv") << "BadData: gamut gray-table.csv, line 2, column 1: expected a heading with "
-                                           "x, y, Y or X, Y, Z, or a CGATS "
-                                           "or JSON text, found \"red,green,blue,magnitude\"";
-        QTest::newRow("wall.json")
-            << "BadData: gamut wall.json: RedPoint: expected an object with lum, x and y, found nothing";
-        const auto row = [](const char* text, const char* fault) {
-            QTest::newRow(text) << QString("BadData: gamut %1: %2").arg(text, fault);
-        };
-        row("0.6,0.3:0.3,0.6:0.1,0.1", "expected rx,ry:gx,gy:bx,by:wx,wy with an optional :luminance_cd_m2");
-        row("nan,0.3:0.3,0.6:0.1,0.1:0.3,0.3", "expected a number, found \"nan\"");
-        row("0.6,0.3:0.3,0.6:0.1,0:0.3,0.3", "blue: y must be above 0, found 0");
-        row("0.8,0.3:0.3,0.6:0.1,0.1:0.3,0.3", "red: (0.8, 0.3) lies outside the chromaticity diagram");
-        row("0.6,0.3:0.5,0.35:0.4,0.4:0.3,0.3", "the primaries lie on one line");
-        row("0.6,0.3:0.3,0.6:0.1,0.1:0.7,0.2", "white (0.7, 0.2) lies outside the triangle");
-        row("0.6,0.3:0.3,0.6:0.1,0.1:0.3,0.3:x", "expected a number, found \"x\"");
-    }
-
-    void whatIsNoGamutIsRefused()
-    {
-        const auto read = readGamut(QTest::currentDataTag());
-        QTEST(faultText(read), "fault");
-    }
-
-    void aGamutsPrimariesAddUpToItsWhite()
-    {
-        QCOMPARE(good(readGamut("rec709")).name, std::string("Rec.709 / sRGB"));
-        const auto gamut = good(readGamut("0.64,0.33:0.3,0.6:0.15,0.06:0.3127,0.329:250"));
-        QCOMPARE(gamut.name, std::string("0.64,0.33:0.3,0.6:0.15,0.06:0.3127,0.329:250"));
-        QVERIFY(qAbs(gamut.rLxy.lum / 250.0 - 0.2126) < 1e-4); // the share of red in BT.709's luma
-        QVERIFY(gamut.wLxy.lum == 250.0 && qAbs(gamut.rLxy.lum + gamut.gLxy.lum + gamut.bLxy.lum - 250.0) < 1e-9);
-    }
-
     void whatIsNoGrayTableIsRefusedByLine_data()
     {
         QTest::addColumn<QByteArray>("text");

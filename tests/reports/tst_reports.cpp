@@ -42,8 +42,7 @@ private Q_SLOTS:
         QVERIFY(blue["point"] == "blue" && blue["out_of_reach"].toBool() && blue["ciede2000"].toDouble() > 5.0);
         const QJsonValue white = json.value("reached")[3];
         QVERIFY(!white["out_of_reach"].toBool() && qAbs(white["x"].toDouble() - 0.3127) < 2e-4);
-        const auto p3 = good(Calibration::computeFigures(good(Calibration::readGamut("p3-d65")),
-                                                         good(Calibration::readGamut("bt2020"))));
+        const auto p3 = good(Calibration::computeFigures(standardGamut("p3-d65"), standardGamut("bt2020")));
         QVERIFY(qAbs(toJson(p3)["area_ratio_xy"].toDouble() - 0.7174329118) < 1e-9);
         QVERIFY(qAbs(toJson(p3)["coverage_uv"].toDouble() - 0.7284919140) < 1e-9);
         QVERIFY(coefficientLines(m_figures.coefficients).startsWith("   10264    5297     823\n"));

@@ -7,6 +7,7 @@
 #include <calibration/graytable.h>
 #include <calibration/run.h>
 #include <calibration/selection.h>
+#include <calibration/target.h>
 #include <simulator/simulatedwall.h>
 #include <suite/action/action.h>
 
@@ -63,13 +64,19 @@ public:
     std::shared_ptr<Simulator::SimulatedWall> cabinets;
 };
 
+/// A standard gamut without luminances.
+inline Model::ColorGamutInfo standardGamut(const char* key)
+{
+    return good(Calibration::readTarget(key, false)).gamut;
+}
+
 /// The example panel corrected to Rec. 709, with the example's table (or another file's) and binary.
 inline Calibration::Content exampleContent(const QString& table = EXAMPLES "/gray-table.csv")
 {
     Calibration::Content content;
-    content.measured = good(Calibration::readGamut(EXAMPLES "/measured-gamut.json"));
-    content.target = good(Calibration::readGamut("rec709"));
-    content.target = good(Calibration::computeFigures(content.measured, content.target)).target;
+    content.measurement = good(Calibration::readMeasured(EXAMPLES "/measured-gamut.json"));
+    content.measured = content.measurement.gamut;
+    content.target = good(Calibration::computeFigures(content.measured, standardGamut("rec709"))).target;
     content.tableFile = good(Calibration::readInput(table, "gray table"));
     content.table = good(Calibration::parseGrayTable(*content.tableFile, 60));
     content.binary = good(Calibration::readInput(EXAMPLES "/receiving-card.bin", "binary"));

@@ -23,14 +23,12 @@ struct CalibrateArguments
     WallArgument wall;
     int generation = 4;
     HubArgument hub; ///< generation 3
-    std::string measured;
-    std::string target;
+    GamutArguments gamuts;
     TableArgument table;
     std::string binary;
     std::string out;
     std::string html; ///< empty: report.html in `out`
     bool resume = false;
-    bool force = false;
     bool dryRun = false;
 };
 
@@ -41,8 +39,11 @@ QString text(const std::string& utf8)
 
 Calibration::ContentNames namesOf(const CalibrateArguments& arguments)
 {
-    return {text(arguments.measured), text(arguments.target), text(arguments.table.file), arguments.table.frequency,
-            text(arguments.binary)};
+    Calibration::ContentNames names = arguments.gamuts.names();
+    names.table = text(arguments.table.file);
+    names.frequency = arguments.table.frequency;
+    names.binary = text(arguments.binary);
+    return names;
 }
 
 /// What the host adds to a calibration's inputs: where it goes, as it was asked for.
@@ -77,7 +78,7 @@ Calibration::RunOptions runOptionsOf(const CalibrateArguments& arguments, const 
 {
     Calibration::RunOptions options;
     options.resume = arguments.resume;
-    options.force = arguments.force;
+    options.force = arguments.gamuts.force;
     options.outputs = outputs;
     options.uses = namesOf(arguments).all();
     if (!arguments.wall.file.empty())
@@ -95,7 +96,7 @@ CommandResult calibrate(const CalibrateArguments& arguments, const Calibration::
                                      folder->in(QStringLiteral("gamut-uv.svg")), folder->in(QStringLiteral("gray.svg")),
                                      arguments.html.empty() ? folder->in(QStringLiteral("report.html"))
                                                             : text(arguments.html)};
-    checkHtml(files.html, arguments.force);
+    checkHtml(files.html, arguments.gamuts.force);
     QJsonObject inputs = inputsOf(arguments, wallDigest);
     const QJsonObject common = Calibration::inputsOf(content, destination);
     for (auto it = common.begin(); it != common.end(); ++it)
@@ -144,15 +145,14 @@ void addCalibrateCommand(CLI::App& app, Command& chosen)
         app.add_subcommand("calibrate", "Compute a correction and bring it to a wall, with documents and report");
     const auto arguments = std::make_shared<CalibrateArguments>();
     addTargets(*command, arguments->wall);
-    addGamut(*command, arguments->measured, "--measured", "The LEDs' gamut", true);
-    addGamut(*command, arguments->target, "--target", "The gamut that is wanted", true);
+    addGamuts(*command, arguments->gamuts, "--measured", "--target");
     addTable(*command, arguments->table, false);
     addBinary(*command, arguments->binary, false);
     command->add_option("--generation", arguments->generation, "4: cabinets of the wall; 3: through a message hub")
         ->check(CLI::IsMember({3, 4}))
         ->capture_default_str();
     addHub(*command, arguments->hub);
-    addOutputFolder(*command, arguments->out, arguments->force);
+    addOutputFolder(*command, arguments->out, arguments->gamuts.force);
     command->add_option("--html", arguments->html, "The report's file; report.html in the folder without it");
     command->add_flag("--resume", arguments->resume, "Go on with the calibration that was begun in the folder");
     command->add_flag("--dry-run", arguments->dryRun, "Print the requests instead of sending them");

@@ -5,33 +5,36 @@
 #include <calibration/gamut.h>
 #include <reports/explanation.h>
 #include <reports/figuresreport.h>
+#include <reports/measurementreport.h>
 
 #include <CLI/CLI.hpp>
 
 namespace {
 
-struct GamutPair
+using Calibration::nameOf;
+
+/// A computed correction, and what its measurement says against it.
+struct Correction
 {
-    std::string measured;
-    std::string target;
+    Calibration::Figures figures;
+    Calibration::Measurement measurement;
+    Calibration::WhiteSource white;
+
+    QString warning() const { return Reports::warningLine(Reports::additivityWarning(measurement, white)); }
+    QJsonObject toJson() const
+    {
+        QJsonObject json = Reports::toJson(figures);
+        json.insert(QStringLiteral("additivity"), Reports::additivityJson(measurement, white));
+        return json;
+    }
 };
 
-QString nameOf(const Model::ColorGamutInfo& gamut)
+Correction correctionOf(const GamutArguments& arguments, const Output& output)
 {
-    return QString::fromStdString(gamut.name);
-}
-
-Model::ColorGamutInfo gamutOf(const std::string& argument)
-{
-    return take(Calibration::readGamut(QString::fromStdString(argument)));
-}
-
-Calibration::Figures figuresOf(const GamutPair& pair, const Output& output)
-{
-    const auto measured = gamutOf(pair.measured);
-    const auto target = gamutOf(pair.target);
+    const Calibration::ContentNames names = arguments.names();
+    const auto gamuts = take(Calibration::readGamuts(names));
     HostLog::install(output.quiet);
-    return take(Calibration::computeFigures(measured, target));
+    return {take(Calibration::computeFigures(gamuts.measured, gamuts.target)), gamuts.measurement, names.white};
 }
 
 CommandResult listGamuts(const Output&)
@@ -54,10 +57,11 @@ CommandResult listGamuts(const Output&)
     return {table.toText(), {{QStringLiteral("gamuts"), table.toJson()}}};
 }
 
-CommandResult showCoverage(const GamutPair& pair, const Output&)
+CommandResult showCoverage(const GamutArguments& arguments, const Output&)
 {
-    const auto measured = gamutOf(pair.measured);
-    const auto target = gamutOf(pair.target);
+    Calibration::ContentNames names = arguments.names();
+    names.force = true; // the turn of a triangle does not matter
+    const auto [measurement, measured, target, files] = take(Calibration::readGamuts(names));
     const auto wall = Calibration::primariesOf(measured);
     const auto wanted = Calibration::primariesOf(target);
     const auto xy = Colour::coverage(wall, wanted);
@@ -70,9 +74,10 @@ CommandResult showCoverage(const GamutPair& pair, const Output&)
             json};
 }
 
-CommandResult showCoefficients(const GamutPair& pair, const Output& output)
+CommandResult showCoefficients(const GamutArguments& arguments, const Output& output)
 {
-    const auto figures = figuresOf(pair, output);
+    const auto correction = correctionOf(arguments, output);
+    const auto& figures = correction.figures;
     return {QStringLiteral("%1 corrected to %2, signed Q1.14 (1.0 is 16384), rows are LED channels\n\n%3\n"
                            "light kept   %4\ncoverage     %5\narea ratio   %6\n\n")
                     .arg(nameOf(figures.measured), nameOf(figures.target),
@@ -80,49 +85,46 @@ CommandResult showCoefficients(const GamutPair& pair, const Output& output)
                          Reports::percent(figures.reached.whiteKept).text,
                          Reports::percent(figures.coverageXy.covered).text,
                          Reports::percent(figures.coverageXy.ratio).text) +
-                Reports::reachTable(figures).toText(),
-            Reports::toJson(figures)};
+                Reports::reachTable(figures).toText() + correction.warning(),
+            correction.toJson()};
 }
 
-CommandResult explain(const GamutPair& pair, const Output& output)
+CommandResult explain(const GamutArguments& arguments, const Output& output)
 {
-    const auto figures = figuresOf(pair, output);
-    const auto explanations = Reports::explain(figures);
-    QJsonObject json = Reports::toJson(figures);
+    const auto correction = correctionOf(arguments, output);
+    const auto explanations = Reports::explain(correction.figures);
+    QJsonObject json = correction.toJson();
     json.insert(QStringLiteral("formulas"), Reports::toJson(explanations));
-    return {Reports::toText(explanations), json};
+    return {Reports::toText(explanations) + correction.warning(), json};
 }
 
 struct ChartArguments
 {
-    GamutPair pair;
+    GamutArguments gamuts;
     std::string plane = "xy";
     std::string out;
-    bool force = false;
 };
 
 CommandResult drawChart(const ChartArguments& arguments, const Output& output)
 {
-    const ChartFile file(arguments.out, arguments.force);
+    const ChartFile file(arguments.out, arguments.gamuts.force);
     const auto plane = arguments.plane == "xy" ? Charts::Plane::Xy : Charts::Plane::UvPrime;
-    return file.write(Reports::correctionChart(figuresOf(arguments.pair, output), plane));
+    return file.write(Reports::correctionChart(correctionOf(arguments.gamuts, output).figures, plane));
 }
 
-void addPair(CLI::App& command, GamutPair& pair)
-{
-    addGamut(command, pair.measured, "measured,--measured", "The LEDs' gamut", true);
-    addGamut(command, pair.target, "target,--target", "The gamut that is wanted", true);
-}
+constexpr char measuredNames[] = "measured,--measured";
+constexpr char targetNames[] = "target,--target";
 
-using PairCommand = CommandResult (*)(const GamutPair&, const Output&);
+using PairCommand = CommandResult (*)(const GamutArguments&, const Output&);
 
 void addPairCommand(CLI::App& gamut, Command& chosen, const char* name, const char* help, PairCommand run)
 {
     CLI::App* command = gamut.add_subcommand(name, help);
-    const auto pair = std::make_shared<GamutPair>();
-    addPair(*command, *pair);
+    const auto gamuts = std::make_shared<GamutArguments>();
+    addGamuts(*command, *gamuts, measuredNames, targetNames);
+    command->add_flag("--force", gamuts->force, "Take primaries that look swapped");
     command->callback(
-        [&chosen, pair, run] { chosen = [pair, run](const Output& output) { return run(*pair, output); }; });
+        [&chosen, gamuts, run] { chosen = [gamuts, run](const Output& output) { return run(*gamuts, output); }; });
 }
 
 } // namespace
@@ -139,11 +141,11 @@ void addGamutCommands(CLI::App& app, Command& chosen)
 
     CLI::App* chart = gamut->add_subcommand("chart", "Draw the measured, the target and the reached gamut");
     const auto arguments = std::make_shared<ChartArguments>();
-    addPair(*chart, arguments->pair);
+    addGamuts(*chart, arguments->gamuts, measuredNames, targetNames);
     chart->add_option("--plane", arguments->plane, "xy: CIE 1931; uv: CIE 1976 u'v'")
         ->check(CLI::IsMember({"xy", "uv"}))
         ->capture_default_str();
-    addChartFile(*chart, arguments->out, arguments->force);
+    addChartFile(*chart, arguments->out, arguments->gamuts.force);
     chart->callback(
         [&chosen, arguments] { chosen = [arguments](const Output& output) { return drawChart(*arguments, output); }; });
 }

@@ -23,7 +23,7 @@ struct HubArguments
 {
     HubArgument hub;
     TableArgument table;
-    std::string gamut;
+    GamutArguments gamuts; ///< one of them
 };
 
 /// One exchange with the hub; `what` says afterwards what was done.
@@ -89,15 +89,15 @@ CommandResult sendGray(const HubArguments& arguments, const Output& output)
 
 CommandResult sendGamut(const HubArguments& arguments, const Output& output)
 {
-    const auto gamut = take(Calibration::readGamut(QString::fromStdString(arguments.gamut)));
+    const auto gamut = take(Calibration::readTargetToSend(arguments.gamuts.names()));
     return exchange(
         arguments, output, [&](CabinetSender3th& sender) { return sender.uploadNiccData({}, gamut); },
-        [&] { return QStringLiteral("took the target gamut %1").arg(QString::fromStdString(gamut.name)); });
+        [&] { return QStringLiteral("took the target gamut %1").arg(Calibration::nameOf(gamut)); });
 }
 
 CommandResult sendMeasure(const HubArguments& arguments, const Output& output)
 {
-    const auto gamut = take(Calibration::readGamut(QString::fromStdString(arguments.gamut)));
+    const auto gamut = take(Calibration::readMeasuredToSend(arguments.gamuts.names())).gamut;
     return exchange(
         arguments, output, [&](CabinetSender3th& sender) { return sender.uploadNiccMeasure({}, gamut); },
         [] { return QStringLiteral("took the measured gamut"); });
@@ -163,9 +163,9 @@ void addHubCommands(CLI::App& app, Command& chosen)
     addTable(*addCommand(*send, chosen, "gray", "Send a gray-scale table", sendGray, arguments), arguments->table,
              true);
     arguments = fresh();
-    addGamut(*addCommand(*send, chosen, "gamut", "Send the target gamut", sendGamut, arguments), arguments->gamut,
-             "--target", "The gamut that is wanted", true);
+    addGamut(*addCommand(*send, chosen, "gamut", "Send the target gamut", sendGamut, arguments),
+             arguments->gamuts.target, "--target", "The gamut that is wanted", true);
     arguments = fresh();
-    addGamut(*addCommand(*send, chosen, "measure", "Send the measured gamut", sendMeasure, arguments), arguments->gamut,
-             "--measured", "The LEDs' gamut", true);
+    addGamut(*addCommand(*send, chosen, "measure", "Send the measured gamut", sendMeasure, arguments),
+             arguments->gamuts.measured, "--measured", "The LEDs' gamut", true);
 }

@@ -1,9 +1,8 @@
 #include "commands.h"
 #include <calibration/gamut.h>
 #include <calibration/journal.h>
-#include <calibration/measurement.h>
 #include <calibration/output.h>
-#include <reports/table.h>
+#include <reports/measurementreport.h>
 
 #include <CLI/CLI.hpp>
 
@@ -12,63 +11,28 @@
 namespace {
 
 using Calibration::Measurement;
-using Calibration::PatchReadings;
 
-Measurement readMeasurement(const std::string& file)
+/// Whether the figures agree with each other, a line each.
+QString checksOf(const Measurement& measurement)
 {
-    return take(Calibration::parseMeasurement(
-        take(Calibration::readInput(QString::fromStdString(file), QStringLiteral("measurement")))));
-}
-
-void addPatch(Reports::Table& table, const QString& name, const PatchReadings& patch)
-{
-    table.add({name, patch.count, Reports::decimal(patch.mean.x, 5), Reports::decimal(patch.mean.y, 5),
-               Reports::decimal(patch.mean.lum, 4), Reports::decimal(patch.spreadXy, 5),
-               Reports::percent(patch.spreadLuminance)});
-}
-
-Reports::Table patchTable(const Calibration::PatchTable& patches)
-{
-    Reports::Table table({{QStringLiteral("patch"), QStringLiteral("patch")},
-                          {QStringLiteral("readings"), QStringLiteral("readings")},
-                          {QStringLiteral("x"), QStringLiteral("x")},
-                          {QStringLiteral("y"), QStringLiteral("y")},
-                          {QStringLiteral("luminance_cd_m2"), QStringLiteral("cd/m2")},
-                          {QStringLiteral("spread_xy"), QStringLiteral("spread xy")},
-                          {QStringLiteral("spread_luminance"), QStringLiteral("spread luminance")}});
-    for (std::size_t point = 0; point < patches.points.size(); ++point)
-        addPatch(table, Calibration::pointName(point), patches.points[point]);
-    if (patches.black)
-        addPatch(table, QStringLiteral("black"), *patches.black);
-    return table;
-}
-
-/// What the file says of the measuring, where it does.
-Reports::Table detailTable(const Measurement& measurement)
-{
-    Reports::Table table({{{}, QStringLiteral("detail")}, {{}, QStringLiteral("value")}});
-    table.add({QStringLiteral("kind"), measurement.kind});
-    table.add({QStringLiteral("name"), QString::fromStdString(measurement.gamut.name)});
-    const std::pair<QString, QString> details[] = {{QStringLiteral("instrument"), measurement.instrument},
-                                                   {QStringLiteral("observer"), measurement.observer},
-                                                   {QStringLiteral("date"), measurement.date}};
-    for (const auto& [name, value] : details) {
-        if (!value.isEmpty())
-            table.add({name, value});
-    }
-    for (const QString& note : measurement.notes)
-        table.add({QStringLiteral("note"), note});
-    return table;
+    const auto additivity = additivityOf(measurement);
+    const auto labelled = Calibration::requireLabels(measurement.gamut, measurement.subject);
+    const QString whites = additivity ? additivity->sentence() : QString();
+    return (additivity && additivity->isContradiction() ? Reports::warningLine(whites) : whites + QLatin1Char('\n')) +
+           Reports::warningLine(labelled ? QString() : labelled.fault().message());
 }
 
 CommandResult show(const std::string& file, const Output&)
 {
-    const Measurement measurement = readMeasurement(file);
-    const Reports::Table patches = patchTable(measurement.patches);
+    const Measurement measurement = take(Calibration::readMeasured(QString::fromStdString(file)));
+    const Reports::Table patches = Reports::patchTable(measurement.patches);
     QJsonObject keywords;
     for (const Measurement::Keyword& keyword : measurement.keywords)
         keywords.insert(keyword.name, keyword.value);
-    return {detailTable(measurement).toText() + QLatin1Char('\n') + patches.toText(),
+    const bool isRead = measurement.file.has_value(); // else there are no readings
+    return {Reports::detailTable(measurement).toText() + QLatin1Char('\n') +
+                (isRead ? patches : Reports::pointTable(measurement.gamut)).toText() + QLatin1Char('\n') +
+                checksOf(measurement),
             {{QStringLiteral("file"), QString::fromStdString(file)},
              {QStringLiteral("kind"), measurement.kind},
              {QStringLiteral("name"), QString::fromStdString(measurement.gamut.name)},
@@ -77,7 +41,9 @@ CommandResult show(const std::string& file, const Output&)
              {QStringLiteral("date"), measurement.date},
              {QStringLiteral("notes"), QJsonArray::fromStringList(measurement.notes)},
              {QStringLiteral("keywords"), keywords},
-             {QStringLiteral("patches"), patches.toJson()}}};
+             {QStringLiteral("additivity"), Reports::additivityJson(measurement, Calibration::WhiteSource::Measured)},
+             {QStringLiteral("points"), Reports::pointTable(measurement.gamut).toJson()},
+             {QStringLiteral("patches"), isRead ? patches.toJson() : QJsonArray()}}};
 }
 
 struct ConvertArguments
@@ -90,12 +56,16 @@ struct ConvertArguments
 CommandResult convert(const ConvertArguments& arguments, const Output&)
 {
     const QString out = QString::fromStdString(arguments.out);
-    const Measurement measurement = readMeasurement(arguments.file);
+    const QString file = QString::fromStdString(arguments.file);
+    const Measurement measurement = take(Calibration::readMeasured(file));
+    require(Calibration::requireLuminance(measurement.gamut, measurement.subject, file));
+    if (!arguments.force)
+        require(Calibration::requireLabels(measurement.gamut, measurement.subject));
     require(Calibration::requireNewFile(out, arguments.force));
     const QJsonObject gamut = Calibration::gamutToJson(measurement.gamut);
     require(Calibration::writeOutput(out, QJsonDocument(gamut).toJson()));
-    return {QStringLiteral("%1: the gamut of %2\n").arg(out, QString::fromStdString(arguments.file)),
-            {{QStringLiteral("gamut"), out}, {QStringLiteral("measurement"), QString::fromStdString(arguments.file)}}};
+    return {QStringLiteral("%1: the gamut of %2\n").arg(out, file),
+            {{QStringLiteral("gamut"), out}, {QStringLiteral("measurement"), file}}};
 }
 
 } // namespace
@@ -114,7 +84,7 @@ void addMeasureCommands(CLI::App& app, Command& chosen)
     const auto arguments = std::make_shared<ConvertArguments>();
     converted->add_option("FILE", arguments->file, what)->required();
     converted->add_option("--out", arguments->out, "The gamut's file (JSON)")->required();
-    converted->add_flag("--force", arguments->force, "Replace a file that is there");
+    converted->add_flag("--force", arguments->force, "Replace a file that is there; take primaries that look swapped");
     converted->callback(
         [&chosen, arguments] { chosen = [arguments](const Output& output) { return convert(*arguments, output); }; });
 }

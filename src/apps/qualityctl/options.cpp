@@ -21,10 +21,33 @@ void addTargets(CLI::App& command, WallArgument& argument)
 void addGamut(CLI::App& command, std::string& gamut, const char* names, const char* what, bool required)
 {
     command
-        .add_option(names, gamut,
-                    std::string(what) +
-                        ": a standard name, a measurement (.ti3, CSV, JSON, .nicc), or rx,ry:gx,gy:bx,by:wx,wy[:cd_m2]")
+        .add_option(
+            names, gamut,
+            std::string(what) +
+                ": a standard name, a file (.ti3, CSV, JSON, .nicc), rx,ry:gx,gy:bx,by or, of a target, native; "
+                "[:WHITE][:CD_M2] behind it give white: D65, 6500K, 6500K-planck or x,y")
         ->required(required);
+}
+
+Calibration::ContentNames GamutArguments::names() const
+{
+    Calibration::ContentNames names;
+    names.measured = QString::fromStdString(measured);
+    names.white = white == "sum" ? Calibration::WhiteSource::Sum : Calibration::WhiteSource::Measured;
+    names.target = QString::fromStdString(target);
+    names.force = force;
+    return names;
+}
+
+void addGamuts(CLI::App& command, GamutArguments& gamuts, const char* measured, const char* target)
+{
+    addGamut(command, gamuts.measured, measured, "The LEDs' gamut", true);
+    addGamut(command, gamuts.target, target, "The gamut that is wanted", true);
+    command
+        .add_option("--white", gamuts.white,
+                    "The LEDs' white that counts: as measured, or the sum of red, green and blue")
+        ->check(CLI::IsMember({"measured", "sum"}))
+        ->capture_default_str();
 }
 
 void addTable(CLI::App& command, TableArgument& table, bool required)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <calibration/content.h>
 #include <calibration/hubclient.h>
 
 #include <string>
@@ -20,6 +21,20 @@ void addTargets(CLI::App& command, WallArgument& argument);
 
 /// A gamut under `names` ("--target", "measured,--measured").
 void addGamut(CLI::App& command, std::string& gamut, const char* names, const char* what, bool required);
+
+/// A measured gamut and a target for it.
+struct GamutArguments
+{
+    std::string measured;
+    std::string target;
+    std::string white = "measured"; ///< or "sum"
+    bool force = false;             ///< primaries that look swapped are taken all the same
+
+    /// Without table and binary.
+    Calibration::ContentNames names() const;
+};
+/// --white; both gamuts under the given names. `force` is left to the command.
+void addGamuts(CLI::App& command, GamutArguments& gamuts, const char* measured, const char* target);
 
 /// A gray table and its frequency.
 struct TableArgument

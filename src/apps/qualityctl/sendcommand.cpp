@@ -5,7 +5,6 @@
 #include "options.h"
 #include "progress.h"
 #include "wallargument.h"
-#include <calibration/gamut.h>
 #include <calibration/graytable.h>
 #include <calibration/steps.h>
 #include <reports/sendreport.h>
@@ -25,10 +24,8 @@ struct SendArguments
     WallArgument wall;
     bool dryRun = false;
     TableArgument table;
-    std::string target;
-    std::string measured;
+    GamutArguments gamuts; ///< force: coefficients whose white lacks a primary go out all the same, too
     std::vector<int> coefficients;
-    bool force = false; ///< coefficients whose white lacks a primary go out all the same
     std::string binary;
     std::string correction; ///< "on", "off" or empty
     bool exclusive = false;
@@ -63,13 +60,13 @@ std::vector<Step> stepsOf(const SendArguments& arguments)
             take(Calibration::readGrayTable(QString::fromStdString(arguments.table.file), arguments.table.frequency));
         steps.push_back(Calibration::grayStep(table.table, table.file.name));
     }
-    if (!arguments.measured.empty())
-        steps.push_back(
-            Calibration::measureStep(take(Calibration::readGamut(QString::fromStdString(arguments.measured)))));
-    if (!arguments.target.empty())
-        steps.push_back(Calibration::gamutStep(take(Calibration::readGamut(QString::fromStdString(arguments.target)))));
+    const Calibration::ContentNames gamuts = arguments.gamuts.names();
+    if (!gamuts.measured.isEmpty())
+        steps.push_back(Calibration::measureStep(take(Calibration::readMeasuredToSend(gamuts)).gamut));
+    if (!gamuts.target.isEmpty())
+        steps.push_back(Calibration::gamutStep(take(Calibration::readTargetToSend(gamuts))));
     if (!arguments.coefficients.empty()) {
-        if (!arguments.force)
+        if (!arguments.gamuts.force)
             requireLitWhite(arguments.coefficients);
         // Two's complement.
         steps.push_back(Calibration::coefficientsStep({arguments.coefficients.begin(), arguments.coefficients.end()}));
@@ -88,10 +85,10 @@ std::vector<Step> stepsOf(const SendArguments& arguments)
 
 CommandResult runSend(const SendArguments& arguments, const Output& output)
 {
+    HostLog::install(output.quiet);
     Reports::SendResult result;
     result.steps = stepsOf(arguments);
     const OpenWall wall = openWall(arguments.wall);
-    HostLog::install(output.quiet);
     if (arguments.dryRun)
         return dryRun([&] {
             Calibration::Observer nobody;
@@ -119,7 +116,6 @@ void addCoefficients(CLI::App& command, SendArguments& arguments, bool required)
         ->expected(static_cast<int>(coefficientCount))
         ->check(CLI::Range(-32768, 32767))
         ->required(required);
-    command.add_flag("--force", arguments.force, "Send coefficients, too, whose white lacks a primary");
 }
 
 void addCorrection(CLI::App& command, SendArguments& arguments, bool required)
@@ -139,6 +135,8 @@ void addSend(CLI::App& parent, Command& chosen, const char* name, const char* de
     const auto arguments = std::make_shared<SendArguments>();
     addTargets(*command, arguments->wall);
     command->add_flag("--dry-run", arguments->dryRun, "Print the requests instead of sending them");
+    command->add_flag("--force", arguments->gamuts.force,
+                      "Send primaries that look swapped, and coefficients whose white lacks a primary");
     for (const AddOptions add : options)
         add(*command, *arguments, options.size() == 1);
     command->callback(
@@ -155,10 +153,10 @@ void addSendCommands(CLI::App& app, Command& chosen)
         addTable(command, arguments.table, required);
     };
     const AddOptions target = [](CLI::App& command, SendArguments& arguments, bool required) {
-        addGamut(command, arguments.target, "--target", "The gamut that is wanted", required);
+        addGamut(command, arguments.gamuts.target, "--target", "The gamut that is wanted", required);
     };
     const AddOptions measured = [](CLI::App& command, SendArguments& arguments, bool required) {
-        addGamut(command, arguments.measured, "--measured", "The LEDs' gamut", required);
+        addGamut(command, arguments.gamuts.measured, "--measured", "The LEDs' gamut", required);
     };
     const AddOptions binary = [](CLI::App& command, SendArguments& arguments, bool required) {
         addBinary(command, arguments.binary, required);

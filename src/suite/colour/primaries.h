@@ -36,6 +36,7 @@ struct StandardGamut
     const char* key;     ///< as typed on a command line
     const char* name;    ///< as shown to people
     const char* source;  ///< the standard
+    const char* others;  ///< other common names in lower-case letters and digits, with blanks between them
     Primaries primaries; ///< as the standard prints them
 };
 
@@ -44,23 +45,39 @@ inline constexpr std::array<StandardGamut, 8> standardGamuts{{
     {"rec709",
      "Rec.709 / sRGB",
      "ITU-R BT.709-6; IEC 61966-2-1",
+     "bt709 rec709srgb srgb",
      {{0.640, 0.330}, {0.300, 0.600}, {0.150, 0.060}, {0.3127, 0.3290}}},
-    {"bt2020", "BT.2020", "ITU-R BT.2020-2", {{0.708, 0.292}, {0.170, 0.797}, {0.131, 0.046}, {0.3127, 0.3290}}},
-    {"p3-d65", "P3-D65", "SMPTE EG 432-1", {{0.680, 0.320}, {0.265, 0.690}, {0.150, 0.060}, {0.3127, 0.3290}}},
-    {"dci-p3", "DCI-P3", "SMPTE RP 431-2", {{0.680, 0.320}, {0.265, 0.690}, {0.150, 0.060}, {0.314, 0.351}}},
+    {"bt2020",
+     "BT.2020",
+     "ITU-R BT.2020-2",
+     "rec2020",
+     {{0.708, 0.292}, {0.170, 0.797}, {0.131, 0.046}, {0.3127, 0.3290}}},
+    {"p3-d65",
+     "P3-D65",
+     "SMPTE EG 432-1",
+     "displayp3 p3",
+     {{0.680, 0.320}, {0.265, 0.690}, {0.150, 0.060}, {0.3127, 0.3290}}},
+    {"dci-p3", "DCI-P3", "SMPTE RP 431-2", "dcip3", {{0.680, 0.320}, {0.265, 0.690}, {0.150, 0.060}, {0.314, 0.351}}},
     {"adobe-rgb",
      "Adobe RGB (1998)",
      "Adobe RGB (1998) Color Image Encoding",
+     "adobergb1998",
      {{0.640, 0.330}, {0.210, 0.710}, {0.150, 0.060}, {0.3127, 0.3290}}},
     {"ntsc1953",
      "NTSC 1953",
      "ITU-R BT.470-6 (system M)",
+     "ntsc",
      {{0.670, 0.330}, {0.210, 0.710}, {0.140, 0.080}, {0.310, 0.316}}},
     {"ebu",
      "EBU / PAL",
      "EBU Tech 3213-E; ITU-R BT.470-6",
+     "ebupal pal",
      {{0.640, 0.330}, {0.290, 0.600}, {0.150, 0.060}, {0.3127, 0.3290}}},
-    {"smpte-c", "SMPTE-C", "SMPTE RP 145", {{0.630, 0.340}, {0.310, 0.595}, {0.155, 0.070}, {0.3127, 0.3290}}},
+    {"smpte-c",
+     "SMPTE-C",
+     "SMPTE RP 145",
+     "smptec rp145",
+     {{0.630, 0.340}, {0.310, 0.595}, {0.155, 0.070}, {0.3127, 0.3290}}},
 }};
 
 /// The shares of red, green and blue in the luminance of white, which add up to 1: the solution of N s = (white's XYZ

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <calibration/input.h>
+#include <suite/colour/primaries.h>
+
+#include <optional>
+
+namespace Calibration {
+
+/// A gamut as it is written on a command line, PRIMARIES[:WHITE][:CD_M2], taken apart.
+struct GamutRequest
+{
+    QString text;      ///< all of it
+    QString primaries; ///< a name, a file, "native", or rx,ry:gx,gy:bx,by
+    std::optional<Colour::Chromaticity> white;
+    QString whiteName;               ///< as it was written; empty for none
+    std::optional<double> luminance; ///< of white, cd/m2, above 0
+    bool isFile = false;             ///< `primaries` is a file that is there, or "-"
+
+    /// How messages about it begin.
+    QString subject() const { return QStringLiteral("gamut %1").arg(text); }
+    bool isNative() const;
+};
+
+/// Takes a gamut apart. The key of a standard gamut means it, whatever files there are; any other text that names a
+/// file means the file. A white is D50, D55, D65 or D75, 6500K (daylight), 6500K-planck (a black body) or x,y; a white
+/// alone stands for "native" with it. Fault: bad data for a part that is none of these, or a temperature out of range.
+Result<GamutRequest> parseGamutRequest(const QString& text);
+
+/// The gamut that a standard gives under a name: its key, its printed name or another common one, in any case and with
+/// any punctuation. Null where none does.
+const Colour::StandardGamut* standardGamut(const QString& name);
+
+/// The primaries of rx,ry:gx,gy:bx,by with the white behind them (0, 0 without one); nothing where the text has no such
+/// form. Fault: bad data for what has it in part.
+Result<std::optional<Colour::Primaries>> typedPrimaries(const GamutRequest& request);
+
+/// "neither a standard gamut nor a file", with the standard name that is nearest to it where one is near.
+Fault unknownGamut(const GamutRequest& request);
+
+} // namespace Calibration

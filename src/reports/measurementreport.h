@@ -1,0 +1,30 @@
+#pragma once
+
+#include <calibration/additivity.h>
+#include <reports/table.h>
+
+#include <QJsonObject>
+
+namespace Reports {
+
+/// Mean and spread of each patch that was read.
+Table patchTable(const Calibration::PatchTable& patches);
+
+/// What a file says of the measuring, as far as it does.
+Table detailTable(const Calibration::Measurement& measurement);
+
+/// Chromaticity and luminance (cd/m2) of a gamut's points, temperature and Duv of its white.
+Table pointTable(const Model::ColorGamutInfo& gamut);
+
+/// "measured" and "sum", each "x", "y" and "luminance"; "luminance_difference" (a fraction), "duv_prime",
+/// "contradiction" and "white", which of the two the correction is computed from. Null where luminances are not known.
+QJsonValue additivityJson(const Calibration::Measurement& measurement, Calibration::WhiteSource white);
+
+/// The contradiction between the measured white and the sum of red, green and blue, and what can be done; empty where
+/// there is none.
+QString additivityWarning(const Calibration::Measurement& measurement, Calibration::WhiteSource white);
+
+/// "Warning: ..." with a line's end; empty for an empty warning.
+QString warningLine(const QString& warning);
+
+} // namespace Reports
