@@ -28,9 +28,9 @@ public:
 };
 
 /// Cabinets of the fourth generation, behind the transport of the action library. `reader` tells what they hold; it
-/// must outlive the destination. Without one nothing is known to have arrived.
+/// must outlive the destination. Without one what a device acknowledged is taken to be held by all its cabinets.
 std::unique_ptr<Destination> wallDestination(const QString& name, const CabinetSenderSpace::CabinetTargetMap& targets,
-                                             std::vector<Step> steps, const Action::CabinetReader* reader);
+                                             const Content& content, const Action::CabinetReader* reader);
 
 /// What a hub has received last; a simulated one can be asked.
 struct HubHoldings

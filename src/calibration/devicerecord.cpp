@@ -19,6 +19,7 @@ const QString s_arrivedKey = QStringLiteral("cabinets_holding_it");
 const QString s_errorKey = QStringLiteral("error");
 const QString s_heldKey = QStringLiteral("held");
 const QString s_coefficientsKey = QStringLiteral("coefficients");
+const QString s_knownKey = QStringLiteral("known");
 const QString s_isOnKey = QStringLiteral("on");
 
 QJsonObject toJson(const Outcome& outcome)
@@ -66,6 +67,12 @@ HeldCorrection heldFromJson(const QJsonValue& value)
     return held;
 }
 
+Known knownFromWord(const QString& word)
+{
+    const auto* found = std::find(knownWords.begin(), knownWords.end(), word);
+    return found == knownWords.end() ? Known::Acknowledged : static_cast<Known>(found - knownWords.begin());
+}
+
 } // namespace
 
 bool DeviceRecord::isDone() const
@@ -82,7 +89,8 @@ QJsonObject toJson(const DeviceRecord& record)
     QJsonArray held;
     for (const HeldCorrection& correction : record.held)
         held.append(toJson(correction));
-    return {{s_deviceKey, record.device}, {s_outcomesKey, outcomes}, {s_heldKey, held}};
+    return {
+        {s_deviceKey, record.device}, {s_outcomesKey, outcomes}, {s_heldKey, held}, {s_knownKey, wordOf(record.known)}};
 }
 
 DeviceRecord recordFromJson(const QJsonObject& object)
@@ -93,6 +101,7 @@ DeviceRecord recordFromJson(const QJsonObject& object)
         record.outcomes.push_back(outcomeFromJson(outcome.toObject()));
     for (const QJsonValue held : object.value(s_heldKey).toArray())
         record.held.append(heldFromJson(held));
+    record.known = knownFromWord(object.value(s_knownKey).toString());
     return record;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <calibration/known.h>
 #include <calibration/step.h>
 #include <suite/colour/correction.h>
 
@@ -22,12 +23,13 @@ struct DeviceRecord
     QString device;
     std::vector<Outcome> outcomes;
     QList<HeldCorrection> held;
+    Known known = Known::Computed; ///< how `held` is; nothing better than computed while nothing was sent
 
     /// Whether every cabinet holds everything.
     bool isDone() const;
 };
 
-/// As the journal keeps a record, and back; what is missing there is 0 or empty.
+/// As the journal keeps a record, and back; what is missing there is 0 or empty, and acknowledged.
 QJsonObject toJson(const DeviceRecord& record);
 DeviceRecord recordFromJson(const QJsonObject& object);
 

@@ -44,6 +44,7 @@ public:
     DeviceRecord serve(const std::string& device, Observer& observer) override
     {
         DeviceRecord record = notServed(device);
+        record.known = m_reader ? Known::ReadBack : Known::Acknowledged;
         for (std::size_t i = 0; i < m_steps.size(); ++i) {
             run(m_steps[i], record.outcomes[i]);
             observer.sent(record.outcomes[i]);

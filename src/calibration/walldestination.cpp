@@ -19,9 +19,10 @@ QList<HeldCorrection> heldBy(const CabinetStates& states)
 class WallDestination : public Destination
 {
 public:
-    WallDestination(QString name, CabinetSenderSpace::CabinetTargetMap targets, std::vector<Step> steps,
+    WallDestination(QString name, CabinetSenderSpace::CabinetTargetMap targets, const Content& content,
                     const Action::CabinetReader* reader)
-        : m_name(std::move(name)), m_targets(std::move(targets)), m_steps(std::move(steps)), m_reader(reader)
+        : m_name(std::move(name)), m_targets(std::move(targets)), m_steps(stepsOf(content)),
+          m_coefficients(signedCoefficients(content.target.coeff.getCoeffs())), m_reader(reader)
     {}
 
     QString name() const override { return m_name; }
@@ -40,13 +41,19 @@ public:
         const auto& cids = m_targets.at(device);
         DeviceRecord record = notServed(device);
         for (std::size_t i = 0; i < m_steps.size(); ++i) {
-            record.outcomes[i] = sendToDevice(m_steps[i], device, cids, m_reader);
-            observer.sent(record.outcomes[i]);
-            if (record.outcomes[i].kind != Outcome::Kind::Answered)
+            Outcome& outcome = record.outcomes[i];
+            outcome = sendToDevice(m_steps[i], device, cids, m_reader);
+            if (!m_reader && outcome.kind == Outcome::Kind::Answered)
+                outcome.arrived = outcome.cabinets;
+            observer.sent(outcome);
+            if (outcome.kind != Outcome::Kind::Answered)
                 break;
         }
+        record.known = m_reader ? Known::ReadBack : Known::Acknowledged;
         if (m_reader)
             record.held = heldBy(readBack(*m_reader, {{device, cids}}));
+        else if (record.isDone())
+            record.held = {{static_cast<int>(cids.size()), m_coefficients, true}};
         return record;
     }
 
@@ -63,6 +70,7 @@ private:
     QString m_name;
     CabinetSenderSpace::CabinetTargetMap m_targets;
     std::vector<Step> m_steps;
+    Colour::Coefficients m_coefficients;
     const Action::CabinetReader* m_reader;
 };
 
@@ -71,9 +79,9 @@ private:
 Destination::~Destination() = default;
 
 std::unique_ptr<Destination> wallDestination(const QString& name, const CabinetSenderSpace::CabinetTargetMap& targets,
-                                             std::vector<Step> steps, const Action::CabinetReader* reader)
+                                             const Content& content, const Action::CabinetReader* reader)
 {
-    return std::make_unique<WallDestination>(name, targets, std::move(steps), reader);
+    return std::make_unique<WallDestination>(name, targets, content, reader);
 }
 
 } // namespace Calibration

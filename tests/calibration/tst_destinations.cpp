@@ -77,7 +77,7 @@ private Q_SLOTS:
         if (kind == "silence")
             Action::setTimeoutUnit(std::chrono::milliseconds(1));
         const TestWall wall(kind == "none" ? R"({"latencyMs": 0})" : failingBy(kind));
-        const auto destination = wallDestination("w", wall.targets, stepsOf(m_content), wall.cabinets.get());
+        const auto destination = wallDestination("w", wall.targets, m_content, wall.cabinets.get());
         Counter counter;
         const DeviceRecord record = destination->serve("b", counter);
         QTEST(counter.m_sent, "sent");
@@ -88,6 +88,12 @@ private Q_SLOTS:
         const DeviceRecord kept = recordFromJson(toJson(record)); // as a journal keeps it
         QVERIFY(kept.outcomes[0].kind == record.outcomes[0].kind && kept.isDone() == record.isDone());
         QCOMPARE(kept.held.front().coefficients, record.held.front().coefficients);
+        QVERIFY(record.known == Known::ReadBack && kept.known == Known::ReadBack);
+        // Whoever cannot read the cabinets believes the device, also where one of them does not hold it.
+        const DeviceRecord believed = wallDestination("w", wall.targets, m_content, nullptr)->serve("b", counter);
+        QCOMPARE(believed.isDone(), kind == "none" || kind == "partial");
+        QCOMPARE(believed.held.size(), believed.isDone() ? 1 : 0);
+        QVERIFY(recordFromJson(toJson(believed)).known == Known::Acknowledged);
     }
 
     void aStepHasArrivedWhereACabinetHoldsIt()
@@ -176,11 +182,13 @@ private Q_SLOTS:
         Counter counter;
         const DeviceRecord record = destination->serve("hub", counter);
         QVERIFY(record.isDone() && counter.m_sent == destination->stepCount() && destination->stepCount() == 3);
+        QVERIFY(record.known == Known::Acknowledged);
         QCOMPARE(record.held.front().coefficients, signedCoefficients(m_content.target.coeff.getCoeffs()));
         QCOMPARE(m_hub->received(Simulator::HubCommands::MeasuredGamut).value("rLxy")["lum"].toDouble(), 834.2);
         // One that holds no gamut of its own makes nothing of it.
         const auto other = hubDestination("hub", m_content, *client, [] { return HubHoldings(); });
-        QCOMPARE(other->serve("hub", counter).held.front().coefficients, Colour::Coefficients{});
+        const DeviceRecord read = other->serve("hub", counter);
+        QVERIFY(read.held.front().coefficients == Colour::Coefficients{} && read.known == Known::ReadBack);
     }
 
     void aHubThatFailsHalfWayIsToldSo()

@@ -93,8 +93,7 @@ inline Common::Result<Calibration::RunResult> calibrate(const TestWall& wall, co
     if (!place)
         return place.fault();
     const auto figures = good(Calibration::figuresOf(content.measured, content.target));
-    const auto destination =
-        Calibration::wallDestination("test wall", wall.targets, stepsOf(content), wall.cabinets.get());
+    const auto destination = Calibration::wallDestination("test wall", wall.targets, content, wall.cabinets.get());
     Calibration::Observer nobody;
     return Calibration::run(content, figures, *destination, inputsOf(content, *destination), **place, options,
                             observer ? *observer : nobody);

@@ -124,7 +124,7 @@ CommandResult run(const CalibrateArguments& arguments, const Output& output)
     }
     const OpenWall wall = openWall(arguments.wall);
     const auto toWall = [&](const Action::CabinetReader* reader) {
-        return Calibration::wallDestination(wall.name, wall.targets, Calibration::stepsOf(content), reader);
+        return Calibration::wallDestination(wall.name, wall.targets, content, reader);
     };
     if (arguments.dryRun)
         return dryRun([&] {
