@@ -1,10 +1,13 @@
 #include "sendreport.h"
 
+#include <calibration/known.h>
+
 namespace Reports {
 
 namespace {
 
 using Action::CabinetState;
+using Calibration::Known;
 using Calibration::Outcome;
 
 QString gamutText(const std::shared_ptr<const Model::ColorGamutInfo>& gamut)
@@ -28,12 +31,13 @@ QString describe(const CabinetState& state)
 }
 
 /// What the cabinets hold, one line per device and kind of content.
-QString holdings(const Calibration::CabinetStates& states)
+QString holdings(const Calibration::CabinetStates& states, bool isSimulated)
 {
     std::map<std::pair<std::string, QString>, int> groups;
     for (const auto& [cabinet, state] : states)
         ++groups[{cabinet.first, describe(state)}];
-    QString text = QStringLiteral("The cabinets now hold:\n");
+    QString text = QStringLiteral("The cabinets now hold (%1%2):\n")
+                       .arg(wordOf(Known::ReadBack), isSimulated ? QStringLiteral(", simulated") : QString());
     for (const auto& [group, count] : groups)
         text += QStringLiteral("  %1, %2 cabinets: %3\n")
                     .arg(QString::fromStdString(group.first), QString::number(count), group.second);
@@ -100,10 +104,11 @@ Table outcomeTable(const std::vector<Outcome>& outcomes)
 
 QString toText(const SendResult& result)
 {
-    QString text = QStringLiteral("Sent:\n");
+    QString text = result.isSimulated ? QStringLiteral("Sent to simulated cabinets:\n") : QStringLiteral("Sent:\n");
     for (const Calibration::Step& step : result.steps)
         text += QStringLiteral("  %1: %2\n").arg(step.name, step.summary);
-    return text + QLatin1Char('\n') + outcomeTable(result.outcomes).toText() + QLatin1Char('\n') + holdings(result.now);
+    return text + QLatin1Char('\n') + outcomeTable(result.outcomes).toText() + QLatin1Char('\n') +
+           holdings(result.now, result.isSimulated);
 }
 
 QJsonObject toJson(const SendResult& result)
@@ -111,7 +116,9 @@ QJsonObject toJson(const SendResult& result)
     QJsonArray cabinets;
     for (const auto& [cabinet, state] : result.now)
         cabinets.append(toJson(cabinet, result.before.at(cabinet), state));
-    return {{QStringLiteral("results"), outcomeTable(result.outcomes).toJson()},
+    return {{QStringLiteral("simulated"), result.isSimulated},
+            {QStringLiteral("known"), wordOf(Known::ReadBack)},
+            {QStringLiteral("results"), outcomeTable(result.outcomes).toJson()},
             {QStringLiteral("cabinets"), cabinets}};
 }
 

@@ -17,10 +17,11 @@ struct SendResult
     std::vector<Calibration::Outcome> outcomes;
     Calibration::CabinetStates before;
     Calibration::CabinetStates now;
+    bool isSimulated = false; ///< the cabinets are
 };
 
 QString toText(const SendResult& result);
-/// "results" and "cabinets".
+/// "simulated", "known", "results" and "cabinets".
 QJsonObject toJson(const SendResult& result);
 
 } // namespace Reports

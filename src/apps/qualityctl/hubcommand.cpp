@@ -36,6 +36,7 @@ CommandResult exchange(
     const double seconds = take(hub.client().run(operation));
     QJsonObject object = json();
     object.insert(QStringLiteral("hub"), hub.client().name());
+    object.insert(QStringLiteral("simulated"), arguments.hub.isSimulated());
     object.insert(QStringLiteral("seconds"), seconds);
     return {QStringLiteral("%1: %2, %3 s\n").arg(hub.client().name(), what(), QString::number(seconds, 'f', 4)),
             object};

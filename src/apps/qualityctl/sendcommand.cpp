@@ -87,6 +87,7 @@ CommandResult runSend(const SendArguments& arguments, const Output& output)
 {
     HostLog::install(output.quiet);
     Reports::SendResult result;
+    result.isSimulated = true; // there is no other wall here
     result.steps = stepsOf(arguments);
     const OpenWall wall = openWall(arguments.wall);
     if (arguments.dryRun)
