@@ -69,7 +69,8 @@ HeldCorrection heldFromJson(const QJsonValue& value)
 
 Known knownFromWord(const QString& word)
 {
-    const auto* found = std::find(knownWords.begin(), knownWords.end(), word);
+    const auto* found = std::find_if(knownWords.begin(), knownWords.end(),
+                                     [&word](const char* known) { return word == QLatin1String(known); });
     return found == knownWords.end() ? Known::Acknowledged : static_cast<Known>(found - knownWords.begin());
 }
 

@@ -9,7 +9,6 @@ namespace Calibration {
 
 namespace {
 
-constexpr double noticeableDifference = 1.0;
 constexpr double roundingOfWhite = 1e-3; ///< of its luminance, in the integers
 
 /// Why a target's luminance cannot be had; `kept` is 0 where the wall's is not known.
@@ -31,11 +30,48 @@ void setLuminance(Model::ColorGamutInfo& gamut, double luminance)
     gamut.wLxy.lum = luminance;
 }
 
+double largest(const Colour::Corners& corners, double Colour::Corner::*difference)
+{
+    double result = 0.0;
+    for (const Colour::Corner& corner : corners.corners)
+        result = std::max(result, corner.*difference);
+    return result;
+}
+
 } // namespace
 
-double Figures::worstDifference() const
+double Figures::worstHeld() const
 {
-    return *std::max_element(ciede2000.begin(), ciede2000.end());
+    return largest(corners, &Colour::Corner::notHeld);
+}
+
+double Figures::worst() const
+{
+    return largest(corners, &Colour::Corner::difference);
+}
+
+QString judgedName(std::size_t content)
+{
+    static constexpr std::array corners{"red", "green", "blue", "yellow", "cyan", "magenta", "white"};
+    if (content < corners.size())
+        return QLatin1String(corners[content]);
+    return QStringLiteral("gray %1 %").arg(100.0 * Colour::judgedContents[content][0]);
+}
+
+bool isOutOfReach(const Colour::Corner& corner)
+{
+    return corner.outOfReach >= 0.005;
+}
+
+QStringList outOfReach(const Colour::Corners& corners)
+{
+    QStringList names;
+    for (std::size_t i = 0; i < corners.corners.size(); ++i) {
+        if (isOutOfReach(corners.corners[i]))
+            names << QStringLiteral("%1 by %2")
+                         .arg(judgedName(i), QString::number(corners.corners[i].outOfReach, 'f', 2));
+    }
+    return names;
 }
 
 Result<Figures> computeFigures(const Model::ColorGamutInfo& measured, const Model::ColorGamutInfo& target)
@@ -50,7 +86,7 @@ Result<Figures> computeFigures(const Model::ColorGamutInfo& measured, const Mode
     auto figures = figuresOf(measured, corrected);
     if (!figures)
         return figures;
-    const double kept = figures->reached.whiteKept * measured.wLxy.lum;
+    const double kept = figures->corners.whiteKept * measured.wLxy.lum;
     if (wanted > kept * (1.0 + roundingOfWhite) && wanted > 0.0)
         return tooBright(target, wanted, kept);
     if (!(wanted > 0.0))
@@ -68,19 +104,14 @@ Result<Figures> figuresOf(const Model::ColorGamutInfo& measured, const Model::Co
     figures.coefficients = signedCoefficients(target.coeff.getCoeffs());
     figures.coverageXy = Colour::coverage(wall, wanted);
     figures.coverageUv = Colour::coverage(uvPrime(wall), uvPrime(wanted));
-    const auto reached = Colour::reachedGamut(wall, figures.coefficients);
-    const auto differences = reached ? Colour::differences(*reached, wanted) : std::nullopt;
-    if (!differences)
+    const auto corners = Colour::corners(wall, wanted, figures.coefficients);
+    if (!corners)
         return Fault{Fault::Kind::BadData,
                      QStringLiteral("gamut %1").arg(QString::fromStdString(measured.name)),
                      {},
-                     QStringLiteral("the coefficients for the target %1 leave a primary or white without light")
+                     QStringLiteral("the coefficients for the target %1 leave white without light")
                          .arg(QString::fromStdString(target.name))};
-    figures.reached = *reached;
-    figures.ciede2000 = *differences;
-    // Limits of the coefficients' type show only in the result.
-    for (std::size_t i = 0; i < figures.ciede2000.size(); ++i)
-        figures.reached.outOfReach[i] = figures.reached.outOfReach[i] || figures.ciede2000[i] > noticeableDifference;
+    figures.corners = *corners;
     return figures;
 }
 

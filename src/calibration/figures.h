@@ -1,9 +1,11 @@
 #pragma once
 
-#include <suite/colour/correction.h>
+#include <suite/colour/corners.h>
 #include <suite/colour/coverage.h>
 #include <suite/common/result.h>
 #include <suite/model/colorgamutinfo.h>
+
+#include <QStringList>
 
 namespace Calibration {
 
@@ -16,12 +18,23 @@ struct Figures
     Colour::Coefficients coefficients{};
     Colour::Coverage coverageXy; ///< of the measured gamut against the target, CIE 1931 xy
     Colour::Coverage coverageUv; ///< the same in CIE 1976 u'v'
-    Colour::ReachedGamut reached;
-    std::array<double, 4> ciede2000{}; ///< red, green, blue, white: reached against target
+    Colour::Corners corners;     ///< what it shows of each judged content
 
-    /// The largest difference of the four.
-    double worstDifference() const;
+    /// The largest difference of what is shown from the nearest colour that the LEDs can show: the coefficients' part.
+    double worstHeld() const;
+    /// The largest difference of what is shown from the target.
+    double worst() const;
 };
+
+/// Names of the judged contents in their order: "red", ... "white", "gray 75 %", ...
+QString judgedName(std::size_t content);
+
+/// Whether the LEDs cannot show a content: the nearest that they can show is off by what two decimals show.
+bool isOutOfReach(const Colour::Corner& corner);
+
+/// The contents that the LEDs cannot show, each with its CIEDE2000 from what they can: "blue by 10.26"; empty where
+/// they show all.
+QStringList outOfReach(const Colour::Corners& corners);
 
 /// Computes the coefficients of `target` on a wall of `measured`, and what they reach. Fault: bad data for gamuts that
 /// have no correction.

@@ -15,12 +15,11 @@ enum class Known {
 };
 
 /// The words for it, in reports and in the journal; in the order of Known.
-inline constexpr std::array knownWords{QLatin1String("computed"), QLatin1String("acknowledged"),
-                                       QLatin1String("read back"), QLatin1String("measured")};
+inline constexpr std::array knownWords{"computed", "acknowledged", "read back", "measured"};
 
 inline QString wordOf(Known known)
 {
-    return knownWords[static_cast<std::size_t>(known)];
+    return QLatin1String(knownWords[static_cast<std::size_t>(known)]);
 }
 
 } // namespace Calibration

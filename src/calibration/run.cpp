@@ -194,6 +194,16 @@ Result<void> finishDocuments(const Folder& folder, const Content& content, RunRe
     return {};
 }
 
+/// Judges what the devices hold now.
+void conclude(RunResult& result, const QJsonObject& inputs, const Acceptance& acceptance)
+{
+    result.verification = judge(result.figures.measured, result.figures.target, result.records, acceptance);
+    Verdict& verdict = result.verification.verdict;
+    verdict.isSimulated = inputs.value(QStringLiteral("simulated")).toBool();
+    if (result.isStopped && !result.isDone())
+        verdict.kind = Verdict::Kind::Interrupted;
+}
+
 QString joined(const QStringList& list)
 {
     return list.isEmpty() ? QStringLiteral("none") : list.join(QStringLiteral(", "));
@@ -230,6 +240,8 @@ std::optional<Fault> RunResult::fault() const
     auto fault = faultOf(outcomes(), false);
     if (fault)
         fault->hint = hint;
+    else if (!verification.verdict.isPassed())
+        fault = Fault{Fault::Kind::Difference, {}, {}, verification.faults.join(QStringLiteral("; "))};
     return fault;
 }
 
@@ -270,6 +282,7 @@ Result<RunResult> run(const Content& content, const Figures& figures, Destinatio
     const auto finished = finishDocuments(folder, content, result);
     if (!finished)
         return finished.fault();
+    conclude(result, inputs, options.acceptance);
     return result;
 }
 

@@ -3,6 +3,7 @@
 #include <calibration/destination.h>
 #include <calibration/figures.h>
 #include <calibration/folder.h>
+#include <calibration/verification.h>
 
 namespace Calibration {
 
@@ -13,6 +14,7 @@ struct RunOptions
     bool force = false;  ///< begin anew and replace what is there
     QStringList uses;    ///< files that were read: none of them may be written
     QStringList outputs; ///< what the host will write beside the documents
+    Acceptance acceptance = {};
 };
 
 /// What a calibration comes to, in the order of its devices.
@@ -24,11 +26,12 @@ struct RunResult
     QStringList resumed; ///< devices that an earlier run had served
     QStringList files;   ///< written, with their paths
     bool isStopped = false;
+    Verification verification; ///< of what the devices hold
 
     bool isDone() const;
     /// Those of all devices.
     std::vector<Outcome> outcomes() const;
-    /// What it amounts to; nothing where every device holds everything.
+    /// What it amounts to; nothing where the verdict is that it passed.
     std::optional<Fault> fault() const;
 };
 
@@ -37,8 +40,9 @@ QJsonObject inputsOf(const Content& content, const Destination& destination);
 
 /// Sends everything to every device of a destination that the folder's journal does not have done, in order, and writes
 /// documents and journal. Asked to stop, it finishes the running device. Blocks until then; documents are written
-/// before anything is sent. `inputs` are inputsOf() with what the host adds. Faults: before anything is sent, usage,
-/// cannot create, bad data (a resume with other inputs), input/output; a device that fails is no fault but a record.
+/// before anything is sent. `inputs` are inputsOf() with what the host adds; "simulated" among them says whether the
+/// devices are. Faults: before anything is sent, usage, cannot create, bad data (a resume with other inputs),
+/// input/output; a device that fails is no fault but a record.
 Common::Result<RunResult> run(const Content& content, const Figures& figures, Destination& destination,
                               const QJsonObject& inputs, const Folder& folder, const RunOptions& options,
                               Observer& observer);

@@ -1,12 +1,16 @@
 #include "verification.h"
 
+#include <calibration/gamut.h>
+
 #include <QJsonArray>
+
+#include <limits>
 
 namespace Calibration {
 
 namespace {
 
-/// The integers that a device's cabinets work with: the identity while the correction is off.
+/// The integers that cabinets work with: the identity while the correction is off.
 Model::GamutCoeff workingCoefficients(const HeldCorrection& held)
 {
     Model::GamutCoeff coeff; // the identity
@@ -15,47 +19,116 @@ Model::GamutCoeff workingCoefficients(const HeldCorrection& held)
     return coeff;
 }
 
-void judge(const QString& device, const HeldCorrection& held, const Model::ColorGamutInfo& measured,
-           Model::ColorGamutInfo target, Verification& verification)
+/// Judges one record after the other; equal integers are computed once.
+class Judge
 {
-    target.coeff = workingCoefficients(held);
-    const auto figures = figuresOf(measured, target);
-    Judgement judgement{device, held, std::nullopt, false};
-    const QString subject = QStringLiteral("%1: %2 cabinets").arg(device, QString::number(held.cabinets));
-    if (figures) {
-        judgement.figures = *figures;
-        judgement.isWithin = figures->worstDifference() <= verification.maxDifference;
-        if (!judgement.isWithin)
-            verification.faults << QStringLiteral("%1 differ by %2, above %3")
-                                       .arg(subject, QString::number(figures->worstDifference(), 'f', 2),
-                                            QString::number(verification.maxDifference));
-    } else {
-        verification.faults << QStringLiteral("%1: %2").arg(subject, figures.fault().message());
+public:
+    Judge(const Model::ColorGamutInfo& measured, const Model::ColorGamutInfo& target, const Acceptance& acceptance,
+          Verification& verification)
+        : m_measured(measured), m_target(target), m_acceptance(acceptance), m_verification(verification)
+    {}
+
+    void add(const DeviceRecord& record)
+    {
+        Verdict& verdict = m_verification.verdict;
+        ++verdict.devices;
+        if (!record.isDone()) {
+            const bool isServed = !record.outcomes.empty() && record.outcomes.front().kind != Outcome::Kind::NotSent;
+            m_verification.faults << record.device + (isServed ? QStringLiteral(": does not hold everything")
+                                                               : QStringLiteral(": not served"));
+        }
+        for (const HeldCorrection& held : record.held) {
+            const Judgement judgement = judge(record, held);
+            if (record.isDone())
+                verdict.worst = std::max(verdict.worst, judgement.difference);
+            m_verification.judgements.push_back(judgement);
+        }
+        if (record.isDone()) {
+            verdict.known = verdict.holding == 0 ? record.known : std::min(verdict.known, record.known);
+            ++verdict.holding;
+        }
     }
-    verification.judgements.push_back(judgement);
+
+private:
+    Judgement judge(const DeviceRecord& record, const HeldCorrection& held)
+    {
+        const auto figures = figuresFor(held);
+        Judgement judgement{record.device, held, record.known, {}, std::numeric_limits<double>::infinity(), false};
+        const QString subject = QStringLiteral("%1: %2 cabinets").arg(record.device, QString::number(held.cabinets));
+        if (!*figures) {
+            m_verification.faults << QStringLiteral("%1: %2").arg(subject, figures->fault().message());
+            return judgement;
+        }
+        judgement.figures = std::shared_ptr<const Figures>(figures, &**figures);
+        judgement.difference = m_acceptance.isStrict ? (*figures)->worst() : (*figures)->worstHeld();
+        judgement.isWithin = judgement.difference <= m_acceptance.maxDifference;
+        if (!judgement.isWithin)
+            m_verification.faults << QStringLiteral("%1 differ%2 by %3, above %4")
+                                         .arg(subject,
+                                              m_acceptance.isStrict ? QStringLiteral(" from the target") : QString(),
+                                              QString::number(judgement.difference, 'f', 2),
+                                              QString::number(m_acceptance.maxDifference));
+        return judgement;
+    }
+
+    std::shared_ptr<const Common::Result<Figures>> figuresFor(const HeldCorrection& held)
+    {
+        Model::ColorGamutInfo target = m_target;
+        target.coeff = workingCoefficients(held);
+        auto& figures = m_figures[signedCoefficients(target.coeff.getCoeffs())];
+        if (!figures)
+            figures = std::make_shared<const Common::Result<Figures>>(figuresOf(m_measured, target));
+        return figures;
+    }
+
+    const Model::ColorGamutInfo& m_measured;
+    const Model::ColorGamutInfo& m_target;
+    const Acceptance m_acceptance;
+    Verification& m_verification;
+    std::map<Colour::Coefficients, std::shared_ptr<const Common::Result<Figures>>> m_figures;
+};
+
+Verdict::Kind kindOf(const Verdict& verdict)
+{
+    if (verdict.holding == 0)
+        return Verdict::Kind::NotApplied;
+    if (verdict.holding < verdict.devices)
+        return Verdict::Kind::Partly;
+    return verdict.worst <= verdict.limit ? Verdict::Kind::Passed : Verdict::Kind::Differs;
 }
 
 } // namespace
 
-Common::Result<Verification> verify(const Journal& journal, double maxDifference)
+Verification judge(const Model::ColorGamutInfo& measured, const Model::ColorGamutInfo& target,
+                   const std::vector<DeviceRecord>& records, const Acceptance& acceptance)
 {
-    const auto measured = gamutFromJson(journal.inputs().value(QStringLiteral("measured")).toObject());
-    const auto target = gamutFromJson(journal.inputs().value(QStringLiteral("target")).toObject());
     Verification verification;
+    verification.measured = QString::fromStdString(measured.name);
     verification.target = QString::fromStdString(target.name);
-    verification.maxDifference = maxDifference;
-    for (const DeviceRecord& record : journal.records()) {
-        if (!record.isDone())
-            verification.faults << QStringLiteral("%1: not everything was sent").arg(record.device);
-        for (const HeldCorrection& held : record.held)
-            judge(record.device, held, measured, target, verification);
+    verification.coverageXy = Colour::coverage(primariesOf(measured), primariesOf(target));
+    verification.coverageUv = Colour::coverage(uvPrime(primariesOf(measured)), uvPrime(primariesOf(target)));
+    verification.verdict.limit = acceptance.maxDifference;
+    verification.verdict.isStrict = acceptance.isStrict;
+    Judge judge(measured, target, acceptance, verification);
+    for (const DeviceRecord& record : records)
+        judge.add(record);
+    verification.verdict.kind = kindOf(verification.verdict);
+    return verification;
+}
+
+Common::Result<Verification> verify(const Journal& journal, const Acceptance& acceptance)
+{
+    const QJsonObject& inputs = journal.inputs();
+    std::vector<DeviceRecord> records;
+    for (const QJsonValue device : inputs.value(QStringLiteral("devices")).toArray()) {
+        records.push_back(journal.records().value(device.toString()));
+        records.back().device = device.toString();
     }
-    for (const QJsonValue device : journal.inputs().value(QStringLiteral("devices")).toArray()) {
-        if (!journal.records().contains(device.toString()))
-            verification.faults << QStringLiteral("%1: not served").arg(device.toString());
-    }
-    if (verification.judgements.empty())
-        return Fault{Fault::Kind::BadData, QStringLiteral("calibration"), {}, QStringLiteral("no device was served")};
+    if (records.empty())
+        return Fault{Fault::Kind::BadData, QStringLiteral("calibration"), {}, QStringLiteral("names no device")};
+    auto verification = judge(gamutFromJson(inputs.value(QStringLiteral("measured")).toObject()),
+                              gamutFromJson(inputs.value(QStringLiteral("target")).toObject()), records, acceptance);
+    verification.verdict.isSimulated = inputs.value(QStringLiteral("simulated")).toBool();
     return verification;
 }
 

@@ -2,6 +2,9 @@
 
 #include <calibration/figures.h>
 #include <calibration/journal.h>
+#include <calibration/verdict.h>
+
+#include <memory>
 
 namespace Calibration {
 
@@ -10,21 +13,30 @@ struct Judgement
 {
     QString device;
     HeldCorrection held;
-    std::optional<Figures> figures; ///< none: the coefficients leave a primary or white without light
-    bool isWithin = false;          ///< no difference above the limit
+    Known known = Known::Computed;          ///< how `held` is
+    std::shared_ptr<const Figures> figures; ///< one for all judgements of equal integers; null: white gives no light
+    double difference = 0.0;                ///< the largest CIEDE2000 that counts; infinite where white gives no light
+    bool isWithin = false;                  ///< it is not above the limit
 };
 
 /// What a calibrated wall shows, computed from what its cabinets hold.
 struct Verification
 {
-    QString target; ///< its name
-    double maxDifference = 0.0;
+    QString measured;                  ///< the name of the measured gamut
+    QString target;                    ///< the target's
+    Colour::Coverage coverageXy;       ///< of the measured gamut against the target, CIE 1931 xy
+    Colour::Coverage coverageUv;       ///< the same in CIE 1976 u'v'
     std::vector<Judgement> judgements; ///< by device
-    QStringList faults;                ///< in words; empty: all is within
+    Verdict verdict;
+    QStringList faults; ///< in words; empty: the verdict is that it passed
 };
 
-/// Judges a calibration by its journal: CIEDE2000 of red, green, blue and white against the target, at most
-/// `maxDifference`. Fault: bad data where no device was served.
-Common::Result<Verification> verify(const Journal& journal, double maxDifference);
+/// Judges what devices hold; there is a record for each that was to be served. What the wall shows of every judged
+/// content counts. The verdict knows of no simulation.
+Verification judge(const Model::ColorGamutInfo& measured, const Model::ColorGamutInfo& target,
+                   const std::vector<DeviceRecord>& records, const Acceptance& acceptance);
+
+/// Judges a calibration by its journal. Fault: bad data where that names no device.
+Common::Result<Verification> verify(const Journal& journal, const Acceptance& acceptance);
 
 } // namespace Calibration

@@ -9,6 +9,9 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
+#include <cmath>
+
 namespace Reports {
 
 namespace {
@@ -40,6 +43,7 @@ Table deviceTable(const RunResult& result)
                  {QStringLiteral("steps"), QStringLiteral("steps")},
                  {QStringLiteral("seconds"), QStringLiteral("time"), QStringLiteral("s")},
                  {QStringLiteral("done"), QStringLiteral("result")},
+                 {QStringLiteral("known"), QStringLiteral("known")},
                  {QStringLiteral("resumed"), {}}});
     for (const DeviceRecord& record : result.records) {
         int answered = 0;
@@ -56,6 +60,7 @@ Table deviceTable(const RunResult& result)
                    {QStringLiteral("%1 of %2").arg(answered).arg(record.outcomes.size()), answered},
                    decimal(seconds, 3),
                    {fault.isEmpty() ? done : fault, record.isDone()},
+                   wordOf(record.known),
                    {{}, isResumed}});
     }
     return table;
@@ -87,35 +92,58 @@ QString section(const QString& heading, const QString& content)
     return QStringLiteral("<h2>%1</h2>\n").arg(heading) + content;
 }
 
+/// A row per device and group of its cabinets that hold the same.
 Table judgementTable(const Calibration::Verification& verification)
 {
     Table table({{QStringLiteral("device"), QStringLiteral("device")},
                  {QStringLiteral("cabinets"), QStringLiteral("cabinets")},
                  {QStringLiteral("correction"), QStringLiteral("correction")},
-                 {{}, Calibration::pointName(0)},
-                 {{}, Calibration::pointName(1)},
-                 {{}, Calibration::pointName(2)},
-                 {{}, Calibration::pointName(3)},
-                 {QStringLiteral("within"), QStringLiteral("result")}});
-    for (const Calibration::Judgement& judgement : verification.judgements) {
-        std::vector<Cell> row{judgement.device, judgement.held.cabinets,
-                              flag(judgement.held.isOn, QStringLiteral("on"), QStringLiteral("off"))};
-        for (std::size_t i = 0; i < 4; ++i)
-            row.push_back(judgement.figures ? decimal(judgement.figures->ciede2000[i], 2) : Cell(QStringLiteral("-")));
-        row.push_back(flag(judgement.isWithin, QStringLiteral("ok"),
-                           judgement.figures ? QStringLiteral("ABOVE") : QStringLiteral("DARK")));
-        table.add(row);
-    }
+                 {QStringLiteral("max_ciede2000"), QStringLiteral("CIEDE2000")},
+                 {QStringLiteral("within"), QStringLiteral("result")},
+                 {QStringLiteral("known"), QStringLiteral("known")}});
+    for (const Calibration::Judgement& judgement : verification.judgements)
+        table.add({judgement.device, judgement.held.cabinets,
+                   flag(judgement.held.isOn, QStringLiteral("on"), QStringLiteral("off")),
+                   judgement.figures ? decimal(judgement.difference, 2)
+                                     : Cell(QStringLiteral("-"), QJsonValue(QJsonValue::Undefined)),
+                   flag(judgement.isWithin, QStringLiteral("ok"),
+                        judgement.figures ? QStringLiteral("ABOVE") : QStringLiteral("DARK")),
+                   wordOf(judgement.known)});
     return table;
+}
+
+/// The figures of all cabinets, those of equal integers once.
+std::vector<std::shared_ptr<const Calibration::Figures>> distinctFigures(const Calibration::Verification& verification)
+{
+    std::vector<std::shared_ptr<const Calibration::Figures>> distinct;
+    for (const Calibration::Judgement& judgement : verification.judgements) {
+        if (judgement.figures && std::find(distinct.begin(), distinct.end(), judgement.figures) == distinct.end())
+            distinct.push_back(judgement.figures);
+    }
+    return distinct;
+}
+
+/// How the journal knows what the cabinets held, for people.
+QString source(const Calibration::Verdict& verdict)
+{
+    QStringList how;
+    if (verdict.holding > 0)
+        how << wordOf(verdict.known);
+    if (verdict.isSimulated)
+        how << QStringLiteral("simulated");
+    return QStringLiteral("From the journal: what the cabinets held when they were served") +
+           (how.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(how.join(QStringLiteral(", "))));
 }
 
 } // namespace
 
 QString toText(const RunResult& result)
 {
-    QString text = QStringLiteral("%1\n\n%2\n%3\n%4\nWritten:\n")
-                       .arg(titleOf(result), figuresTable(result.figures).toText(), reachTable(result.figures).toText(),
-                            deviceTable(result).toText());
+    const Calibration::Figures& figures = result.figures;
+    QString text = titleOf(result) + QLatin1String("\n\n") + result.verification.verdict.sentence() +
+                   QLatin1String("\n\n") + figuresTable(figures).toText() + QLatin1Char('\n') +
+                   reachTable(figures).toText() + QLatin1Char('\n') + reachText(figures) + QLatin1String("\n\n") +
+                   deviceTable(result).toText() + QLatin1String("\nWritten:\n");
     for (const QString& file : result.files)
         text += QStringLiteral("  %1\n").arg(file);
     return text;
@@ -125,6 +153,8 @@ QJsonObject toJson(const RunResult& result)
 {
     QJsonObject object = toJson(result.figures);
     object.insert(QStringLiteral("destination"), result.destination);
+    object.insert(QStringLiteral("simulated"), result.verification.verdict.isSimulated);
+    object.insert(QStringLiteral("verdict"), toJson(result.verification.verdict));
     object.insert(QStringLiteral("devices"), deviceTable(result).toJson());
     object.insert(QStringLiteral("results"), outcomeTable(result.outcomes()).toJson());
     object.insert(QStringLiteral("files"), QJsonArray::fromStringList(result.files));
@@ -179,11 +209,28 @@ Common::Result<void> writeReport(RunResult& result, const Calibration::Content& 
     return Calibration::writeOutput(files.html, toHtml(result, charts));
 }
 
+QJsonObject toJson(const Calibration::Verdict& verdict)
+{
+    QJsonObject object{{QStringLiteral("passed"), verdict.isPassed()},
+                       {QStringLiteral("sentence"), verdict.sentence()},
+                       {QStringLiteral("devices_holding_it"), verdict.holding},
+                       {QStringLiteral("devices"), verdict.devices},
+                       {QStringLiteral("max_de"), verdict.limit},
+                       {QStringLiteral("strict"), verdict.isStrict},
+                       {QStringLiteral("known"), wordOf(verdict.known)}};
+    if (verdict.holding > 0 && std::isfinite(verdict.worst))
+        object.insert(QStringLiteral("max_ciede2000"), verdict.worst);
+    return object;
+}
+
 QString toText(const Calibration::Verification& verification)
 {
-    return QStringLiteral("CIEDE2000 of what the cabinets show to %1, at most %2\n\n")
-               .arg(verification.target, QString::number(verification.maxDifference)) +
-           judgementTable(verification).toText();
+    QString text = verification.verdict.sentence() + QLatin1String("\n\n") + source(verification.verdict) +
+                   QLatin1String("\n\n") + judgementTable(verification).toText();
+    for (const auto& figures : distinctFigures(verification))
+        text += QStringLiteral("\nComputed for the coefficients %1:\n\n").arg(integersText(figures->coefficients)) +
+                reachTable(*figures).toText() + QLatin1Char('\n') + reachText(*figures) + QLatin1Char('\n');
+    return text;
 }
 
 QJsonObject toJson(const Calibration::Verification& verification)
@@ -191,18 +238,23 @@ QJsonObject toJson(const Calibration::Verification& verification)
     const QJsonArray rows = judgementTable(verification).toJson();
     QJsonArray devices;
     for (int i = 0; i < rows.size(); ++i) {
-        const Calibration::Judgement& judgement = verification.judgements.at(static_cast<std::size_t>(i));
         QJsonObject device = rows.at(i).toObject();
-        device.insert(QStringLiteral("coefficients"), toJson(judgement.held.coefficients));
-        if (judgement.figures) {
-            const QJsonObject figures = toJson(*judgement.figures);
-            for (auto it = figures.begin(); it != figures.end(); ++it)
-                device.insert(it.key(), it.value());
-            device.insert(QStringLiteral("max_ciede2000"), judgement.figures->worstDifference());
-        }
+        device.insert(QStringLiteral("coefficients"),
+                      toJson(verification.judgements.at(static_cast<std::size_t>(i)).held.coefficients));
         devices.append(device);
     }
-    return {{QStringLiteral("max_de"), verification.maxDifference}, {QStringLiteral("devices"), devices}};
+    QJsonArray shown;
+    for (const auto& figures : distinctFigures(verification))
+        shown.append(toJson(*figures));
+    QJsonObject object = coverageJson(verification.coverageXy, verification.coverageUv);
+    object.insert(QStringLiteral("measured"), verification.measured);
+    object.insert(QStringLiteral("target"), verification.target);
+    object.insert(QStringLiteral("simulated"), verification.verdict.isSimulated);
+    object.insert(QStringLiteral("source"), QStringLiteral("journal"));
+    object.insert(QStringLiteral("verdict"), toJson(verification.verdict));
+    object.insert(QStringLiteral("devices"), devices);
+    object.insert(QStringLiteral("shown"), shown);
+    return object;
 }
 
 } // namespace Reports

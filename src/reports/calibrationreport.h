@@ -7,7 +7,7 @@
 namespace Reports {
 
 QString toText(const Calibration::RunResult& result);
-/// The figures, "wall", "devices", "results" and "files".
+/// The figures, "destination", "simulated", "verdict", "devices", "results" and "files".
 QJsonObject toJson(const Calibration::RunResult& result);
 /// A self-contained HTML document; `charts` are SVG documents.
 QByteArray toHtml(const Calibration::RunResult& result, const QList<QByteArray>& charts);
@@ -31,8 +31,11 @@ struct ReportFiles
 Common::Result<void> writeReport(Calibration::RunResult& result, const Calibration::Content& content,
                                  const ReportFiles& files);
 
+/// "passed", "sentence" and what they are made of.
+QJsonObject toJson(const Calibration::Verdict& verdict);
+
 QString toText(const Calibration::Verification& verification);
-/// "max_de" and "devices".
+/// Coverage, "simulated", "verdict", "devices", and "shown": the figures of equal integers, once each.
 QJsonObject toJson(const Calibration::Verification& verification);
 
 } // namespace Reports

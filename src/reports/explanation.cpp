@@ -58,7 +58,7 @@ std::vector<Explanation> results(const Calibration::Figures& figures)
     const auto share = [](double fraction) { return indented(percent(fraction).text); };
     return {
         {QStringLiteral("Light kept"), QStringLiteral("Y of white from the integers over Y of the wall's white"),
-         QStringLiteral("CIE 15"), share(figures.reached.whiteKept)},
+         QStringLiteral("CIE 15"), share(figures.corners.whiteKept)},
         {QStringLiteral("Area ratio, xy"), QStringLiteral("area(wall) / area(target), shoelace formula"),
          QStringLiteral("CIE 1931 xy"), share(figures.coverageXy.ratio)},
         {QStringLiteral("Coverage, xy"), QStringLiteral("area(wall and target) / area(target), clipped polygon"),
@@ -67,8 +67,9 @@ std::vector<Explanation> results(const Calibration::Figures& figures)
          QStringLiteral("CIE 1976 UCS, CIE 15"), share(figures.coverageUv.ratio)},
         {QStringLiteral("Coverage, u'v'"), QStringLiteral("the same"), QStringLiteral("CIE 1976 UCS, CIE 15"),
          share(figures.coverageUv.covered)},
-        {QStringLiteral("Reached against target"),
-         QStringLiteral("CIEDE2000 of full red, green, blue, white; L*a*b* beside the target's white"),
+        {QStringLiteral("Shown against target"),
+         QStringLiteral("CIEDE2000 of the colours shown by the integers, L*a*b* beside the target's white; out of "
+                        "reach: of s A stopped at 0 and 1 from the target; not held: of the shown from that"),
          QStringLiteral("Sharma, Wu, Dalal 2005"), reachTable(figures).toText()},
     };
 }

@@ -1,6 +1,7 @@
 #include "figuresreport.h"
 
 #include <calibration/gamut.h>
+#include <calibration/known.h>
 
 namespace Reports {
 
@@ -9,14 +10,15 @@ namespace {
 using Calibration::Figures;
 using Calibration::primariesOf;
 
-std::array<Colour::Chromaticity, 4> points(const Colour::Primaries& p)
+QString xyText(const std::optional<Colour::Chromaticity>& c)
 {
-    return {p.red, p.green, p.blue, p.white};
+    return c ? QStringLiteral("%1, %2").arg(c->x, 0, 'f', 4).arg(c->y, 0, 'f', 4) : QStringLiteral("-");
 }
 
-QString xyText(const Colour::Chromaticity& c)
+/// In JSON only.
+Cell coordinate(const std::optional<Colour::Chromaticity>& c, double Colour::Chromaticity::*axis)
 {
-    return QStringLiteral("%1, %2").arg(c.x, 0, 'f', 4).arg(c.y, 0, 'f', 4);
+    return {{}, c ? QJsonValue((*c).*axis) : QJsonValue(QJsonValue::Undefined)};
 }
 
 QString nameOf(const Model::ColorGamutInfo& gamut)
@@ -30,33 +32,50 @@ Table reachTable(const Figures& figures)
 {
     Table table({{QStringLiteral("point"), QStringLiteral("point")},
                  {{}, QStringLiteral("target x, y")},
-                 {{}, QStringLiteral("reached x, y")},
+                 {{}, QStringLiteral("shown x, y")},
                  {QStringLiteral("x"), {}},
                  {QStringLiteral("y"), {}},
                  {QStringLiteral("ciede2000"), QStringLiteral("CIEDE2000")},
-                 {QStringLiteral("out_of_reach"), QStringLiteral("reach")}});
-    const auto reached = points(figures.reached.primaries);
-    const auto target = points(primariesOf(figures.target));
-    for (std::size_t i = 0; i < reached.size(); ++i)
-        table.add({Calibration::pointName(i), xyText(target[i]), xyText(reached[i]), decimal(reached[i].x, 4),
-                   decimal(reached[i].y, 4), decimal(figures.ciede2000[i], 2),
-                   flag(figures.reached.outOfReach[i], QStringLiteral("out of reach"), QStringLiteral("reached"))});
+                 {QStringLiteral("ciede2000_out_of_reach"), QStringLiteral("out of reach")},
+                 {QStringLiteral("ciede2000_not_held"), QStringLiteral("not held")},
+                 {QStringLiteral("out_of_reach"), {}}});
+    for (std::size_t i = 0; i < figures.corners.corners.size(); ++i) {
+        const Colour::Corner& corner = figures.corners.corners[i];
+        const auto shown = Colour::chromaticity(corner.shown);
+        table.add({Calibration::judgedName(i),
+                   xyText(Colour::chromaticity(corner.target)),
+                   xyText(shown),
+                   coordinate(shown, &Colour::Chromaticity::x),
+                   coordinate(shown, &Colour::Chromaticity::y),
+                   decimal(corner.difference, 2),
+                   decimal(corner.outOfReach, 2),
+                   decimal(corner.notHeld, 2),
+                   {{}, Calibration::isOutOfReach(corner)}});
+    }
     return table;
+}
+
+QString reachText(const Figures& figures)
+{
+    const QStringList colours = Calibration::outOfReach(figures.corners);
+    return colours.isEmpty()
+               ? QStringLiteral("The LEDs reach every colour of the target.")
+               : QStringLiteral("Out of the LEDs' reach, in CIEDE2000: %1.").arg(colours.join(QStringLiteral(", ")));
 }
 
 Table figuresTable(const Figures& figures)
 {
-    QStringList coefficients;
-    for (const int coefficient : figures.coefficients)
-        coefficients << QString::number(coefficient);
-    Table table(
-        {{QStringLiteral("figure"), QStringLiteral("figure")}, {QStringLiteral("value"), QStringLiteral("value")}});
-    table.add({QStringLiteral("measured"), nameOf(figures.measured)});
-    table.add({QStringLiteral("target"), nameOf(figures.target)});
-    table.add({QStringLiteral("light kept"), percent(figures.reached.whiteKept)});
-    table.add({QStringLiteral("coverage of the target, xy"), percent(figures.coverageXy.covered)});
-    table.add({QStringLiteral("coverage of the target, u'v'"), percent(figures.coverageUv.covered)});
-    table.add({QStringLiteral("coefficients, Q1.14"), coefficients.join(QLatin1Char(' '))});
+    Table table({{QStringLiteral("figure"), QStringLiteral("figure")},
+                 {QStringLiteral("value"), QStringLiteral("value")},
+                 {QStringLiteral("known"), QStringLiteral("known")}});
+    const QString given = QStringLiteral("given");
+    const QString computed = wordOf(Calibration::Known::Computed);
+    table.add({QStringLiteral("measured"), nameOf(figures.measured), given});
+    table.add({QStringLiteral("target"), nameOf(figures.target), given});
+    table.add({QStringLiteral("light kept"), percent(figures.corners.whiteKept), computed});
+    table.add({QStringLiteral("coverage of the target, xy"), percent(figures.coverageXy.covered), computed});
+    table.add({QStringLiteral("coverage of the target, u'v'"), percent(figures.coverageUv.covered), computed});
+    table.add({QStringLiteral("coefficients, Q1.14"), integersText(figures.coefficients), computed});
     return table;
 }
 
@@ -90,9 +109,18 @@ QJsonObject toJson(const Figures& figures)
     object.insert(QStringLiteral("measured"), nameOf(figures.measured));
     object.insert(QStringLiteral("target"), nameOf(figures.target));
     object.insert(QStringLiteral("coefficients"), toJson(figures.coefficients));
-    object.insert(QStringLiteral("light_kept"), figures.reached.whiteKept);
+    object.insert(QStringLiteral("light_kept"), figures.corners.whiteKept);
+    object.insert(QStringLiteral("known"), wordOf(Calibration::Known::Computed));
     object.insert(QStringLiteral("reached"), reachTable(figures).toJson());
     return object;
+}
+
+QString integersText(const Colour::Coefficients& coefficients)
+{
+    QStringList numbers;
+    for (const int coefficient : coefficients)
+        numbers << QString::number(coefficient);
+    return numbers.join(QLatin1Char(' '));
 }
 
 QString coefficientLines(const Colour::Coefficients& coefficients)
@@ -111,11 +139,12 @@ Charts::Chart correctionChart(const Figures& figures, Charts::Plane plane)
     const QString measured = nameOf(figures.measured);
     const QString target = nameOf(figures.target);
     const Colour::Coverage& coverage = plane == Charts::Plane::Xy ? figures.coverageXy : figures.coverageUv;
-    return Charts::chromaticityChart(QStringLiteral("%1 corrected to %2").arg(measured, target), plane,
-                                     {{QStringLiteral("measured: %1").arg(measured), primariesOf(figures.measured),
-                                       QStringLiteral("covers %1").arg(percent(coverage.covered).text)},
-                                      {QStringLiteral("target: %1").arg(target), primariesOf(figures.target), {}},
-                                      {QStringLiteral("reached"), figures.reached.primaries, {}}});
+    QList<Charts::ChartGamut> gamuts{{QStringLiteral("measured: %1").arg(measured), primariesOf(figures.measured),
+                                      QStringLiteral("covers %1").arg(percent(coverage.covered).text)},
+                                     {QStringLiteral("target: %1").arg(target), primariesOf(figures.target), {}}};
+    if (const auto shown = Colour::shownPrimaries(figures.corners))
+        gamuts.append({QStringLiteral("reached"), *shown, {}});
+    return Charts::chromaticityChart(QStringLiteral("%1 corrected to %2").arg(measured, target), plane, gamuts);
 }
 
 Charts::Chart grayTableChart(const Action::GrayTable& table, const QString& name)

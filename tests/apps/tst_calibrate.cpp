@@ -58,18 +58,23 @@ private Q_SLOTS:
         for (const char* name : {"screen.nicc", "screen.gray", "screen.nrf"})
             QCOMPARE(readFile(in("u/") + name), readFile(out(name)));
         QVERIFY(!QFile::exists(in("screen"))); // the temporary folder is gone
-        const Run strict = run({"verify", out()});
+        const Run strict = run({"verify", out(), "--strict", "--quiet"});
         QCOMPARE(strict.exitCode, 1);
-        QVERIFY2(strict.err.contains("left: 16 cabinets differ by 10.2"), qPrintable(strict.err));
-        const QJsonObject mild = run({"verify", out(), "--max-de", "11", "--json"}).json();
-        QVERIFY(mild["ok"].toBool() && mild.value("devices")[0]["coefficients"][0] == 10264);
+        QVERIFY2(strict.err.contains("left: 16 cabinets differ from the target by 10.2"), qPrintable(strict.err));
+        QVERIFY2(strict.out.contains("(read back, simulated)\n\nFrom the journal: "), qPrintable(strict.out));
+        const QJsonObject verified = run({"verify", out(), "--json"}).json();
+        QVERIFY(verified["ok"].toBool() && verified.value("devices")[0]["coefficients"][0] == 10264);
+        QVERIFY(verified["simulated"].toBool() && verified.value("verdict")["passed"].toBool());
+        for (const char* figure : {"coverage_xy", "coverage_uv", "area_ratio_xy", "simulated", "verdict"})
+            QCOMPARE(verified[figure], done.json()[figure]);
     }
 
     void aThirdGenerationIsServedThroughAHub()
     {
         const Run done = run(calibrate({"--generation", "3", "--table", "gray-table.csv"}));
         QVERIFY2(done.exitCode == 0 && done.json().value("results").toArray().size() == 3, qPrintable(done.out));
-        const Run verified = run({"verify", out(), "--max-de", "11", "--json"});
+        const Run verified = run({"verify", out(), "--json"});
+        QVERIFY(verified.exitCode == 0 && verified.json()["simulated"].toBool());
         QCOMPARE(verified.json().value("devices")[0]["coefficients"][5].toInt(), -1006);
     }
 

@@ -189,7 +189,7 @@ private Q_SLOTS:
         QVERIFY(qAbs(kept.rLxy.lum / kept.wLxy.lum - 0.2126) < 1e-4); // the share of red in BT.709's luma
         const auto dimmed = good(
             computeFigures(good(readMeasured(s_panel)).gamut, good(readTargetToSend(names(s_panel, "rec709:1560")))));
-        QVERIFY(qAbs(dimmed.reached.whiteKept - 0.5) < 1e-4);
+        QVERIFY(qAbs(dimmed.corners.whiteKept - 0.5) < 1e-4);
         QCOMPARE(faultText(readTargetToSend(names(s_panel, "rec709:3000"))),
                  QString("BadData: target Rec.709 / sRGB: expected a white of at most 2975.4 cd/m2, which the wall "
                          "keeps, found 3000 cd/m2"));

@@ -58,6 +58,8 @@ private Q_SLOTS:
         const TestWall wall;
         const RunResult result = good(calibrate(wall, content, out()));
         QVERIFY(result.isDone() && !result.fault() && result.resumed.isEmpty());
+        QCOMPARE(result.verification.verdict.sentence(), QString("PASSED: 3 of 3 devices hold the correction, "
+                                                                 "CIEDE2000 at most 0.01 of 1.0 (read back)"));
         QCOMPARE(result.files.size(), 5);
         for (const std::string device : {"a", "b", "c"}) {
             const auto state = wall.cabinets->cabinet(device, 2);
@@ -74,6 +76,16 @@ private Q_SLOTS:
         QVERIFY(isOpen && measured.rLxy == content.measured.rLxy && target.name == content.target.name);
         QVERIFY(readFile(out("screen.gray")).simplified().contains("\"rGrayCoeffs\": [ 1, 5 ]"));
         QCOMPARE(good(Journal::read(out("calibration.jsonl"))).records().keys(), QStringList({"a", "b", "c"}));
+    }
+
+    void whatEveryDeviceHoldsMayStillDiffer()
+    {
+        RunOptions strict;
+        strict.acceptance.isStrict = true;
+        const RunResult result = good(calibrate(TestWall(), m_content, out(), strict));
+        QVERIFY(result.isDone() && result.verification.verdict.kind == Verdict::Kind::Differs);
+        QVERIFY2(faultText(*result.fault()).startsWith("Difference: a: 2 cabinets differ from the target by 10.26"),
+                 qPrintable(faultText(*result.fault())));
     }
 
     void aFailedDeviceIsServedByAResume()
@@ -99,6 +111,7 @@ private Q_SLOTS:
         StopAfterFirst observer;
         const RunResult stopped = good(calibrate(TestWall(), m_content, out(), {}, &observer));
         QCOMPARE(faultText(*stopped.fault()), QString("Interrupted: interrupted; done: a; not done: b, c"));
+        QVERIFY(stopped.verification.verdict.sentence().startsWith("INTERRUPTED: 1 of 3 devices hold the correction"));
         QCOMPARE(observer.m_steps, 18);
         StopAfterFirst second;
         const RunResult resumed = good(calibrate(TestWall(), m_content, out(), resume(), &second));

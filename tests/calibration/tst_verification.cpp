@@ -8,27 +8,43 @@
 using namespace Calibration;
 
 Q_DECLARE_METATYPE(Colour::Coefficients)
+Q_DECLARE_METATYPE(std::vector<DeviceRecord>)
 
 class VerificationTest : public QObject
 {
     Q_OBJECT
 
 private:
-    /// The journal of a calibration of the devices a and b; a was served, and holds this.
-    Journal journal(const HeldCorrection& held, Outcome::Kind kind = Outcome::Kind::Answered)
+    /// The journal of a calibration of the devices a and b, both simulated; what was served is recorded.
+    Journal journal(const std::vector<DeviceRecord>& records)
     {
         auto journal = good(Journal::begin(m_folder.filePath("journal"), {{"measured", gamutToJson(m_content.measured)},
                                                                           {"target", gamutToJson(m_content.target)},
-                                                                          {"devices", QJsonArray{"a"}}}));
+                                                                          {"simulated", true},
+                                                                          {"devices", QJsonArray{"a", "b"}}}));
+        for (const DeviceRecord& record : records)
+            if (!journal.append(record))
+                qFatal("the journal cannot be written");
+        return good(Journal::read(m_folder.filePath("journal")));
+    }
+
+    static DeviceRecord record(const QString& device, const HeldCorrection& held, Known known = Known::ReadBack)
+    {
         DeviceRecord record;
-        record.device = "a";
+        record.device = device;
         record.outcomes.resize(1);
-        record.outcomes[0].kind = kind;
+        record.outcomes[0].kind = Outcome::Kind::Answered;
         record.outcomes[0].result = CabinetSenderSpace::ResultSuccess;
         record.held << held;
-        if (!journal.append(record))
-            qFatal("the journal cannot be written");
-        return good(Journal::read(m_folder.filePath("journal")));
+        record.known = known;
+        return record;
+    }
+
+    DeviceRecord unserved(const QString& device, int cabinets) const
+    {
+        DeviceRecord failed = record(device, {2, {}, false});
+        failed.outcomes[0].cabinets = cabinets;
+        return failed;
     }
 
     QTemporaryDir m_folder;
@@ -40,46 +56,87 @@ private Q_SLOTS:
     {
         QTest::addColumn<Colour::Coefficients>("coefficients");
         QTest::addColumn<bool>("isOn");
-        QTest::addColumn<QString>("fault");
+        QTest::addColumn<bool>("isStrict");
+        QTest::addColumn<QString>("sentence");
+        QTest::addColumn<QString>("fault"); ///< of the cabinets of a
         auto other = m_right;
         other[4] = 8216;
-        QTest::newRow("as computed") << m_right << true << "";
-        QTest::newRow("another integer") << other << true << "a: 2 cabinets differ by 25.46, above 11";
-        QTest::newRow("off") << m_right << false << "a: 2 cabinets differ by 16.68, above 11";
-        QTest::newRow("dark") << Colour::Coefficients{} << true
+        QTest::newRow("as computed, the LEDs reach no blue")
+            << m_right << true << false
+            << "PASSED: 2 of 2 devices hold the correction, CIEDE2000 at most 0.01 of 1.0 (acknowledged, simulated)"
+            << "";
+        QTest::newRow("as computed, blue counts")
+            << m_right << true << true
+            << "DIFFERS: 2 of 2 devices hold a correction, CIEDE2000 from the target up to 10.26, above 1.0 "
+               "(acknowledged, simulated)"
+            << "a: 2 cabinets differ from the target by 10.26, above 1";
+        QTest::newRow("another integer")
+            << other << true << false
+            << "DIFFERS: 2 of 2 devices hold a correction, CIEDE2000 up to 28.40, above 1.0 (acknowledged, simulated)"
+            << "a: 2 cabinets differ by 28.40, above 1";
+        QTest::newRow("off")
+            << m_right << false << false
+            << "DIFFERS: 2 of 2 devices hold a correction, CIEDE2000 up to 13.43, above 1.0 (acknowledged, simulated)"
+            << "a: 2 cabinets differ by 13.43, above 1";
+        QTest::newRow("dark") << Colour::Coefficients{} << true << false
+                              << "DIFFERS: 2 of 2 devices hold a correction, on which white gives no light "
+                                 "(acknowledged, simulated)"
                               << "a: 2 cabinets: gamut Panel 2026-11: the coefficients for the target Rec.709 / sRGB "
-                                 "leave a primary or white without light";
+                                 "leave white without light";
     }
 
     void whatCabinetsHoldIsJudged()
     {
         QFETCH(Colour::Coefficients, coefficients);
         QFETCH(bool, isOn);
+        QFETCH(bool, isStrict);
         QFETCH(QString, fault);
-        const auto judged = good(verify(journal({2, coefficients, isOn}), 11.0));
-        QCOMPARE(judged.faults.join("; "), fault);
+        const Journal held =
+            journal({record("a", {2, coefficients, isOn}), record("b", {1, m_right, true}, Known::Acknowledged)});
+        const auto judged = good(verify(held, {1.0, isStrict}));
+        QTEST(judged.verdict.sentence(), "sentence");
+        QCOMPARE(judged.faults.value(0), fault);
         const Judgement& a = judged.judgements.front();
         QCOMPARE(a.isWithin, fault.isEmpty());
         QCOMPARE(a.held.coefficients, coefficients); // as held, also while they are off
+        QCOMPARE(a.figures == judged.judgements.back().figures, isOn && coefficients == m_right);
         if (!isOn)
-            QVERIFY(qAbs(a.figures->reached.primaries.red.x - m_content.measured.rLxy.x) < 1e-6);
+            QVERIFY(qAbs(Colour::shownPrimaries(a.figures->corners)->red.x - m_content.measured.rLxy.x) < 1e-6);
+        QVERIFY(qAbs(judged.coverageXy.covered - 0.9792) < 1e-4);
     }
 
-    void aDeviceThatHasNotEverythingIsAFault()
+    void devicesThatDoNotHoldItAreCounted_data()
     {
-        const Journal held = journal({1, m_right, true}, Outcome::Kind::NotSent);
-        QCOMPARE(good(verify(held, 11.0)).faults, QStringList("a: not everything was sent"));
-        TestWall wall(failingBy("error"));
-        good(calibrate(wall, m_content, m_folder.filePath("out")));
-        const QString path = journalPath(m_folder.filePath("out"));
-        const QByteArray text = readFile(path);
-        writeFile(path, text.left(text.indexOf("\"device\":\"c\"")));
-        const auto cut = good(verify(good(Journal::read(path)), 11.0)).faults;
-        QVERIFY2(cut.contains("b: not everything was sent") && cut.contains("c: not served"),
-                 qPrintable(cut.join(' ')));
-        writeFile(path, text.left(text.indexOf('\n') + 1));
-        QCOMPARE(faultText(verify(good(Journal::read(path)), 11.0)),
-                 QString("BadData: calibration: no device was served"));
+        QTest::addColumn<std::vector<DeviceRecord>>("records");
+        QTest::addColumn<QString>("sentence");
+        QTest::addColumn<QStringList>("faults");
+        const DeviceRecord done = record("a", {2, m_right, true});
+        QTest::newRow("one was not reached, its cabinets differ")
+            << std::vector{done, unserved("b", 2)}
+            << "PARTLY APPLIED: 1 of 2 devices hold the correction, CIEDE2000 at most 0.01 of 1.0 (read back, "
+               "simulated)"
+            << QStringList{"b: does not hold everything", "b: 2 cabinets differ by 13.43, above 1"};
+        QTest::newRow("one is missing") << std::vector{done}
+                                        << "PARTLY APPLIED: 1 of 2 devices hold the correction, CIEDE2000 at most "
+                                           "0.01 of 1.0 (read back, simulated)"
+                                        << QStringList{"b: not served"};
+        QTest::newRow("none was served") << std::vector<DeviceRecord>()
+                                         << "NOT APPLIED: 0 of 2 devices hold the correction (simulated)"
+                                         << QStringList{"a: not served", "b: not served"};
+    }
+
+    void devicesThatDoNotHoldItAreCounted()
+    {
+        QFETCH(std::vector<DeviceRecord>, records);
+        const auto judged = good(verify(journal(records), {}));
+        QTEST(judged.verdict.sentence(), "sentence");
+        QTEST(judged.faults, "faults");
+    }
+
+    void aJournalThatNamesNoDeviceIsNone()
+    {
+        const QString path = writeFile(m_folder.filePath("journal"), "{\"inputs\":{\"x\":1}}\n");
+        QCOMPARE(faultText(verify(good(Journal::read(path)), {})), QString("BadData: calibration: names no device"));
     }
 };
 

@@ -40,8 +40,17 @@ private Q_SLOTS:
         QVERIFY(qAbs(json["light_kept"].toDouble() - 0.95365) < 1e-4);
         const QJsonValue blue = json.value("reached")[2];
         QVERIFY(blue["point"] == "blue" && blue["out_of_reach"].toBool() && blue["ciede2000"].toDouble() > 5.0);
-        const QJsonValue white = json.value("reached")[3];
+        QVERIFY(blue["ciede2000_not_held"].toDouble() < 0.01);
+        const QJsonValue white = json.value("reached")[6];
         QVERIFY(!white["out_of_reach"].toBool() && qAbs(white["x"].toDouble() - 0.3127) < 2e-4);
+        QCOMPARE(json.value("reached")[10]["point"], QJsonValue("gray 10 %"));
+        QCOMPARE(reachText(m_figures),
+                 QString("Out of the LEDs' reach, in CIEDE2000: blue by 10.26, yellow by 1.94, magenta by 0.17."));
+        auto target = m_content.target; // red gives no light: no chromaticity, no triangle
+        target.coeff.setCoeffs({0, 5297, 823, 0, 16216, 64530, 0, 365, 11230});
+        const auto noRed = good(Calibration::figuresOf(m_content.measured, target));
+        QVERIFY(toJson(noRed).value("reached")[0]["x"].isUndefined() && reachTable(noRed).toText().contains(" -  "));
+        QVERIFY(!correctionChart(noRed, Charts::Plane::Xy).toSvg().contains("reached"));
         const auto p3 = good(Calibration::computeFigures(standardGamut("p3-d65"), standardGamut("bt2020")));
         QVERIFY(qAbs(toJson(p3)["area_ratio_xy"].toDouble() - 0.7174329118) < 1e-9);
         QVERIFY(qAbs(toJson(p3)["coverage_uv"].toDouble() - 0.7284919140) < 1e-9);
@@ -57,6 +66,8 @@ private Q_SLOTS:
         result.resumed << "a";
         const QJsonObject json = toJson(result);
         QCOMPARE(json["destination"].toString(), QString("test wall"));
+        QVERIFY(json.value("verdict")["sentence"].toString().startsWith("PARTLY APPLIED: 2 of 3 devices"));
+        QCOMPARE(json.value("devices")[0]["known"], QJsonValue("read back"));
         QVERIFY(json.value("devices")[0]["done"].toBool() && json.value("devices")[0]["resumed"].toBool());
         QVERIFY(!json.value("devices")[1]["done"].toBool() && !json.value("devices")[2]["resumed"].toBool());
         QCOMPARE(json["results"].toArray().size(), 18);
@@ -112,25 +123,29 @@ private Q_SLOTS:
 
     void verificationsSayWhatIsWrong()
     {
-        Calibration::Verification verification;
-        verification.target = "Rec.709";
-        verification.maxDifference = 3.0;
-        const Calibration::HeldCorrection held{2, m_figures.coefficients, true};
-        verification.judgements = {{"a", held, m_figures, true}, {"b", held, m_figures, false}, {"c", {}, {}, false}};
+        Calibration::DeviceRecord a = failedRun(m_content).records.front();
+        Calibration::DeviceRecord b = a;
+        b.device = "b";
+        b.held.append({1, {}, true});
+        const auto verification = Calibration::judge(m_content.measured, m_content.target, {a, b}, {});
         const QString text = toText(verification);
-        QVERIFY2(text.contains("\na       2         on") && text.contains("  ok\n") && text.contains("  ABOVE\n") &&
-                     text.contains("\nc       0         off         -     -      -      -      DARK\n"),
+        QVERIFY2(text.startsWith("DIFFERS: 2 of 2") && text.contains("\na       2         on          0.01") &&
+                     text.contains("\nb       1         on          -          DARK    read back\n"),
                  qPrintable(text));
+        QCOMPARE(text.count("Computed for the coefficients 10264 5297 "), 1); // for both devices
         const QJsonObject json = toJson(verification);
-        QCOMPARE(json.value("devices")[1]["within"].toBool(), false);
-        QCOMPARE(json.value("devices")[0]["max_ciede2000"].toDouble(), m_figures.worstDifference());
+        QCOMPARE(json.value("devices")[2]["within"].toBool(), false);
         QVERIFY(json.value("devices")[2]["max_ciede2000"].isUndefined());
+        QCOMPARE(json["shown"].toArray().size(), 1);
+        QCOMPARE(json["coverage_uv"], toJson(m_figures)["coverage_uv"]);
+        QVERIFY(!json.value("verdict")["passed"].toBool() && json["simulated"] == false);
     }
 
     void aSendingSaysWhatTheCabinetsHold()
     {
         const TestWall wall;
         SendResult result;
+        result.isSimulated = true;
         result.steps = {Calibration::modeStep(true, true), Calibration::grayStep(m_content.table, "t%1")};
         result.before = Calibration::readBack(*wall.cabinets, {{"a", {1, 2}}});
         for (const auto& step : result.steps)
@@ -140,6 +155,7 @@ private Q_SLOTS:
         QVERIFY2(text.contains("  gray: gray table t%1, 256 levels, 60 Hz\n") &&
                      text.contains("  a, 1 cabinets: mode 12 | gray table 256 levels, 60 Hz | target gamut none"),
                  qPrintable(text));
+        QVERIFY(text.startsWith("Sent to simulated cabinets:\n") && toJson(result)["simulated"].toBool());
         const QJsonValue second = toJson(result).value("cabinets")[1];
         QVERIFY(second["mode_before"] == 4 && second["mode"] == 12 && second["gray_levels"] == 256);
         QVERIFY(!second["has_measured_gamut"].toBool() && second["coefficients"].isUndefined());

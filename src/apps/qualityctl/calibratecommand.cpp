@@ -30,6 +30,7 @@ struct CalibrateArguments
     std::string html; ///< empty: report.html in `out`
     bool resume = false;
     bool dryRun = false;
+    Calibration::Acceptance acceptance;
 };
 
 QString text(const std::string& utf8)
@@ -56,6 +57,7 @@ QJsonObject inputsOf(const CalibrateArguments& arguments, const QString& wallDig
         return result;
     };
     return {{QStringLiteral("generation"), arguments.generation},
+            {QStringLiteral("simulated"), arguments.generation == 4 || arguments.hub.isSimulated()},
             {QStringLiteral("wall_sha256"), wallDigest},
             {QStringLiteral("device"), array(arguments.wall.devices)},
             {QStringLiteral("cabinet"), array(arguments.wall.cabinets)}};
@@ -79,6 +81,7 @@ Calibration::RunOptions runOptionsOf(const CalibrateArguments& arguments, const 
     Calibration::RunOptions options;
     options.resume = arguments.resume;
     options.force = arguments.gamuts.force;
+    options.acceptance = arguments.acceptance;
     options.outputs = outputs;
     options.uses = namesOf(arguments).all();
     if (!arguments.wall.file.empty())
@@ -155,6 +158,7 @@ void addCalibrateCommand(CLI::App& app, Command& chosen)
     addOutputFolder(*command, arguments->out, arguments->gamuts.force);
     command->add_option("--html", arguments->html, "The report's file; report.html in the folder without it");
     command->add_flag("--resume", arguments->resume, "Go on with the calibration that was begun in the folder");
+    addAcceptance(*command, arguments->acceptance);
     command->add_flag("--dry-run", arguments->dryRun, "Print the requests instead of sending them");
     command->callback([&chosen, arguments] {
         checkHub(arguments->hub);

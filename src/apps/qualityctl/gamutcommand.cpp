@@ -82,10 +82,11 @@ CommandResult showCoefficients(const GamutArguments& arguments, const Output& ou
                            "light kept   %4\ncoverage     %5\narea ratio   %6\n\n")
                     .arg(nameOf(figures.measured), nameOf(figures.target),
                          Reports::coefficientLines(figures.coefficients),
-                         Reports::percent(figures.reached.whiteKept).text,
+                         Reports::percent(figures.corners.whiteKept).text,
                          Reports::percent(figures.coverageXy.covered).text,
                          Reports::percent(figures.coverageXy.ratio).text) +
-                Reports::reachTable(figures).toText() + correction.warning(),
+                Reports::reachTable(figures).toText() + QLatin1Char('\n') + Reports::reachText(figures) +
+                QLatin1Char('\n') + correction.warning(),
             correction.toJson()};
 }
 

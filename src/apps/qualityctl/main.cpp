@@ -13,7 +13,7 @@ namespace {
 
 constexpr char footer[] = R"(Examples:
   qualityctl calibrate --measured examples/measured-gamut.json --target rec709 --out out
-  qualityctl verify out --max-de 3
+  qualityctl verify out
   qualityctl wall show
   qualityctl send gray --table examples/gray-table.csv --frequency 60
   qualityctl send mode --correction on --json

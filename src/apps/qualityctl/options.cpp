@@ -76,6 +76,16 @@ void addChartFile(CLI::App& command, std::string& file, bool& force)
     command.add_flag("--force", force, "Replace a file that is there");
 }
 
+void addAcceptance(CLI::App& command, Calibration::Acceptance& acceptance)
+{
+    command
+        .add_option("--max-de", acceptance.maxDifference,
+                    "Largest CIEDE2000 of corners and grays from the nearest colours that the LEDs reach")
+        ->check(finiteNumber(0.0, 1000.0))
+        ->capture_default_str();
+    command.add_flag("--strict", acceptance.isStrict, "Count colours out of the LEDs' reach: compare with the target");
+}
+
 Calibration::HubAddress HubArgument::address() const
 {
     return {host.empty() ? QStringLiteral("127.0.0.1") : QString::fromStdString(host), static_cast<quint16>(port),

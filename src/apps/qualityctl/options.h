@@ -2,6 +2,7 @@
 
 #include <calibration/content.h>
 #include <calibration/hubclient.h>
+#include <calibration/verdict.h>
 
 #include <string>
 
@@ -52,6 +53,9 @@ void addBinary(CLI::App& command, std::string& binary, bool required);
 void addOutputFolder(CLI::App& command, std::string& folder, bool& force);
 /// --out for a chart, --force
 void addChartFile(CLI::App& command, std::string& file, bool& force);
+
+/// --max-de, --strict
+void addAcceptance(CLI::App& command, Calibration::Acceptance& acceptance);
 
 /// Where a hub is; without host and port one is simulated.
 struct HubArgument

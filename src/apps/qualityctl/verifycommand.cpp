@@ -11,7 +11,7 @@ namespace {
 struct VerifyArguments
 {
     std::string folder;
-    double maxDifference = 3.0; ///< CIEDE2000
+    Calibration::Acceptance acceptance;
 };
 
 CommandResult verify(const VerifyArguments& arguments, const Output& output)
@@ -19,7 +19,7 @@ CommandResult verify(const VerifyArguments& arguments, const Output& output)
     HostLog::install(output.quiet);
     const QString folder = QString::fromStdString(arguments.folder);
     const auto journal = take(Calibration::Journal::read(Calibration::journalPath(folder)));
-    const auto verification = Calibration::verify(journal, arguments.maxDifference);
+    const auto verification = Calibration::verify(journal, arguments.acceptance);
     if (!verification) {
         Fault fault = verification.fault();
         fault.subject += QLatin1Char(' ') + folder;
@@ -39,9 +39,7 @@ void addVerifyCommand(CLI::App& app, Command& chosen)
         app.add_subcommand("verify", "Compute what a calibrated wall shows, from what its cabinets hold");
     const auto arguments = std::make_shared<VerifyArguments>();
     command->add_option("folder", arguments->folder, "The calibration's folder")->required();
-    command->add_option("--max-de", arguments->maxDifference, "Largest CIEDE2000 of red, green, blue and white")
-        ->check(finiteNumber(0.0, 1000.0))
-        ->capture_default_str();
+    addAcceptance(*command, arguments->acceptance);
     command->callback(
         [&chosen, arguments] { chosen = [arguments](const Output& output) { return verify(*arguments, output); }; });
 }

@@ -60,9 +60,29 @@ std::optional<Corners> corners(const Primaries& source, const Primaries& target,
         return std::nullopt;
     const double scale = std::min(result.whiteKept, *fit); // a correction keeps luminance
     const DrivenWall exact{sourceToXyz, scaled(*correction, scale)};
-    for (std::size_t i = 0; i < cornerContents.size(); ++i)
-        result.corners[i] = cornerOf(cornerContents[i], targetToXyz, exact, real);
+    for (std::size_t i = 0; i < judgedContents.size(); ++i)
+        result.corners[i] = cornerOf(judgedContents[i], targetToXyz, exact, real);
     return result;
+}
+
+std::optional<Chromaticity> chromaticity(const Vector3& xyz)
+{
+    const double sum = rowSum(xyz);
+    if (!(sum > 0.0))
+        return std::nullopt;
+    return Chromaticity{xyz[0] / sum, xyz[1] / sum};
+}
+
+std::optional<Primaries> shownPrimaries(const Corners& corners)
+{
+    const auto shown = [&corners](std::size_t content) { return chromaticity(corners.corners[content].shown); };
+    const auto red = shown(0);
+    const auto green = shown(1);
+    const auto blue = shown(2);
+    const auto white = shown(judgedWhite);
+    if (!red || !green || !blue || !white)
+        return std::nullopt;
+    return Primaries{*red, *green, *blue, *white};
 }
 
 } // namespace Colour

@@ -1,7 +1,5 @@
 #include "correction.h"
 
-#include "colourdifference.h"
-
 #include <algorithm>
 #include <limits>
 
@@ -11,9 +9,6 @@ namespace {
 
 /// One unit less than the type holds: the adjustment of a row may add it.
 constexpr double largestEntry = (std::numeric_limits<std::int16_t>::max() - 1.0) / fullScale;
-
-/// Full red, green, blue and white.
-constexpr std::array<Vector3, 4> contents{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 1, 1}}};
 
 bool isUsable(const Chromaticity& c)
 {
@@ -30,12 +25,6 @@ std::int16_t limited(std::int64_t value)
 {
     using Limits = std::numeric_limits<std::int16_t>;
     return static_cast<std::int16_t>(std::clamp<std::int64_t>(value, Limits::min(), Limits::max()));
-}
-
-Chromaticity chromaticity(const Vector3& xyz)
-{
-    const double sum = rowSum(xyz);
-    return {xyz[0] / sum, xyz[1] / sum};
 }
 
 } // namespace
@@ -105,43 +94,6 @@ Coefficients quantised(const Matrix3& correction)
         rounded[static_cast<std::size_t>(largest - exact.begin())] +=
             toFixedPoint(rowSum(exact)) - (rounded[0] + rounded[1] + rounded[2]);
         std::transform(rounded.begin(), rounded.end(), result.data() + 3 * row, limited);
-    }
-    return result;
-}
-
-std::optional<ReachedGamut> reachedGamut(const Primaries& source, const Coefficients& coefficients)
-{
-    const auto toXyz = rgbToXyz(source);
-    if (!toXyz)
-        return std::nullopt;
-    const Matrix3 correction = toMatrix(coefficients);
-    ReachedGamut result;
-    for (std::size_t colour = 0; colour < contents.size(); ++colour) {
-        const Vector3 wanted = multiply(correction, contents[colour]);
-        const Vector3 drive = limitedDrive(wanted);
-        result.outOfReach[colour] = drive != wanted;
-        result.xyz[colour] = multiply(*toXyz, drive);
-        if (!(rowSum(result.xyz[colour]) > 0.0) || !(result.xyz[colour][1] > 0.0))
-            return std::nullopt;
-    }
-    result.primaries = {chromaticity(result.xyz[0]), chromaticity(result.xyz[1]), chromaticity(result.xyz[2]),
-                        chromaticity(result.xyz[3])};
-    result.whiteKept = result.xyz[3][1];
-    return result;
-}
-
-std::optional<std::array<double, 4>> differences(const ReachedGamut& reached, const Primaries& target)
-{
-    const auto toXyz = rgbToXyz(target);
-    if (!toXyz)
-        return std::nullopt;
-    const Vector3 white = multiply(*toXyz, Vector3{1.0, 1.0, 1.0});
-    std::array<double, 4> result{};
-    for (std::size_t colour = 0; colour < contents.size(); ++colour) {
-        Vector3 shown = reached.xyz[colour];
-        for (double& value : shown)
-            value /= reached.whiteKept;
-        result[colour] = ciede2000(toLab(multiply(*toXyz, contents[colour]), white), toLab(shown, white));
     }
     return result;
 }

@@ -65,26 +65,4 @@ SUITE_COLOUR_EXPORT std::optional<double> whiteScale(const Matrix3& correction, 
 /// a matrix scaled by whiteScale() has no such entry.
 SUITE_COLOUR_EXPORT Coefficients quantised(const Matrix3& correction);
 
-/// What coefficients make of full red, green, blue and white of the content.
-struct ReachedGamut
-{
-    Primaries primaries;    ///< their chromaticities, CIE 1931
-    double whiteKept = 0.0; ///< luminance of white over the source's luminance of white
-    /// XYZ of red, green, blue and white; Y = 1 is the source's white.
-    std::array<Vector3, 4> xyz{};
-    /// Whether red, green, blue, white needs a channel below zero or above full scale, where a wall stops.
-    std::array<bool, 4> outOfReach{};
-};
-
-/// The gamut that a wall of the primaries `source` really shows with these coefficients; channels are limited to
-/// 0..full scale, as a wall limits them. Nothing where the source is no RGB system or where red, green, blue or white
-/// comes out without light.
-SUITE_COLOUR_EXPORT std::optional<ReachedGamut> reachedGamut(const Primaries& source, const Coefficients& coefficients);
-
-/// CIEDE2000 of red, green, blue and white between a reached gamut and the target. Luminance is relative to each one's
-/// own white, so that a wall that is only dimmer differs by nothing; L*a*b* is taken beside the target's white. Nothing
-/// where the target is no RGB system.
-SUITE_COLOUR_EXPORT std::optional<std::array<double, 4>> differences(const ReachedGamut& reached,
-                                                                     const Primaries& target);
-
 } // namespace Colour

@@ -1,7 +1,7 @@
 #include "colourgamuts.h"
 #include <suite/colour/adapterquali.h>
 #include <suite/colour/colourdifference.h>
-#include <suite/colour/correction.h>
+#include <suite/colour/corners.h>
 #include <suite/colour/coverage.h>
 
 #include <QTest>
@@ -184,11 +184,10 @@ private Q_SLOTS:
                 const Coefficients q = adapted(source.primaries, target.primaries).coefficients;
                 const auto sums = rowSums(q);
                 QCOMPARE(*std::max_element(sums.begin(), sums.end()), fullScale);
-                const auto reached = reachedGamut(source.primaries, q);
-                QVERIFY(reached);
-                QVERIFY(!reached->outOfReach[3]);
-                QVERIFY(isNear(reached->primaries.white.x, target.primaries.white.x, 2e-4));
-                QVERIFY(isNear(reached->primaries.white.y, target.primaries.white.y, 2e-4));
+                const auto white = corners(source.primaries, target.primaries, q)->corners[judgedWhite];
+                QVERIFY(white.outOfReach < 1e-9);
+                QVERIFY(isNear(chromaticity(white.shown)->x, target.primaries.white.x, 2e-4));
+                QVERIFY(isNear(chromaticity(white.shown)->y, target.primaries.white.y, 2e-4));
             }
         }
     }
@@ -201,7 +200,7 @@ private Q_SLOTS:
         QCOMPARE(figures.coefficients,
                  (Coefficients{32765, -16872, -5974, -10185, 27112, -7008, -10499, -8758, 29176}));
         QCOMPARE(adapted(narrow, gamut("bt2020"), 1.0, 100.0, 50.0).coefficients, figures.coefficients);
-        QVERIFY((*differences(*reachedGamut(narrow, figures.coefficients), gamut("bt2020")))[3] < 0.01);
+        QVERIFY(corners(narrow, gamut("bt2020"), figures.coefficients)->corners[judgedWhite].difference < 0.01);
         std::mt19937 random(20261121); // NOLINT: the same cases in every run
         std::uniform_real_distribution<double> shift(-0.01, 0.01);
         for (int i = 0; i < 2000; ++i) {
@@ -250,20 +249,6 @@ private Q_SLOTS:
         }
     }
 
-    void theReachedGamutStopsAtTheWallsLimits()
-    {
-        const Coefficients toBt2020 = adapted(led, gamut("bt2020")).coefficients;
-        const auto wide = *reachedGamut(led, toBt2020);
-        QVERIFY(wide.outOfReach[0] && wide.outOfReach[1] && wide.outOfReach[2]);
-        QVERIFY(isNear(wide.primaries.red.x, led.red.x, 0.01));
-        const auto within = *reachedGamut(gamut("bt2020"), adapted(gamut("bt2020"), gamut("rec709")).coefficients);
-        QCOMPARE(within.outOfReach, (std::array<bool, 4>{}));
-        const auto small = *differences(within, gamut("rec709"));
-        QVERIFY(*std::max_element(small.begin(), small.end()) < 0.05);
-        QVERIFY((*differences(wide, gamut("bt2020")))[1] > 3.0);
-        QVERIFY(!reachedGamut(led, {})); // no light
-    }
-
     void whatMakesNoRgbSystemGivesZeros_data()
     {
         QTest::addColumn<Primaries>("broken");
@@ -290,7 +275,7 @@ private Q_SLOTS:
             QCOMPARE(figures.first > 0.0, isCovered);
             QCOMPARE(figures.second > 0.0 && figures.second <= 1.0, isCovered);
         }
-        QVERIFY(!reachedGamut(broken, adapted(led, led).coefficients));
+        QVERIFY(!corners(broken, led, adapted(led, led).coefficients));
     }
 
     void randomPairsStayWithinRange()
@@ -315,8 +300,8 @@ private Q_SLOTS:
             QVERIFY(figures.second >= 0.0 && figures.second <= 1.0);
             for (const int sum : rowSums(figures.coefficients))
                 QVERIFY(figures.coefficients == Coefficients{} || (sum > 0 && sum <= fullScale));
-            if (const auto reached = reachedGamut(source, figures.coefficients)) {
-                QVERIFY(std::isfinite(reached->primaries.white.x) && std::isfinite(reached->whiteKept));
+            if (const auto judged = corners(source, target, figures.coefficients)) {
+                QVERIFY(std::isfinite(judged->corners[judgedWhite].difference) && std::isfinite(judged->whiteKept));
             }
         }
     }

@@ -51,11 +51,36 @@ private Q_SLOTS:
         QFETCH(SevenFigures, difference);
         const auto found = corners(led, gamut(target), coefficients);
         QVERIFY(found);
-        for (std::size_t i = 0; i < found->corners.size(); ++i) {
+        for (std::size_t i = 0; i < outOfReach.size(); ++i) {
             QVERIFY(isNear(found->corners[i].outOfReach, outOfReach[i], 1e-7));
             QVERIFY(isNear(found->corners[i].notHeld, notHeld[i], 1e-7));
             QVERIFY(isNear(found->corners[i].difference, difference[i], 1e-7));
         }
+        for (std::size_t gray = judgedWhite + 1; gray < judgedContents.size(); ++gray) { // white's colour, but darker
+            QVERIFY(isNear(found->corners[gray].target[1], judgedContents[gray][0], 1e-12));
+            QVERIFY(isNear(found->corners[gray].shown[1], judgedContents[gray][0], 1e-12));
+            QVERIFY(found->corners[gray].difference <= found->corners[judgedWhite].difference);
+        }
+    }
+
+    void aGrayThatIsAsBrightAsWhiteIsNotHeld()
+    {
+        const auto steep = *corners(led, led, {32767, 0, 0, 0, 32767, 0, 0, 0, 32767});
+        QVERIFY(isNear(steep.corners[judgedWhite].difference, 0.0, 1e-9));
+        QVERIFY(isNear(steep.corners[judgedWhite + 1].shown[1], 1.0, 1e-9)); // 0.75, driven to 1.5
+        QVERIFY(steep.corners[judgedWhite + 1].notHeld > 5.0);
+    }
+
+    void aWideWallReachesEverythingAndANarrowOneItsOwn()
+    {
+        const auto within =
+            *corners(gamut("bt2020"), gamut("rec709"), quantised(*correctionMatrix(gamut("bt2020"), gamut("rec709"))));
+        for (const Corner& corner : within.corners)
+            QVERIFY(corner.outOfReach < 1e-9 && corner.difference < 0.05);
+        const auto wide = *corners(led, gamut("bt2020"), {16369, -113, 128, -407, 17908, -1331, -84, -775, 12553});
+        QVERIFY(isNear(shownPrimaries(wide)->red.x, led.red.x, 0.01));
+        QVERIFY(isNear(shownPrimaries(wide)->white.y, 0.3290, 2e-4));
+        QVERIFY(!shownPrimaries(*corners(led, led, {0, 0, 0, 0, 16384, 0, 0, 0, 0}))); // red gives no light
     }
 
     void aDimmerCorrectionReachesMore()
