@@ -36,14 +36,18 @@ QString difference(const Verdict& verdict)
 {
     if (std::isinf(verdict.worst))
         return QStringLiteral(", on which white gives no light");
-    const QString from = verdict.isStrict ? QStringLiteral(" from the target") : QString();
-    const bool isWithin = verdict.worst <= verdict.limit;
-    return (isWithin ? QStringLiteral(", CIEDE2000%1 at most %2 of %3")
-                     : QStringLiteral(", CIEDE2000%1 up to %2, above %3"))
-        .arg(from, QString::number(verdict.worst, 'f', 2), limitText(verdict.limit));
+    return QStringLiteral(", CIEDE2000%1 %2")
+        .arg(verdict.isStrict ? QStringLiteral(" from the target") : QString(),
+             differenceText(verdict.worst, verdict.limit));
 }
 
 } // namespace
+
+QString differenceText(double worst, double limit)
+{
+    const QString format = worst <= limit ? QStringLiteral("at most %1 of %2") : QStringLiteral("up to %1, above %2");
+    return format.arg(QString::number(worst, 'f', 2), limitText(limit));
+}
 
 QString Verdict::sentence() const
 {

@@ -13,6 +13,9 @@ struct Acceptance
     bool isStrict = false;
 };
 
+/// "at most 0.01 of 1.0", or "up to 4.21, above 1.0".
+QString differenceText(double worst, double limit);
+
 /// What a calibration came to.
 struct Verdict
 {

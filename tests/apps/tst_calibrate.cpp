@@ -67,6 +67,10 @@ private Q_SLOTS:
         QVERIFY(verified["simulated"].toBool() && verified.value("verdict")["passed"].toBool());
         for (const char* figure : {"coverage_xy", "coverage_uv", "area_ratio_xy", "simulated", "verdict"})
             QCOMPARE(verified[figure], done.json()[figure]);
+        const Run uncorrected = run({"verify", out(), "--measured", "readings.ti3", "--json"});
+        const QJsonObject after = uncorrected.json().value("after").toObject();
+        QVERIFY(uncorrected.exitCode == 1 && after["instrument"] == "Spectroradiometer at 5 m");
+        QVERIFY(qAbs(after.value("points")[0]["after_cd_m2"].toDouble() - 809.05) < 1.0);
     }
 
     void aThirdGenerationIsServedThroughAHub()

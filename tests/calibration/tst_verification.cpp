@@ -133,6 +133,63 @@ private Q_SLOTS:
         QTEST(judged.faults, "faults");
     }
 
+    void aMeasurementAfterwardsIsCompared_data()
+    {
+        QTest::addColumn<double>("whiteLuminance");
+        QTest::addColumn<double>("blueFactor"); ///< of what was computed
+        QTest::addColumn<bool>("isStrict");
+        QTest::addColumn<QString>("sentence");
+        QTest::newRow("as computed, darker")
+            << 2500.0 << 1.0 << false
+            << "PASSED: measured afterwards, CIEDE2000 from what was computed at most 0.00 of 1.0";
+        QTest::newRow("as computed, in ratios")
+            << 0.0 << 1.0 << false
+            << "PASSED: measured afterwards, CIEDE2000 from what was computed at most 0.00 of 1.0";
+        QTest::newRow("as computed, blue counts")
+            << 0.0 << 1.0 << true << "DIFFERS: measured afterwards, CIEDE2000 from the target up to 10.26, above 1.0";
+        QTest::newRow("dark blue")
+            << 2500.0 << 0.6 << false
+            << "DIFFERS: measured afterwards, CIEDE2000 from what was computed up to 7.84, above 1.0";
+        QTest::newRow("no blue")
+            << 2500.0 << 0.0 << false
+            << "BadData: measurement afterwards, blue: expected luminances of it and of white above "
+               "0, found none";
+    }
+
+    void aMeasurementAfterwardsIsCompared()
+    {
+        QFETCH(double, whiteLuminance);
+        QFETCH(double, blueFactor);
+        QFETCH(bool, isStrict);
+        // Most cabinets hold the right integers.
+        const auto judged = judge(m_content.measured, m_content.target,
+                                  {record("a", {1, {}, false}), record("b", {2, m_right, true})}, {});
+        auto measurement = measurementOf(*judged.judgements.back().figures, whiteLuminance);
+        measurement.patches.points[2].mean.lum *= blueFactor;
+        const auto after = compareAfter(judged, measurement, {1.0, isStrict});
+        QTEST(after ? after->sentence() : faultText(after), "sentence");
+        if (!after)
+            return;
+        const ComparedPoint& white = after->points[3];
+        QVERIFY(qAbs(white.computed.luminance - 0.95364 * 3120.0) < 0.1 && white.before.luminance == 3120.0);
+        QVERIFY(qAbs(white.after.luminance - whiteLuminance) < 1e-9);
+        QVERIFY(qAbs(*white.beforeToTarget - 13.426) < 1e-3 && white.uvAfterToComputed < 1e-9);
+        QVERIFY(qAbs(after->points[2].uvAfterToTarget - 0.0554) < 1e-4);
+    }
+
+    void withoutLuminanceNothingIsSaidOfBefore()
+    {
+        auto measured = m_content.measured;
+        measured.wLxy.lum = 0.0;
+        auto judged = judge(measured, m_content.target, {record("a", {2, m_right, true})}, {});
+        const auto measurement = measurementOf(*judged.judgements.front().figures, 0.0);
+        const auto after = good(compareAfter(judged, measurement, {}));
+        QVERIFY(!after.points[0].beforeToTarget && after.points[0].computed.luminance == 0.0);
+        judged.judgements.clear();
+        QCOMPARE(faultText(compareAfter(judged, measurement, {})),
+                 QString("BadData: calibration: no cabinet is known to show light"));
+    }
+
     void aJournalThatNamesNoDeviceIsNone()
     {
         const QString path = writeFile(m_folder.filePath("journal"), "{\"inputs\":{\"x\":1}}\n");

@@ -1,5 +1,6 @@
 #include "support/calibrationsetup.h"
 #include "support/filesizelimit.h"
+#include <reports/afterreport.h>
 #include <reports/calibrationreport.h>
 #include <reports/explanation.h>
 #include <reports/figuresreport.h>
@@ -139,6 +140,23 @@ private Q_SLOTS:
         QCOMPARE(json["shown"].toArray().size(), 1);
         QCOMPARE(json["coverage_uv"], toJson(m_figures)["coverage_uv"]);
         QVERIFY(!json.value("verdict")["passed"].toBool() && json["simulated"] == false);
+    }
+
+    void whatWasNotMeasuredIsNotSaid()
+    {
+        const auto records = failedRun(m_content).records;
+        const auto judged = Calibration::judge(m_content.measured, m_content.target, records, {});
+        for (const double white : {0.0, 2500.0}) {
+            const auto measurement = measurementOf(m_figures, white);
+            const auto after = good(Calibration::compareAfter(judged, measurement, {}));
+            const QString text = toText(after, measurement);
+            QVERIFY2(text.contains(white > 0.0 ? "\nwhite  3120.00  2975.37   2500.00\n"
+                                               : "\nwhite  3120.00  2975.37   -\n"),
+                     qPrintable(text));
+            const QJsonValue last = toJson(after, measurement).value("points")[3];
+            QVERIFY(last["after_cd_m2"].toDouble() == white && last["after_cd_m2"].isUndefined() == (white == 0.0));
+            QVERIFY(qAbs(last["target_xy"][1].toDouble() - 0.329) < 1e-9);
+        }
     }
 
     void aSendingSaysWhatTheCabinetsHold()

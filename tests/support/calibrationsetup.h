@@ -2,7 +2,7 @@
 
 #include "support/testfiles.h"
 #include "support/walldocument.h"
-#include <calibration/figures.h>
+#include <calibration/aftermeasurement.h>
 #include <calibration/gamut.h>
 #include <calibration/graytable.h>
 #include <calibration/run.h>
@@ -81,6 +81,23 @@ inline Calibration::Content exampleContent(const QString& table = EXAMPLES "/gra
     content.table = good(Calibration::parseGrayTable(*content.tableFile, 60));
     content.binary = good(Calibration::readInput(EXAMPLES "/receiving-card.bin", "binary"));
     return content;
+}
+
+/// What an instrument would find of such figures, if that were a white of so many cd/m2; 0: it gives ratios only.
+inline Calibration::Measurement measurementOf(const Calibration::Figures& figures, double whiteLuminance)
+{
+    Calibration::Measurement measurement;
+    const std::array points{&measurement.gamut.rLxy, &measurement.gamut.gLxy, &measurement.gamut.bLxy,
+                            &measurement.gamut.wLxy};
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const Colour::Vector3& shown = figures.corners.corners[i < 3 ? i : Colour::judgedWhite].shown;
+        const Colour::Chromaticity xy = *Colour::chromaticity(shown);
+        *points[i] = {shown[1] * whiteLuminance, xy.x, xy.y, {}};
+        measurement.patches.points[i].mean = {
+            shown[1] * (whiteLuminance > 0.0 ? whiteLuminance : 100.0), xy.x, xy.y, {}};
+    }
+    measurement.gamut.name = "afterwards";
+    return measurement;
 }
 
 /// A calibration of the wall in `folder`.

@@ -1,7 +1,9 @@
 #include "commands.h"
 #include "hostlog.h"
 #include "options.h"
+#include <calibration/aftermeasurement.h>
 #include <calibration/folder.h>
+#include <reports/afterreport.h>
 #include <reports/calibrationreport.h>
 
 #include <CLI/CLI.hpp>
@@ -11,8 +13,24 @@ namespace {
 struct VerifyArguments
 {
     std::string folder;
+    std::string measured; ///< a measurement made afterwards; empty: none
     Calibration::Acceptance acceptance;
 };
+
+/// Adds what a measurement that was made afterwards says; its fault, where there is one.
+std::optional<Fault> compareAfter(const VerifyArguments& arguments, const Calibration::Verification& verification,
+                                  CommandResult& result)
+{
+    const auto input =
+        take(Calibration::readInput(QString::fromStdString(arguments.measured), QStringLiteral("measurement")));
+    const auto measurement = take(Calibration::parseMeasurement(input));
+    const auto after = take(Calibration::compareAfter(verification, measurement, arguments.acceptance));
+    result.text += QLatin1Char('\n') + Reports::toText(after, measurement);
+    result.json.insert(QStringLiteral("after"), Reports::toJson(after, measurement));
+    if (after.isPassed())
+        return std::nullopt;
+    return Fault{Fault::Kind::Difference, input.subject(), {}, after.sentence()};
+}
 
 CommandResult verify(const VerifyArguments& arguments, const Output& output)
 {
@@ -28,6 +46,10 @@ CommandResult verify(const VerifyArguments& arguments, const Output& output)
     CommandResult result{Reports::toText(*verification), Reports::toJson(*verification)};
     if (!verification->faults.isEmpty())
         result.error = Fault{Fault::Kind::Difference, {}, {}, verification->faults.join(QStringLiteral("; "))};
+    if (!arguments.measured.empty()) {
+        const auto fault = compareAfter(arguments, *verification, result);
+        result.error = result.error ? result.error : fault;
+    }
     return result;
 }
 
@@ -39,6 +61,8 @@ void addVerifyCommand(CLI::App& app, Command& chosen)
         app.add_subcommand("verify", "Compute what a calibrated wall shows, from what its cabinets hold");
     const auto arguments = std::make_shared<VerifyArguments>();
     command->add_option("folder", arguments->folder, "The calibration's folder")->required();
+    command->add_option("--measured", arguments->measured,
+                        "A measurement of the calibrated wall, to be compared with target and computed colours");
     addAcceptance(*command, arguments->acceptance);
     command->callback(
         [&chosen, arguments] { chosen = [arguments](const Output& output) { return verify(*arguments, output); }; });
