@@ -1,5 +1,7 @@
 #include "table.h"
 
+#include "markup_p.h"
+
 #include <QJsonObject>
 
 #include <algorithm>
@@ -30,11 +32,19 @@ QString lineOf(const Row& row, const std::vector<int>& widths)
     return text + QLatin1Char('\n');
 }
 
-QString htmlRow(const Row& row, const QString& tag)
+constexpr int longText = 24; // characters; what is longer is a sentence, a digest or a path
+
+QString htmlRow(const Row& row, const std::vector<bool>& areNumbers, const QString& tag)
 {
     QString html = QStringLiteral("<tr>");
-    for (const QString& cell : row)
-        html += QStringLiteral("<%1>%2</%1>").arg(tag, cell.toHtmlEscaped());
+    for (std::size_t column = 0; column < row.size(); ++column) {
+        QString opening = tag;
+        if (areNumbers[column])
+            opening += QStringLiteral(" class=\"number\"");
+        else if (row[column].size() > longText)
+            opening += QStringLiteral(" class=\"long\"");
+        html += QStringLiteral("<%1>%2</%3>").arg(opening, escaped(row[column]), tag.section(QLatin1Char(' '), 0, 0));
+    }
     return html + QStringLiteral("</tr>\n");
 }
 
@@ -60,6 +70,18 @@ Cell identifier(unsigned long long number)
     constexpr unsigned long long maxExact = 1ULL << 53;
     const QString text = QString::number(number);
     return {text, number <= maxExact ? QJsonValue(static_cast<double>(number)) : QJsonValue(text)};
+}
+
+bool Table::holdsNumbers(std::size_t column) const
+{
+    bool hasOne = false;
+    for (const auto& row : m_rows) {
+        const Cell& cell = row.at(column);
+        hasOne = hasOne || cell.value.isDouble();
+        if (!cell.value.isDouble() && !cell.text.isEmpty() && cell.text != QLatin1String("-"))
+            return false;
+    }
+    return hasOne;
 }
 
 std::vector<Row> Table::texts() const
@@ -107,10 +129,16 @@ QJsonArray Table::toJson() const
 QString Table::toHtml() const
 {
     const auto rows = texts();
-    QString html =
-        QStringLiteral("<table>\n<thead>\n%1</thead>\n<tbody>\n").arg(htmlRow(rows.front(), QStringLiteral("th")));
+    std::vector<bool> areNumbers;
+    for (std::size_t column = 0; column < m_columns.size(); ++column) {
+        if (!m_columns[column].heading.isEmpty())
+            areNumbers.push_back(holdsNumbers(column));
+    }
+    QString html = QStringLiteral("<table>\n<thead>\n") +
+                   htmlRow(rows.front(), areNumbers, QStringLiteral("th scope=\"col\"")) +
+                   QStringLiteral("</thead>\n<tbody>\n");
     for (std::size_t row = 1; row < rows.size(); ++row)
-        html += htmlRow(rows[row], QStringLiteral("td"));
+        html += htmlRow(rows[row], areNumbers, QStringLiteral("td"));
     return html + QStringLiteral("</tbody>\n</table>\n");
 }
 

@@ -50,10 +50,13 @@ public:
     QString toText() const;
     /// An object per row.
     QJsonArray toJson() const;
-    /// A <table>, its texts escaped.
+    /// A <table>, its texts escaped. Cells have the class "number" in a column of numbers, else "long" where a text
+    /// may need more than one line.
     QString toHtml() const;
 
 private:
+    /// Whether each cell is a number in JSON, but for empty ones and dashes.
+    bool holdsNumbers(std::size_t column) const;
     /// Headings, then rows, of the columns that have a heading.
     std::vector<std::vector<QString>> texts() const;
 

@@ -34,7 +34,7 @@ private Q_SLOTS:
             << Rows{{QString("left wall"), decimal(0.12345, 2), 7, QString("x")}}
             << "name       time    shown\n---------  ------  -----\nleft wall  0.12 s  x\n"
             << QByteArray("[{\"hidden\":7,\"name\":\"left wall\",\"seconds\":0.12345}]")
-            << "<tr><td>left wall</td><td>0.12 s</td><td>x</td></tr>\n";
+            << "<tr><td>left wall</td><td class=\"number\">0.12 s</td><td>x</td></tr>\n";
         QTest::newRow("what would be markup or a place for an argument")
             << Rows{{QString("<b>&%1\"%2"), {"1", QJsonValue::Undefined}, flag(true, {}, {}), QString()}}
             << "name       time  shown\n---------  ----  -----\n<b>&%1\"%2  1 s\n"
@@ -49,9 +49,9 @@ private Q_SLOTS:
         const Table shown = table(rows);
         QTEST(shown.toText(), "text");
         QTEST(QJsonDocument(shown.toJson()).toJson(QJsonDocument::Compact), "json");
-        QCOMPARE(shown.toHtml(),
-                 "<table>\n<thead>\n<tr><th>name</th><th>time</th><th>shown</th></tr>\n</thead>\n<tbody>\n" + body +
-                     "</tbody>\n</table>\n");
+        QVERIFY(shown.toHtml().startsWith("<table>\n<thead>\n<tr><th scope=\"col\">name</th><th scope=\"col\""));
+        const QString end = shown.toHtml().section("</thead>\n", 1);
+        QCOMPARE(end, "<tbody>\n" + body + "</tbody>\n</table>\n");
         QCOMPARE(shown.isEmpty(), rows.empty());
     }
 
