@@ -1,6 +1,7 @@
 #pragma once
 
 #include <reports/table.h>
+#include <suite/common/result.h>
 
 #include <QByteArray>
 
@@ -47,7 +48,7 @@ struct Facts
     std::vector<std::pair<QString, QString>> pairs;
 };
 
-/// A table that HTML shows when its summary is opened, and whole in print.
+/// A table that HTML shows when its summary is opened, and whole in print; PDF has it whole below the summary.
 struct FoldedTable
 {
     QString summary; ///< "197 devices hold everything"
@@ -83,5 +84,11 @@ struct Document
 /// One file of HTML, without scripts; it forbids the browser to fetch anything. Good on a phone, in dark mode and in
 /// print. Begins with "<!DOCTYPE html>\n". Any thread.
 QByteArray toHtml(const Document& document);
+
+/// A4 pages, each with the verdict's word, title and number at its foot; no page ends within a row or below a heading,
+/// and tables repeat their heads. Texts can be selected; charts are vectors, their texts outlines. Needs a
+/// QGuiApplication (the offscreen platform will do), on whose thread it is called. Faults: unavailable (no font is
+/// installed); internal.
+Common::Result<QByteArray> toPdf(const Document& document);
 
 } // namespace Reports

@@ -1,4 +1,5 @@
 #include <reports/document.h>
+#include <reports/pages_p.h>
 
 #include <QGuiApplication>
 #include <QTest>
@@ -38,6 +39,17 @@ QByteArrayList active(const QByteArray& html)
     return found;
 }
 
+QByteArray pdf(const Document& document)
+{
+    const auto result = toPdf(document);
+    return result ? *result : QByteArray();
+}
+
+int pages(const QByteArray& pdf)
+{
+    return pdf.count("/Type /Page\n");
+}
+
 } // namespace
 
 class DocumentTest : public QObject
@@ -73,7 +85,8 @@ private Q_SLOTS:
         QXmlStreamReader xml(html);
         while (!xml.atEnd())
             xml.readNext();
-        QVERIFY2(!xml.hasError(), qPrintable(xml.errorString())); // every element ends where it should
+        QVERIFY2(!xml.hasError(), qPrintable(xml.errorString()));       // every element ends where it should
+        QCOMPARE(pages(pdf(document(blocks, Mark::Open, hostile))), 1); // line breaks would fill two
     }
 
     void theVerdictComesFirst_data()
@@ -113,6 +126,62 @@ private Q_SLOTS:
                 html.contains("<th scope=\"col\" class=\"number\">time"));
         QCOMPARE(html.count("aria-label=\"c\" viewBox=\"0 0 40 30\"><rect"), 1);
         QVERIFY(html.contains("<figure>\n<figcaption>d")); // what is no drawing leaves its caption
+    }
+
+    void pagesEndBetweenPieces_data()
+    {
+        QTest::addColumn<QVector<int>>("heights"); ///< of pieces; a negative one stays with its next
+        QTest::addColumn<int>("rows");             ///< so many pieces at the end are rows, whose head is 1 high
+        QTest::addColumn<QVector<int>>("ends");    ///< of the pages' bodies
+        using Numbers = QVector<int>;
+        QTest::newRow("nothing") << Numbers{} << 0 << Numbers{};
+        QTest::newRow("just full") << Numbers{4, 6} << 0 << Numbers{10};
+        QTest::newRow("what is cut moves as a whole") << Numbers{4, 4, 4, 4} << 0 << Numbers{8, 16};
+        QTest::newRow("so do headings with what they head") << Numbers{4, -2, -2, 4, 4} << 0 << Numbers{4, 12, 16};
+        QTest::newRow("headings and nothing else") << Numbers{-4, -4, -4} << 0 << Numbers{8, 12};
+        QTest::newRow("higher than a page") << Numbers{4, -2, 25, 4} << 0 << Numbers{4, 6, 16, 26, 31, 35};
+        QTest::newRow("rows leave room for their head") << Numbers{4, 6, 5, 5, 5} << 3 << Numbers{10, 15, 20, 25};
+    }
+
+    void pagesEndBetweenPieces()
+    {
+        QFETCH(QVector<int>, heights);
+        QFETCH(int, rows);
+        std::vector<Piece> pieces;
+        double top = 0.0;
+        for (int i = 0; i < heights.size(); ++i) {
+            const Strip head = i < heights.size() - rows ? Strip{} : Strip{4.0, 5.0};
+            pieces.push_back({{top, top + qAbs(heights[i])}, heights[i] < 0, head});
+            top += qAbs(heights[i]);
+        }
+        QVector<int> ends;
+        double end = 0.0;
+        for (const Page& page : pagesOf(pieces, 10.0)) {
+            QCOMPARE(page.body.top, end); // nothing is lost, nothing twice
+            end = page.body.bottom;
+            ends << int(end);
+        }
+        QTEST(ends, "ends");
+    }
+
+    void aPdfHasThePagesThatItNeeds_data()
+    {
+        QTest::addColumn<std::vector<Block>>("blocks");
+        QTest::addColumn<int>("expected");
+        using Blocks = std::vector<Block>;
+        QTest::newRow("nothing but a verdict") << Blocks{} << 1;
+        QTest::newRow("a paragraph goes on from page to page")
+            << Blocks{Paragraph{QString("word ").repeated(4000)}} << 3;
+        QTest::newRow("charts, two beside each other")
+            << Blocks{Drawings{std::vector<Drawing>(8, {chartSvg, "c"})}} << 2;
+    }
+
+    void aPdfHasThePagesThatItNeeds()
+    {
+        QFETCH(std::vector<Block>, blocks);
+        const QByteArray written = pdf(document(blocks));
+        QVERIFY(written.startsWith("%PDF"));
+        QTEST(pages(written), "expected");
     }
 };
 
