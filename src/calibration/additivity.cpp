@@ -14,12 +14,11 @@ Colour::MeasuredColour colourOf(const Model::LXY& point)
     return {{point.x, point.y}, point.lum};
 }
 
-QString textOf(const Colour::MeasuredColour& white)
+QString textOf(const Colour::MeasuredColour& white, bool isRelative)
 {
-    return QStringLiteral("%1, %2 at %3")
-        .arg(white.xy.x, 0, 'f', 4)
-        .arg(white.xy.y, 0, 'f', 4)
-        .arg(white.luminance, 0, 'f', 1);
+    return QStringLiteral("%1, %2 at %3%4")
+        .arg(QString::number(white.xy.x, 'f', 4), QString::number(white.xy.y, 'f', 4),
+             QString::number(white.luminance, 'f', 1), isRelative ? QString() : QStringLiteral(" cd/m2"));
 }
 
 } // namespace
@@ -33,11 +32,10 @@ bool Additivity::isContradiction() const
 
 QString Additivity::sentence() const
 {
-    return QStringLiteral("red, green and blue add up to white %1, white was measured as %2: %3 % of luminance, "
+    return QStringLiteral("Red, green and blue add up to white %1, white was measured as %2: %3 % of luminance, "
                           "du'v' %4")
-        .arg(textOf(sum), textOf(measured))
-        .arg(100.0 * luminance, 0, 'f', 1)
-        .arg(duvPrime, 0, 'f', 4);
+        .arg(textOf(sum, isRelative), textOf(measured, isRelative), QString::number(100.0 * luminance, 'f', 1),
+             QString::number(duvPrime, 'f', 4));
 }
 
 std::optional<Additivity> additivityOf(const Measurement& measurement)
@@ -54,6 +52,7 @@ std::optional<Additivity> additivityOf(const Measurement& measurement)
     Additivity result{colourOf(points[3].mean), *sum};
     const auto a = Colour::uvPrime(result.measured.xy);
     const auto b = Colour::uvPrime(sum->xy);
+    result.isRelative = measurement.patches.isRelative;
     result.luminance = sum->luminance / result.measured.luminance - 1.0;
     result.duvPrime = std::hypot(a.x - b.x, a.y - b.y);
     return result;

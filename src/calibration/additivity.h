@@ -9,8 +9,9 @@ namespace Calibration {
 /// wall they are one.
 struct Additivity
 {
-    Colour::MeasuredColour measured; ///< white as it was read; cd/m2, or what the readings are relative to
+    Colour::MeasuredColour measured; ///< white as it was read
     Colour::MeasuredColour sum;      ///< of red, green and blue
+    bool isRelative = false;         ///< luminances are not cd/m2, only right beside each other
     double luminance = 0.0;          ///< the sum's over the measured one's, less 1
     double duvPrime = 0.0;           ///< their distance in CIE 1976 u', v'
 

@@ -7,16 +7,6 @@
 
 namespace Calibration {
 
-QStringList ContentNames::all() const
-{
-    QStringList given;
-    for (const QString& name : {measured, target, table, binary}) {
-        if (!name.isEmpty())
-            given << name;
-    }
-    return given;
-}
-
 namespace {
 
 Result<Measurement> readLabelled(const ContentNames& names)

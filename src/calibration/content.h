@@ -4,8 +4,6 @@
 #include <calibration/input.h>
 #include <calibration/steps.h>
 
-#include <QStringList>
-
 namespace Calibration {
 
 /// What a calibration sends.
@@ -32,9 +30,6 @@ struct ContentNames
     int frequency = 60; ///< refresh frequency, Hz
     QString binary;
     bool force = false; ///< primaries that look swapped are taken all the same
-
-    /// Those that are given.
-    QStringList all() const;
 };
 
 /// A measured gamut and a target on its wall.

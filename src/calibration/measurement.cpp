@@ -6,6 +6,8 @@
 #include <calibration/gamutrequest.h>
 #include <suite/common/jsonreader.h>
 
+#include <QFileInfo>
+
 #include <algorithm>
 #include <cstring>
 
@@ -193,7 +195,7 @@ Result<Measurement> parseMeasurement(const Input& input)
     if (!made)
         return made.fault();
     if (measurement->gamut.name.empty())
-        measurement->gamut.name = input.name.toStdString();
+        measurement->gamut.name = QFileInfo(input.name).fileName().toStdString();
     return measurement;
 }
 

@@ -1,21 +1,19 @@
 #include "calibrationreport.h"
 
-#include <calibration/gamut.h>
 #include <calibration/output.h>
 #include <reports/figuresreport.h>
+#include <reports/measurementreport.h>
 #include <reports/sendreport.h>
+#include <reports/verificationreport.h>
 
-#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
-
-#include <algorithm>
-#include <cmath>
 
 namespace Reports {
 
 namespace {
 
+using Calibration::Content;
 using Calibration::DeviceRecord;
 using Calibration::Outcome;
 using Calibration::RunResult;
@@ -35,8 +33,38 @@ QString deviceFault(const DeviceRecord& record)
     return {};
 }
 
-/// A row per device: how many of its cabinets hold everything.
-Table deviceTable(const RunResult& result)
+/// What a report's title begins with, behind the verdict.
+const QString s_titleBegin = QStringLiteral("Calibration of ");
+
+Drawing drawingOf(const Charts::Chart& chart, const QString& caption)
+{
+    return {chart.toSvg(), caption};
+}
+
+/// The charts of a calibration, in the order of ReportFiles::charts().
+Drawings drawingsOf(const RunResult& result, const Content& content)
+{
+    const QString gamuts = QStringLiteral("Measured, target and reached gamut in %1");
+    Drawings drawings;
+    drawings.charts = {
+        drawingOf(correctionChart(result.figures, Charts::Plane::Xy), gamuts.arg(QStringLiteral("CIE 1931 x, y"))),
+        drawingOf(correctionChart(result.figures, Charts::Plane::UvPrime),
+                  gamuts.arg(QStringLiteral("CIE 1976 u', v'")))};
+    if (content.tableFile)
+        drawings.charts.push_back(
+            drawingOf(grayTableChart(content.table, QFileInfo(content.tableFile->name).fileName()),
+                      QStringLiteral("The gray table, with each channel's deviation from a straight line")));
+    return drawings;
+}
+
+} // namespace
+
+QString titleOf(const RunResult& result)
+{
+    return s_titleBegin + result.destination;
+}
+
+Table deviceTable(const std::vector<DeviceRecord>& records, const QStringList& resumed)
 {
     Table table({{QStringLiteral("device"), QStringLiteral("device")},
                  {QStringLiteral("cabinets"), QStringLiteral("cabinets")},
@@ -45,14 +73,14 @@ Table deviceTable(const RunResult& result)
                  {QStringLiteral("done"), QStringLiteral("result")},
                  {QStringLiteral("known"), QStringLiteral("known")},
                  {QStringLiteral("resumed"), {}}});
-    for (const DeviceRecord& record : result.records) {
+    for (const DeviceRecord& record : records) {
         int answered = 0;
         double seconds = 0.0;
         for (const Outcome& outcome : record.outcomes) {
             answered += outcome.kind == Outcome::Kind::Answered ? 1 : 0;
             seconds += outcome.seconds;
         }
-        const bool isResumed = result.resumed.contains(record.device);
+        const bool isResumed = resumed.contains(record.device);
         const QString fault = deviceFault(record);
         const QString done = isResumed ? QStringLiteral("done before") : QStringLiteral("done");
         table.add({record.device,
@@ -66,195 +94,67 @@ Table deviceTable(const RunResult& result)
     return table;
 }
 
-/// The drawing without the XML declaration, which has no place inside HTML.
-QString inlineSvg(const QByteArray& svg)
-{
-    return QString::fromUtf8(svg.mid(svg.indexOf("<svg")));
-}
-
-QString titleOf(const RunResult& result)
-{
-    return QStringLiteral("Calibration of %1").arg(result.destination);
-}
-
-constexpr char firstLine[] = "<!DOCTYPE html>\n";
-constexpr char style[] = R"(<style>
-body { font-family: sans-serif; color: #222; max-width: 64rem; margin: 2rem auto; padding: 0 1rem; }
-table { border-collapse: collapse; margin: 0.5rem 0 1.5rem; }
-th, td { text-align: left; padding: 0.25rem 1rem 0.25rem 0; border-bottom: 1px solid #ccc; }
-.charts { display: flex; flex-wrap: wrap; gap: 1rem; }
-.charts svg { width: 30rem; max-width: 100%; height: auto; }
-</style>
-)";
-
-QString section(const QString& heading, const QString& content)
-{
-    return QStringLiteral("<h2>%1</h2>\n").arg(heading) + content;
-}
-
-/// A row per device and group of its cabinets that hold the same.
-Table judgementTable(const Calibration::Verification& verification)
-{
-    Table table({{QStringLiteral("device"), QStringLiteral("device")},
-                 {QStringLiteral("cabinets"), QStringLiteral("cabinets")},
-                 {QStringLiteral("correction"), QStringLiteral("correction")},
-                 {QStringLiteral("max_ciede2000"), QStringLiteral("CIEDE2000")},
-                 {QStringLiteral("within"), QStringLiteral("result")},
-                 {QStringLiteral("known"), QStringLiteral("known")}});
-    for (const Calibration::Judgement& judgement : verification.judgements)
-        table.add({judgement.device, judgement.held.cabinets,
-                   flag(judgement.held.isOn, QStringLiteral("on"), QStringLiteral("off")),
-                   judgement.figures ? decimal(judgement.difference, 2)
-                                     : Cell(QStringLiteral("-"), QJsonValue(QJsonValue::Undefined)),
-                   flag(judgement.isWithin, QStringLiteral("ok"),
-                        judgement.figures ? QStringLiteral("ABOVE") : QStringLiteral("DARK")),
-                   wordOf(judgement.known)});
-    return table;
-}
-
-/// The figures of all cabinets, those of equal integers once.
-std::vector<std::shared_ptr<const Calibration::Figures>> distinctFigures(const Calibration::Verification& verification)
-{
-    std::vector<std::shared_ptr<const Calibration::Figures>> distinct;
-    for (const Calibration::Judgement& judgement : verification.judgements) {
-        if (judgement.figures && std::find(distinct.begin(), distinct.end(), judgement.figures) == distinct.end())
-            distinct.push_back(judgement.figures);
-    }
-    return distinct;
-}
-
-/// How the journal knows what the cabinets held, for people.
-QString source(const Calibration::Verdict& verdict)
-{
-    QStringList how;
-    if (verdict.holding > 0)
-        how << wordOf(verdict.known);
-    if (verdict.isSimulated)
-        how << QStringLiteral("simulated");
-    return QStringLiteral("From the journal: what the cabinets held when they were served") +
-           (how.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(how.join(QStringLiteral(", "))));
-}
-
-} // namespace
-
-QString toText(const RunResult& result)
+QString toText(const RunResult& result, const Content& content)
 {
     const Calibration::Figures& figures = result.figures;
     QString text = titleOf(result) + QLatin1String("\n\n") + result.verification.verdict.sentence() +
-                   QLatin1String("\n\n") + figuresTable(figures).toText() + QLatin1Char('\n') +
-                   reachTable(figures).toText() + QLatin1Char('\n') + reachText(figures) + QLatin1String("\n\n") +
-                   deviceTable(result).toText() + QLatin1String("\nWritten:\n");
+                   QLatin1String("\n\n") + warningLine(additivityWarning(content.measurement, content.white)) +
+                   figuresTable(figures).toText() + QLatin1Char('\n') + reachTable(figures).toText() +
+                   QLatin1Char('\n') + reachText(figures) + QLatin1String("\n\n") +
+                   deviceTable(result.records, result.resumed).toText() + QLatin1String("\nWritten:\n");
     for (const QString& file : result.files)
         text += QStringLiteral("  %1\n").arg(file);
     return text;
 }
 
-QJsonObject toJson(const RunResult& result)
+QJsonObject toJson(const RunResult& result, const Content& content)
 {
     QJsonObject object = toJson(result.figures);
+    object.insert(QStringLiteral("additivity"), additivityJson(content.measurement, content.white));
     object.insert(QStringLiteral("destination"), result.destination);
     object.insert(QStringLiteral("simulated"), result.verification.verdict.isSimulated);
     object.insert(QStringLiteral("verdict"), toJson(result.verification.verdict));
-    object.insert(QStringLiteral("devices"), deviceTable(result).toJson());
+    object.insert(QStringLiteral("devices"), deviceTable(result.records, result.resumed).toJson());
     object.insert(QStringLiteral("results"), outcomeTable(result.outcomes()).toJson());
     object.insert(QStringLiteral("files"), QJsonArray::fromStringList(result.files));
     return object;
 }
 
-QByteArray toHtml(const RunResult& result, const QList<QByteArray>& charts)
-{
-    QString drawings;
-    for (const QByteArray& chart : charts)
-        drawings += inlineSvg(chart);
-    QString files;
-    for (const QString& file : result.files)
-        files += QStringLiteral("<li>%1</li>\n").arg(file.toHtmlEscaped());
-    // Pieced together: a name may hold what arg() would take for a place of its own.
-    const QString title = titleOf(result).toHtmlEscaped();
-    const QString html =
-        QString::fromLatin1(firstLine) +
-        QStringLiteral("<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n<title>") + title +
-        QStringLiteral("</title>\n") + QString::fromLatin1(style) + QStringLiteral("</head>\n<body>\n<h1>") + title +
-        QStringLiteral("</h1>\n<p>") + QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm")) +
-        QStringLiteral("</p>\n") + section(QStringLiteral("Correction"), figuresTable(result.figures).toHtml()) +
-        section(QStringLiteral("What the wall reaches"), reachTable(result.figures).toHtml()) +
-        QStringLiteral("<div class=\"charts\">\n") + drawings + QStringLiteral("</div>\n") +
-        section(QStringLiteral("Devices"), deviceTable(result).toHtml() + outcomeTable(result.outcomes()).toHtml()) +
-        section(QStringLiteral("Files"), QStringLiteral("<ul>\n") + files + QStringLiteral("</ul>\n"));
-    return (html + QStringLiteral("</body>\n</html>\n")).toUtf8();
-}
-
 bool isReport(const QString& path)
 {
+    constexpr qint64 headBytes = 4096;
     QFile file(path);
-    return file.open(QIODevice::ReadOnly) && file.readLine() == firstLine &&
-           file.read(4096).contains("<title>Calibration of");
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray head = file.read(headBytes);
+    QByteArray wide; // as PDF has it
+    for (const char c : s_titleBegin.toLatin1())
+        wide += QByteArray(1, 0) + c;
+    return (head.startsWith("<!DOCTYPE html>") && head.contains("<title>") && head.contains(s_titleBegin.toUtf8())) ||
+           (head.startsWith("%PDF") && head.contains(wide));
 }
 
-Common::Result<void> writeReport(RunResult& result, const Calibration::Content& content, const ReportFiles& files)
+Common::Result<void> writeReport(RunResult& result, const Content& content, const ReportDetails& details,
+                                 const ReportFiles& files)
 {
-    QList<QByteArray> charts{correctionChart(result.figures, Charts::Plane::Xy).toSvg(),
-                             correctionChart(result.figures, Charts::Plane::UvPrime).toSvg()};
-    QStringList names{files.chartXy, files.chartUv};
-    if (content.tableFile) {
-        charts << grayTableChart(content.table, QFileInfo(content.tableFile->name).fileName()).toSvg();
-        names << files.chartGray;
-    }
-    for (int i = 0; i < charts.size(); ++i) {
-        const auto written = Calibration::writeOutput(names.at(i), charts.at(i));
+    const Drawings drawings = drawingsOf(result, content);
+    for (std::size_t i = 0; i < drawings.charts.size(); ++i) {
+        const QString name = files.charts.at(static_cast<int>(i));
+        const auto written = Calibration::writeOutput(name, drawings.charts[i].svg);
         if (!written)
-            return written.fault();
+            return written;
+        result.files << name;
     }
-    result.files << names << files.html;
-    return Calibration::writeOutput(files.html, toHtml(result, charts));
-}
-
-QJsonObject toJson(const Calibration::Verdict& verdict)
-{
-    QJsonObject object{{QStringLiteral("passed"), verdict.isPassed()},
-                       {QStringLiteral("sentence"), verdict.sentence()},
-                       {QStringLiteral("devices_holding_it"), verdict.holding},
-                       {QStringLiteral("devices"), verdict.devices},
-                       {QStringLiteral("max_de"), verdict.limit},
-                       {QStringLiteral("strict"), verdict.isStrict},
-                       {QStringLiteral("known"), wordOf(verdict.known)}};
-    if (verdict.holding > 0 && std::isfinite(verdict.worst))
-        object.insert(QStringLiteral("max_ciede2000"), verdict.worst);
-    return object;
-}
-
-QString toText(const Calibration::Verification& verification)
-{
-    QString text = verification.verdict.sentence() + QLatin1String("\n\n") + source(verification.verdict) +
-                   QLatin1String("\n\n") + judgementTable(verification).toText();
-    for (const auto& figures : distinctFigures(verification))
-        text += QStringLiteral("\nComputed for the coefficients %1:\n\n").arg(integersText(figures->coefficients)) +
-                reachTable(*figures).toText() + QLatin1Char('\n') + reachText(*figures) + QLatin1Char('\n');
-    return text;
-}
-
-QJsonObject toJson(const Calibration::Verification& verification)
-{
-    const QJsonArray rows = judgementTable(verification).toJson();
-    QJsonArray devices;
-    for (int i = 0; i < rows.size(); ++i) {
-        QJsonObject device = rows.at(i).toObject();
-        device.insert(QStringLiteral("coefficients"),
-                      toJson(verification.judgements.at(static_cast<std::size_t>(i)).held.coefficients));
-        devices.append(device);
-    }
-    QJsonArray shown;
-    for (const auto& figures : distinctFigures(verification))
-        shown.append(toJson(*figures));
-    QJsonObject object = coverageJson(verification.coverageXy, verification.coverageUv);
-    object.insert(QStringLiteral("measured"), verification.measured);
-    object.insert(QStringLiteral("target"), verification.target);
-    object.insert(QStringLiteral("simulated"), verification.verdict.isSimulated);
-    object.insert(QStringLiteral("source"), QStringLiteral("journal"));
-    object.insert(QStringLiteral("verdict"), toJson(verification.verdict));
-    object.insert(QStringLiteral("devices"), devices);
-    object.insert(QStringLiteral("shown"), shown);
-    return object;
+    const Document document = documentOf(result, content, details, drawings);
+    result.files << files.html;
+    const auto written = Calibration::writeOutput(files.html, toHtml(document));
+    if (!written || files.pdf.isEmpty())
+        return written;
+    const auto pages = toPdf(document);
+    if (!pages)
+        return pages.fault();
+    result.files << files.pdf;
+    return Calibration::writeOutput(files.pdf, *pages);
 }
 
 } // namespace Reports

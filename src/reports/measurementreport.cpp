@@ -25,7 +25,7 @@ QJsonObject toJson(const Colour::MeasuredColour& colour)
 }
 
 /// A number that may not be known.
-Cell known(bool isKnown, double number, int decimals)
+Cell ifKnown(bool isKnown, double number, int decimals)
 {
     return isKnown ? decimal(number, decimals) : Cell(QStringLiteral("-"), QJsonValue::Undefined);
 }
@@ -67,23 +67,31 @@ Table detailTable(const Measurement& measurement)
     return table;
 }
 
-Table pointTable(const Model::ColorGamutInfo& gamut)
+Table colourTable()
 {
-    Table table({{QStringLiteral("point"), QStringLiteral("point")},
-                 {QStringLiteral("x"), QStringLiteral("x")},
-                 {QStringLiteral("y"), QStringLiteral("y")},
-                 {QStringLiteral("luminance_cd_m2"), QStringLiteral("cd/m2")},
-                 {QStringLiteral("cct_k"), QStringLiteral("CCT, K")},
-                 {QStringLiteral("duv"), QStringLiteral("Duv")}});
+    return Table({{QStringLiteral("point"), QStringLiteral("point")},
+                  {QStringLiteral("x"), QStringLiteral("x")},
+                  {QStringLiteral("y"), QStringLiteral("y")},
+                  {QStringLiteral("luminance_cd_m2"), QStringLiteral("cd/m2")},
+                  {QStringLiteral("cct_k"), QStringLiteral("CCT, K")},
+                  {QStringLiteral("duv"), QStringLiteral("Duv")},
+                  {QStringLiteral("known"), QStringLiteral("known")}});
+}
+
+void addColour(Table& table, const QString& name, const Model::LXY& colour, bool isWhite, const QString& known)
+{
+    const auto cct = isWhite ? Colour::correlatedTemperature({colour.x, colour.y}) : std::nullopt;
+    table.add({name, decimal(colour.x, 4), decimal(colour.y, 4), ifKnown(colour.lum > 0.0, colour.lum, 1),
+               ifKnown(cct.has_value(), cct ? cct->kelvin : 0.0, 0), ifKnown(cct.has_value(), cct ? cct->duv : 0.0, 4),
+               known});
+}
+
+Table pointTable(const Model::ColorGamutInfo& gamut, const QString& known)
+{
+    Table table = colourTable();
     const auto points = Calibration::pointsOf(gamut);
-    for (std::size_t i = 0; i < points.size(); ++i) {
-        const Model::LXY& point = *points[i];
-        const bool isWhite = i + 1 == points.size();
-        const auto cct = isWhite ? Colour::correlatedTemperature({point.x, point.y}) : std::nullopt;
-        table.add({Calibration::pointName(i), decimal(point.x, 4), decimal(point.y, 4),
-                   known(point.lum > 0.0, point.lum, 1), known(cct.has_value(), cct ? cct->kelvin : 0.0, 0),
-                   known(cct.has_value(), cct ? cct->duv : 0.0, 4)});
-    }
+    for (std::size_t i = 0; i < points.size(); ++i)
+        addColour(table, Calibration::pointName(i), *points[i], i + 1 == points.size(), known);
     return table;
 }
 

@@ -13,8 +13,12 @@ Table patchTable(const Calibration::PatchTable& patches);
 /// What a file says of the measuring, as far as it does.
 Table detailTable(const Calibration::Measurement& measurement);
 
-/// Chromaticity and luminance (cd/m2) of a gamut's points, temperature and Duv of its white.
-Table pointTable(const Model::ColorGamutInfo& gamut);
+/// A table of colours: x, y, cd/m2, correlated temperature in kelvin with its Duv, and how each is known.
+Table colourTable();
+/// Adds one to it. A luminance of 0 is not known; a temperature has a white only.
+void addColour(Table& table, const QString& name, const Model::LXY& colour, bool isWhite, const QString& known);
+/// The four points of a gamut in such a table.
+Table pointTable(const Model::ColorGamutInfo& gamut, const QString& known);
 
 /// "measured" and "sum", each "x", "y" and "luminance"; "luminance_difference" (a fraction), "duv_prime",
 /// "contradiction" and "white", which of the two the correction is computed from. Null where luminances are not known.

@@ -5,6 +5,7 @@
 #include <QJsonObject>
 
 #include <algorithm>
+#include <cmath>
 
 namespace Reports {
 
@@ -52,7 +53,8 @@ QString htmlRow(const Row& row, const std::vector<bool>& areNumbers, const QStri
 
 Cell decimal(double number, int decimals)
 {
-    return {QString::number(number, 'f', decimals), number};
+    const bool isZero = std::abs(number) < std::pow(10.0, -decimals) / 2.0; // which has no sign
+    return {QString::number(isZero ? 0.0 : number, 'f', decimals), number};
 }
 
 Cell percent(double fraction)

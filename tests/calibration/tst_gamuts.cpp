@@ -230,8 +230,8 @@ private Q_SLOTS:
         const auto additivity = *additivityOf(wrong);
         QVERIFY(additivity.isContradiction());
         QCOMPARE(additivity.sentence(),
-                 QString("red, green and blue add up to white 0.3128, 0.3292 at 2897.0, white was measured as 0.2863, "
-                         "0.2949 at 3120.0: -7.1 % of luminance, du'v' 0.0243"));
+                 QString("Red, green and blue add up to white 0.3128, 0.3292 at 2897.0 cd/m2, white was measured as "
+                         "0.2863, 0.2949 at 3120.0 cd/m2: -7.1 % of luminance, du'v' 0.0243"));
         QCOMPARE(good(withWhite(wrong, WhiteSource::Measured)), wrong.gamut);
         const auto summed = good(withWhite(wrong, WhiteSource::Sum));
         QVERIFY(qAbs(summed.wLxy.lum - 2897.0) < 1e-9 && qAbs(summed.wLxy.x - 0.3128) < 5e-5);

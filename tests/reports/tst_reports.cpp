@@ -5,6 +5,7 @@
 #include <reports/explanation.h>
 #include <reports/figuresreport.h>
 #include <reports/sendreport.h>
+#include <reports/verificationreport.h>
 
 #include <QApplication>
 #include <QJsonDocument>
@@ -20,7 +21,16 @@ class ReportsTest : public QObject
 
 private:
     QString in(const QString& name) const { return m_folder.filePath(name); }
-    ReportFiles files() const { return {in("xy.svg"), in("uv.svg"), in("gray.svg"), in("report.html")}; }
+    ReportFiles files() const
+    {
+        return {{in("xy.svg"), in("uv.svg"), in("gray.svg")}, in("report.html"), in("report.pdf")};
+    }
+    ReportDetails details() const { return {"tool 1", QDateTime::fromSecsSinceEpoch(0), {{"site", "<Hall %1>"}}}; }
+    /// Its bytes and its text.
+    QByteArray htmlOf(const Calibration::RunResult& result) const
+    {
+        return toHtml(documentOf(result, m_content, details(), {}));
+    }
     /// What became of a wall whose device b refuses everything.
     Calibration::RunResult failedRun(const Calibration::Content& content) const
     {
@@ -65,7 +75,7 @@ private Q_SLOTS:
     {
         auto result = failedRun(m_content);
         result.resumed << "a";
-        const QJsonObject json = toJson(result);
+        const QJsonObject json = toJson(result, m_content);
         QCOMPARE(json["destination"].toString(), QString("test wall"));
         QVERIFY(json.value("verdict")["sentence"].toString().startsWith("PARTLY APPLIED: 2 of 3 devices"));
         QCOMPARE(json.value("devices")[0]["known"], QJsonValue("read back"));
@@ -74,7 +84,7 @@ private Q_SLOTS:
         QCOMPARE(json["results"].toArray().size(), 18);
         QVERIFY(json.value("results")[6]["error"].toString().contains("reports an error") &&
                 json.value("results")[0]["error"].isUndefined() && !json.value("results")[7]["sent"].toBool());
-        const QString text = toText(result);
+        const QString text = toText(result, m_content);
         QVERIFY2(text.contains("done before") && text.contains("binary: device \"b\" reports an error (simulated), "
                                                                "0 of 2 cabinets hold it"),
                  qPrintable(text));
@@ -86,13 +96,14 @@ private Q_SLOTS:
         content.measured.name = "</title><script>%1&";
         auto result = failedRun(content);
         result.destination = "<script>%2";
-        QVERIFY(writeReport(result, content, files()));
+        QVERIFY(writeReport(result, content, details(), files()));
         const QByteArray html = readFile(in("report.html"));
         QVERIFY(!html.contains("<script") && html.contains("&lt;/title&gt;&lt;script&gt;%1&amp;"));
-        QVERIFY(html.contains("<title>Calibration of &lt;script&gt;%2</title>"));
-        QVERIFY(!html.contains("<?xml") && !html.contains("<link") && html.count("<svg") == 3);
-        QCOMPARE(result.files.mid(result.files.size() - 4), files().all());
-        for (const QString& chart : {files().chartXy, files().chartUv, files().chartGray}) {
+        QVERIFY(html.contains("<title>PARTLY APPLIED: Calibration of &lt;script&gt;%2</title>"));
+        QVERIFY(html.contains("&lt;Hall %1&gt;"));
+        QVERIFY(!html.contains("<?xml") && !html.contains("<link") && html.count("<figure") == 3);
+        QCOMPARE(result.files.mid(result.files.size() - 5), files().all());
+        for (const QString& chart : files().charts) {
             QXmlStreamReader xml(readFile(chart));
             while (!xml.atEnd())
                 xml.readNext();
@@ -103,12 +114,46 @@ private Q_SLOTS:
     void aReportIsKnownByItsBegin()
     {
         auto result = failedRun(m_content);
-        QVERIFY(isReport(writeFile(in("r.html"), toHtml(result, {}))));
+        QVERIFY(isReport(writeFile(in("r.html"), htmlOf(result))));
+        QVERIFY(isReport(writeFile(in("r.pdf"), good(toPdf(documentOf(result, m_content, details(), {}))))));
+        QVERIFY(!isReport(writeFile(in("r.pdf"), "%PDF-1.4\n(Mine)")));
         QVERIFY(!isReport(writeFile(in("r.html"), "<!DOCTYPE html>\n<title>Mine</title>")));
         QVERIFY(!isReport(in("absent")) && !isReport(m_folder.path()));
         const FileSizeLimit full(3000); // less than a chart
-        QCOMPARE(faultText(writeReport(result, m_content, files())),
+        QCOMPARE(faultText(writeReport(result, m_content, details(), files())),
                  "InputOutput: " + in("xy.svg") + ": File too large");
+    }
+
+    void aReportCannotBeTakenForABetterOne()
+    {
+        const auto failed = failedRun(m_content);
+        const QByteArray half = htmlOf(failed);
+        QVERIFY(half.contains("<title>PARTLY APPLIED") && half.contains("device &quot;b&quot; reports an error"));
+        QVERIFY(half.contains("2 of 3 devices hold everything") && half.contains("Their steps, one by one"));
+        auto stopped = failed;
+        stopped.verification.verdict.kind = Calibration::Verdict::Kind::Interrupted;
+        QVERIFY(htmlOf(stopped).contains("<title>INTERRUPTED"));
+        QVERIFY(half.contains("simulated: no light was seen") == failed.verification.verdict.isSimulated);
+        const QTemporaryDir folder;
+        const auto done = good(calibrate(TestWall(), m_content, folder.path()));
+        const QByteArray whole = htmlOf(done);
+        QVERIFY(whole.contains("<title>PASSED") && !whole.contains("PARTLY") && !whole.contains("Warning"));
+        QVERIFY(whole.contains("3 of 3 devices hold everything") && !whole.contains("Their steps"));
+    }
+
+    void contradictionIsSaidInEveryForm()
+    {
+        auto content = m_content;
+        content.measurement = good(Calibration::readMeasured(EXAMPLES "/contradictory-gamut.json"));
+        const auto result = failedRun(content);
+        const QString words = "Red, green and blue add up to white 0.3128, 0.3292 at 2897.0 cd/m2, white was measured "
+                              "as 0.2863, 0.2949 at 3120.0 cd/m2";
+        QVERIFY(toText(result, content).contains("Warning: " + words));
+        QVERIFY(toHtml(documentOf(result, content, details(), {})).contains(words.toUtf8()));
+        const QJsonValue additivity = toJson(result, content).value("additivity");
+        QVERIFY(additivity["contradiction"].toBool() &&
+                qAbs(additivity["sum"]["luminance"].toDouble() - 2897.0) < 1e-9);
+        QVERIFY(!toText(result, m_content).contains("Warning"));
     }
 
     void aChartShowsWhatWasRead()

@@ -12,6 +12,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <QDateTime>
 #include <QFileInfo>
 #include <QJsonArray>
 
@@ -28,6 +29,8 @@ struct CalibrateArguments
     std::string binary;
     std::string out;
     std::string html; ///< empty: report.html in `out`
+    std::string pdf;  ///< empty: none
+    std::vector<std::string> notes;
     bool resume = false;
     bool dryRun = false;
     Calibration::Acceptance acceptance;
@@ -64,28 +67,53 @@ QJsonObject inputsOf(const CalibrateArguments& arguments, const QString& wallDig
 }
 
 /// Refuses a report's file that has no place or is somebody else's.
-void checkHtml(const QString& html, bool force)
+void checkReport(const QString& name, const QString& file, bool force)
 {
-    const QFileInfo info(html);
-    const QString option = QStringLiteral("--html %1").arg(html);
+    const QFileInfo info(file);
+    const QString option = QStringLiteral("%1 %2").arg(name, file);
     if (info.exists() && !info.isFile() && !info.isDir())
         throw Fault{Fault::Kind::CannotCreate, option, QStringLiteral("a file"), QStringLiteral("a pipe or device")};
     if (info.isDir() || !info.absoluteDir().exists())
         throw Fault{Fault::Kind::CannotCreate, option, {}, QStringLiteral("expected a file in a folder that is there")};
-    if (info.exists() && !Reports::isReport(html))
-        require(Calibration::requireNewFile(html, force));
+    if (info.exists() && !Reports::isReport(file))
+        require(Calibration::requireNewFile(file, force));
 }
 
-Calibration::RunOptions runOptionsOf(const CalibrateArguments& arguments, const QStringList& outputs)
+Reports::ReportFiles reportFilesOf(const CalibrateArguments& arguments, const Calibration::Folder& folder)
+{
+    Reports::ReportFiles files;
+    for (const char* name : {"gamut-xy.svg", "gamut-uv.svg", "gray.svg"})
+        files.charts << folder.in(QLatin1String(name));
+    files.html = arguments.html.empty() ? folder.in(QStringLiteral("report.html")) : text(arguments.html);
+    files.pdf = text(arguments.pdf);
+    checkReport(QStringLiteral("--html"), files.html, arguments.gamuts.force);
+    if (!files.pdf.isEmpty())
+        checkReport(QStringLiteral("--pdf"), files.pdf, arguments.gamuts.force);
+    return files;
+}
+
+Reports::ReportDetails detailsOf(const CalibrateArguments& arguments)
+{
+    Reports::ReportDetails details;
+    details.generator = QStringLiteral("qualityctl " QUALITYCTL_VERSION);
+    details.time = QDateTime::currentDateTime();
+    for (const std::string& note : arguments.notes) {
+        const auto equals = note.find('=');
+        details.notes.emplace_back(text(note.substr(0, equals)), text(note.substr(equals + 1)));
+    }
+    return details;
+}
+
+Calibration::RunOptions runOptionsOf(const CalibrateArguments& arguments,
+                                     const std::vector<Calibration::InputDigest>& inputs, const QStringList& outputs)
 {
     Calibration::RunOptions options;
     options.resume = arguments.resume;
     options.force = arguments.gamuts.force;
     options.acceptance = arguments.acceptance;
     options.outputs = outputs;
-    options.uses = namesOf(arguments).all();
-    if (!arguments.wall.file.empty())
-        options.uses << text(arguments.wall.file);
+    for (const Calibration::InputDigest& input : inputs)
+        options.uses << input.name;
     return options;
 }
 
@@ -95,11 +123,7 @@ CommandResult calibrate(const CalibrateArguments& arguments, const Calibration::
                         const QString& wallDigest, const Output& output)
 {
     const auto folder = take(Calibration::Folder::open(text(arguments.out)));
-    const Reports::ReportFiles files{folder->in(QStringLiteral("gamut-xy.svg")),
-                                     folder->in(QStringLiteral("gamut-uv.svg")), folder->in(QStringLiteral("gray.svg")),
-                                     arguments.html.empty() ? folder->in(QStringLiteral("report.html"))
-                                                            : text(arguments.html)};
-    checkHtml(files.html, arguments.gamuts.force);
+    const Reports::ReportFiles files = reportFilesOf(arguments, *folder);
     QJsonObject inputs = inputsOf(arguments, wallDigest);
     const QJsonObject common = Calibration::inputsOf(content, destination);
     for (auto it = common.begin(); it != common.end(); ++it)
@@ -108,10 +132,16 @@ CommandResult calibrate(const CalibrateArguments& arguments, const Calibration::
     auto result = [&] {
         Progress progress(output);
         return take(Calibration::run(content, figures, destination, inputs, *folder,
-                                     runOptionsOf(arguments, files.all()), progress));
+                                     runOptionsOf(arguments, content.files, files.all()), progress));
     }();
-    require(Reports::writeReport(result, content, files));
-    return {Reports::toText(result), Reports::toJson(result), result.fault()};
+    const Reports::ReportDetails details = detailsOf(arguments);
+    require(Reports::writeReport(result, content, details, files));
+    QJsonObject json = Reports::toJson(result, content);
+    QJsonObject notes;
+    for (const auto& [name, value] : details.notes)
+        notes.insert(name, value);
+    json.insert(QStringLiteral("notes"), notes);
+    return {Reports::toText(result, content), json, result.fault()};
 }
 
 CommandResult run(const CalibrateArguments& arguments, const Output& output)
@@ -126,6 +156,8 @@ CommandResult run(const CalibrateArguments& arguments, const Output& output)
         return calibrate(arguments, content, figures, *destination, {}, output);
     }
     const OpenWall wall = openWall(arguments.wall);
+    if (!wall.sha256.isEmpty())
+        content.files.push_back({QStringLiteral("wall document"), wall.name, wall.sha256});
     const auto toWall = [&](const Action::CabinetReader* reader) {
         return Calibration::wallDestination(wall.name, wall.targets, content, reader);
     };
@@ -157,6 +189,13 @@ void addCalibrateCommand(CLI::App& app, Command& chosen)
     addHub(*command, arguments->hub);
     addOutputFolder(*command, arguments->out, arguments->gamuts.force);
     command->add_option("--html", arguments->html, "The report's file; report.html in the folder without it");
+    command->add_option("--pdf", arguments->pdf, "The report as PDF, too");
+    command
+        ->add_option("--note", arguments->notes, "NAME=VALUE for the report (operator=..., site=...); may be repeated")
+        ->check([](const std::string& note) {
+            const auto equals = note.find('=');
+            return equals == 0 || equals == std::string::npos ? "expected NAME=VALUE, found " + note : std::string();
+        });
     command->add_flag("--resume", arguments->resume, "Go on with the calibration that was begun in the folder");
     addAcceptance(*command, arguments->acceptance);
     command->add_flag("--dry-run", arguments->dryRun, "Print the requests instead of sending them");

@@ -17,7 +17,7 @@ constexpr char footer[] = R"(Examples:
   qualityctl wall show
   qualityctl send gray --table examples/gray-table.csv --frequency 60
   qualityctl send mode --correction on --json
-  qualityctl send gamut --target rec709 --device left --cabinet 1-4 --dry-run
+  qualityctl send gamut --target rec709:2800 --device left --cabinet 1-4 --dry-run
   qualityctl gamut coverage p3-d65 bt2020
   qualityctl gamut coefficients examples/measured-gamut.json rec709 --json
   qualityctl gamut chart examples/measured-gamut.json rec709 --out gamut.svg

@@ -1,6 +1,7 @@
 #include "commands.h"
 #include <calibration/gamut.h>
 #include <calibration/journal.h>
+#include <calibration/known.h>
 #include <calibration/output.h>
 #include <reports/measurementreport.h>
 
@@ -30,9 +31,10 @@ CommandResult show(const std::string& file, const Output&)
     for (const Measurement::Keyword& keyword : measurement.keywords)
         keywords.insert(keyword.name, keyword.value);
     const bool isRead = measurement.file.has_value(); // else there are no readings
-    return {Reports::detailTable(measurement).toText() + QLatin1Char('\n') +
-                (isRead ? patches : Reports::pointTable(measurement.gamut)).toText() + QLatin1Char('\n') +
-                checksOf(measurement),
+    const Reports::Table points =
+        Reports::pointTable(measurement.gamut, isRead ? wordOf(Calibration::Known::Measured) : QStringLiteral("given"));
+    return {Reports::detailTable(measurement).toText() + QLatin1Char('\n') + (isRead ? patches : points).toText() +
+                QLatin1Char('\n') + checksOf(measurement),
             {{QStringLiteral("file"), QString::fromStdString(file)},
              {QStringLiteral("kind"), measurement.kind},
              {QStringLiteral("name"), QString::fromStdString(measurement.gamut.name)},
@@ -42,7 +44,7 @@ CommandResult show(const std::string& file, const Output&)
              {QStringLiteral("notes"), QJsonArray::fromStringList(measurement.notes)},
              {QStringLiteral("keywords"), keywords},
              {QStringLiteral("additivity"), Reports::additivityJson(measurement, Calibration::WhiteSource::Measured)},
-             {QStringLiteral("points"), Reports::pointTable(measurement.gamut).toJson()},
+             {QStringLiteral("points"), points.toJson()},
              {QStringLiteral("patches"), isRead ? patches.toJson() : QJsonArray()}}};
 }
 

@@ -4,7 +4,7 @@
 #include <calibration/aftermeasurement.h>
 #include <calibration/folder.h>
 #include <reports/afterreport.h>
-#include <reports/calibrationreport.h>
+#include <reports/verificationreport.h>
 
 #include <CLI/CLI.hpp>
 
@@ -21,15 +21,13 @@ struct VerifyArguments
 std::optional<Fault> compareAfter(const VerifyArguments& arguments, const Calibration::Verification& verification,
                                   CommandResult& result)
 {
-    const auto input =
-        take(Calibration::readInput(QString::fromStdString(arguments.measured), QStringLiteral("measurement")));
-    const auto measurement = take(Calibration::parseMeasurement(input));
+    const auto measurement = take(Calibration::readMeasured(QString::fromStdString(arguments.measured)));
     const auto after = take(Calibration::compareAfter(verification, measurement, arguments.acceptance));
     result.text += QLatin1Char('\n') + Reports::toText(after, measurement);
     result.json.insert(QStringLiteral("after"), Reports::toJson(after, measurement));
     if (after.isPassed())
         return std::nullopt;
-    return Fault{Fault::Kind::Difference, input.subject(), {}, after.sentence()};
+    return Fault{Fault::Kind::Difference, measurement.subject, {}, after.sentence()};
 }
 
 CommandResult verify(const VerifyArguments& arguments, const Output& output)

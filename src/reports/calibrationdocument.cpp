@@ -1,0 +1,170 @@
+#include "calibrationdocument.h"
+
+#include <calibration/gamut.h>
+#include <reports/calibrationreport.h>
+#include <reports/figuresreport.h>
+#include <reports/measurementreport.h>
+#include <reports/sendreport.h>
+#include <reports/verificationreport.h>
+#include <suite/colour/coverage.h>
+
+#include <algorithm>
+
+namespace Reports {
+
+namespace {
+
+using Calibration::DeviceRecord;
+using Calibration::Known;
+using Calibration::RunResult;
+
+Mark markOf(const Calibration::Verdict& verdict)
+{
+    if (verdict.isPassed())
+        return Mark::Good;
+    return verdict.kind == Calibration::Verdict::Kind::Interrupted ? Mark::Open : Mark::Bad;
+}
+
+Verdict headOf(const Calibration::Verdict& verdict)
+{
+    const QString sentence = verdict.sentence();
+    const int colon = sentence.indexOf(QLatin1String(": "));
+    return {markOf(verdict), sentence.left(colon), sentence.mid(colon + 2)};
+}
+
+Facts occasionOf(const RunResult& result, const ReportDetails& details)
+{
+    const bool isSimulated = result.verification.verdict.isSimulated;
+    Facts facts;
+    facts.pairs = {{QStringLiteral("Devices"),
+                    isSimulated ? QStringLiteral("simulated: no light was seen") : QStringLiteral("real")},
+                   {QStringLiteral("Wall or hub"), result.destination},
+                   {QStringLiteral("Report of"), details.time.toString(QStringLiteral("yyyy-MM-dd HH:mm t"))}};
+    facts.pairs.insert(facts.pairs.end(), details.notes.begin(), details.notes.end());
+    facts.pairs.push_back({QStringLiteral("Made by"), details.generator});
+    return facts;
+}
+
+/// What the wall shows for white; its luminance is known where the measured white's is.
+Model::LXY shownWhite(const Calibration::Figures& figures)
+{
+    const auto& xyz = figures.corners.corners[Colour::judgedWhite].shown;
+    const auto white = Colour::chromaticity(xyz).value_or(Colour::Chromaticity{});
+    return {figures.corners.whiteKept * figures.measured.wLxy.lum, white.x, white.y, {}};
+}
+
+Table whiteTable(const RunResult& result)
+{
+    const Calibration::Figures& figures = result.figures;
+    Table table = colourTable();
+    addColour(table, QStringLiteral("before"), figures.measured.wLxy, true, wordOf(Known::Measured));
+    addColour(table, QStringLiteral("target"), figures.target.wLxy, true, QStringLiteral("wanted"));
+    addColour(table, QStringLiteral("after"), shownWhite(figures), true, wordOf(Known::Computed));
+    for (const HeldFigures& held : heldFigures(result.verification))
+        addColour(table, QStringLiteral("after, %1").arg(held.devices), shownWhite(*held.figures), true,
+                  QStringLiteral("computed, integers %1").arg(wordOf(held.known)));
+    return table;
+}
+
+Table inputTable(const Calibration::Content& content)
+{
+    Table table({{{}, QStringLiteral("input")}, {{}, QStringLiteral("file")}, {{}, QStringLiteral("SHA-256")}});
+    for (const Calibration::InputDigest& file : content.files)
+        table.add({file.role, file.name, file.sha256});
+    return table;
+}
+
+/// What speaks against trusting the figures, if anything does.
+std::vector<Block> warningsOf(const RunResult& result, const Calibration::Content& content)
+{
+    std::vector<Block> blocks;
+    for (const QString& fault : result.verification.faults)
+        blocks.push_back(Warning{fault});
+    const QString additivity = additivityWarning(content.measurement, content.white);
+    if (!additivity.isEmpty())
+        blocks.push_back(Warning{additivity});
+    return blocks;
+}
+
+std::vector<Block> measurementOf(const RunResult& result, const Calibration::Content& content)
+{
+    const auto additivity = additivityOf(content.measurement);
+    std::vector<Block> blocks{Heading{QStringLiteral("What was measured")}, detailTable(content.measurement),
+                              pointTable(content.measurement.gamut, wordOf(Known::Measured))};
+    if (additivity && !additivity->isContradiction())
+        blocks.push_back(Paragraph{additivity->sentence()});
+    blocks.insert(blocks.end(),
+                  {Heading{QStringLiteral("White before and after")}, whiteTable(result),
+                   Heading{QStringLiteral("Target")}, pointTable(result.figures.target, QStringLiteral("wanted"))});
+    return blocks;
+}
+
+std::vector<Block> figuresOf(const RunResult& result, const Drawings& charts)
+{
+    std::vector<Block> blocks{
+        Heading{QStringLiteral("Correction")},
+        figuresTable(result.figures),
+        coverageTable(result.figures.coverageXy, result.figures.coverageUv),
+        Heading{QStringLiteral("Colours and grays")},
+        reachTable(result.figures),
+        Paragraph{QStringLiteral("Computed from the measurement and the integers. ") + reachText(result.figures)}};
+    for (const HeldFigures& held : heldFigures(result.verification)) {
+        const QString subject = QStringLiteral("%1 (%2)").arg(held.devices, wordOf(held.known));
+        if (held.figures->coefficients == result.figures.coefficients) {
+            blocks.push_back(Paragraph{QStringLiteral("Cabinets hold these integers: %1.").arg(subject)});
+        } else {
+            blocks.push_back(Paragraph{QStringLiteral("Cabinets hold other integers: %1. They show:").arg(subject)});
+            blocks.push_back(reachTable(*held.figures));
+        }
+    }
+    if (!charts.charts.empty())
+        blocks.insert(blocks.end(), {Heading{QStringLiteral("Charts")}, charts});
+    return blocks;
+}
+
+/// Devices that failed in full, the others folded.
+std::vector<Block> devicesOf(const RunResult& result)
+{
+    std::vector<DeviceRecord> good;
+    std::vector<DeviceRecord> bad;
+    for (const DeviceRecord& record : result.records)
+        (record.isDone() ? good : bad).push_back(record);
+    std::vector<Block> blocks{Heading{QStringLiteral("Devices")}};
+    if (!bad.empty()) {
+        std::vector<Calibration::Outcome> outcomes;
+        for (const DeviceRecord& record : bad)
+            outcomes.insert(outcomes.end(), record.outcomes.begin(), record.outcomes.end());
+        blocks.push_back(deviceTable(bad, result.resumed));
+        blocks.push_back(FoldedTable{QStringLiteral("Their steps, one by one"), outcomeTable(outcomes)});
+    }
+    if (!good.empty())
+        blocks.push_back(FoldedTable{QStringLiteral("%1 of %2 devices hold everything that was sent")
+                                         .arg(QString::number(good.size()), QString::number(result.records.size())),
+                                     deviceTable(good, result.resumed)});
+    return blocks;
+}
+
+void append(std::vector<Block>& blocks, const std::vector<Block>& more)
+{
+    blocks.insert(blocks.end(), more.begin(), more.end());
+}
+
+} // namespace
+
+Document documentOf(const RunResult& result, const Calibration::Content& content, const ReportDetails& details,
+                    const Drawings& charts)
+{
+    Document document;
+    document.title = titleOf(result);
+    document.generator = details.generator;
+    document.verdict = headOf(result.verification.verdict);
+    document.blocks = {occasionOf(result, details)};
+    append(document.blocks, warningsOf(result, content));
+    append(document.blocks, measurementOf(result, content));
+    append(document.blocks, figuresOf(result, charts));
+    append(document.blocks, devicesOf(result));
+    append(document.blocks, {Heading{QStringLiteral("Inputs")}, inputTable(content)});
+    return document;
+}
+
+} // namespace Reports
