@@ -16,6 +16,7 @@
 #include <QFontMetricsF>
 #include <QImage>
 #include <QPainter>
+#include <QRegularExpression>
 #include <QSvgGenerator>
 
 #include <algorithm>
@@ -211,7 +212,9 @@ QByteArray Chart::toSvg() const
     generator.setViewBox(QRect(QPoint(), size()));
     generator.setTitle(first.title().text().toHtmlEscaped()); // it writes the title as it is
     draw(generator);
-    return buffer.data();
+    // A blank title, which keeps room, would be a path without points in PDF.
+    static const QRegularExpression blankText(QStringLiteral("<text [^>]*>\\s*</text>"));
+    return QString::fromUtf8(buffer.data()).remove(blankText).toUtf8();
 }
 
 QByteArray Chart::toPng() const

@@ -59,9 +59,9 @@ Table whiteTable(const RunResult& result)
     Table table = colourTable();
     addColour(table, QStringLiteral("before"), figures.measured.wLxy, true, wordOf(Known::Measured));
     addColour(table, QStringLiteral("target"), figures.target.wLxy, true, QStringLiteral("wanted"));
-    addColour(table, QStringLiteral("after"), shownWhite(figures), true, wordOf(Known::Computed));
+    addColour(table, QStringLiteral("corrected"), shownWhite(figures), true, wordOf(Known::Computed));
     for (const HeldFigures& held : heldFigures(result.verification))
-        addColour(table, QStringLiteral("after, %1").arg(held.devices), shownWhite(*held.figures), true,
+        addColour(table, QStringLiteral("on %1 cabinets").arg(held.cabinets), shownWhite(*held.figures), true,
                   QStringLiteral("computed, integers %1").arg(wordOf(held.known)));
     return table;
 }
@@ -77,9 +77,13 @@ Table inputTable(const Calibration::Content& content)
 /// What speaks against trusting the figures, if anything does.
 std::vector<Block> warningsOf(const RunResult& result, const Calibration::Content& content)
 {
+    constexpr int maxFaults = 5;
+    const QStringList& faults = result.verification.faults;
     std::vector<Block> blocks;
-    for (const QString& fault : result.verification.faults)
+    for (const QString& fault : faults.mid(0, maxFaults))
         blocks.push_back(Warning{fault});
+    if (faults.size() > maxFaults)
+        blocks.push_back(Warning{QStringLiteral("%1 more like these").arg(faults.size() - maxFaults)});
     const QString additivity = additivityWarning(content.measurement, content.white);
     if (!additivity.isEmpty())
         blocks.push_back(Warning{additivity});
@@ -109,11 +113,12 @@ std::vector<Block> figuresOf(const RunResult& result, const Drawings& charts)
         reachTable(result.figures),
         Paragraph{QStringLiteral("Computed from the measurement and the integers. ") + reachText(result.figures)}};
     for (const HeldFigures& held : heldFigures(result.verification)) {
-        const QString subject = QStringLiteral("%1 (%2)").arg(held.devices, wordOf(held.known));
+        const QString subject = QStringLiteral("%1 cabinets of %2 (%3)")
+                                    .arg(QString::number(held.cabinets), held.devices, wordOf(held.known));
         if (held.figures->coefficients == result.figures.coefficients) {
-            blocks.push_back(Paragraph{QStringLiteral("Cabinets hold these integers: %1.").arg(subject)});
+            blocks.push_back(Paragraph{QStringLiteral("These integers are held by %1.").arg(subject)});
         } else {
-            blocks.push_back(Paragraph{QStringLiteral("Cabinets hold other integers: %1. They show:").arg(subject)});
+            blocks.push_back(Paragraph{QStringLiteral("Other integers are held by %1, which show:").arg(subject)});
             blocks.push_back(reachTable(*held.figures));
         }
     }

@@ -31,25 +31,25 @@ QString nameOf(const Model::ColorGamutInfo& gamut)
 Table reachTable(const Figures& figures)
 {
     Table table({{QStringLiteral("point"), QStringLiteral("point")},
+                 {QStringLiteral("ciede2000"), QStringLiteral("CIEDE2000")},
+                 {QStringLiteral("ciede2000_out_of_reach"), QStringLiteral("out of reach")},
+                 {QStringLiteral("ciede2000_not_held"), QStringLiteral("not held")},
                  {{}, QStringLiteral("target x, y")},
                  {{}, QStringLiteral("shown x, y")},
                  {QStringLiteral("x"), {}},
                  {QStringLiteral("y"), {}},
-                 {QStringLiteral("ciede2000"), QStringLiteral("CIEDE2000")},
-                 {QStringLiteral("ciede2000_out_of_reach"), QStringLiteral("out of reach")},
-                 {QStringLiteral("ciede2000_not_held"), QStringLiteral("not held")},
                  {QStringLiteral("out_of_reach"), {}}});
     for (std::size_t i = 0; i < figures.corners.corners.size(); ++i) {
         const Colour::Corner& corner = figures.corners.corners[i];
         const auto shown = Colour::chromaticity(corner.shown);
         table.add({Calibration::judgedName(i),
+                   decimal(corner.difference, 2),
+                   decimal(corner.outOfReach, 2),
+                   decimal(corner.notHeld, 2),
                    xyText(Colour::chromaticity(corner.target)),
                    xyText(shown),
                    coordinate(shown, &Colour::Chromaticity::x),
                    coordinate(shown, &Colour::Chromaticity::y),
-                   decimal(corner.difference, 2),
-                   decimal(corner.outOfReach, 2),
-                   decimal(corner.notHeld, 2),
                    {{}, Calibration::isOutOfReach(corner)}});
     }
     return table;

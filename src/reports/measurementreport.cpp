@@ -122,7 +122,7 @@ QString additivityWarning(const Measurement& measurement, WhiteSource white)
 
 QString warningLine(const QString& warning)
 {
-    return warning.isEmpty() ? QString() : QStringLiteral("Warning: %1\n").arg(warning);
+    return warning.isEmpty() ? QString() : QStringLiteral("Warning: %1\n\n").arg(warning);
 }
 
 } // namespace Reports

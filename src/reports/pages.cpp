@@ -53,6 +53,8 @@ std::vector<Piece> piecesOf(const QTextDocument& text)
     std::vector<Piece> pieces;
     for (QTextBlock block = text.begin(); block.isValid(); block = block.next()) {
         const QTextTable* table = QTextCursor(block).currentTable();
+        if (!table && block.text().isEmpty())
+            continue; // what Qt puts behind a table, over its last line: it goes with the last row
         if (!table) {
             const bool isHeading = block.blockFormat().headingLevel() > 0;
             for (int line = 0; line < block.layout()->lineCount(); ++line)

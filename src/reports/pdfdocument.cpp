@@ -16,7 +16,7 @@ namespace {
 constexpr double margin = 16.0;  // of the page, millimetres
 constexpr int resolution = 1200; // of the device that texts are laid out for, dots per inch
 constexpr double dotsPerPixel = resolution / 96.0;
-constexpr int chartWidth = 326; // half of the text's width, in pixels of 1/96 inch
+constexpr int chartWidth = 280; // less than half of the text's width, in pixels of 1/96 inch
 
 const char style[] = R"(
 h1 { font-size: 17pt; margin-top: 8px; margin-bottom: 8px; }

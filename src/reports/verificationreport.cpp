@@ -48,36 +48,26 @@ QString source(const Calibration::Verdict& verdict)
 std::vector<HeldFigures> heldFigures(const Calibration::Verification& verification)
 {
     constexpr int maxNames = 4;
-    struct Holders
-    {
-        int cabinets = 0;
-        QStringList devices;
-        Known known = Known::Measured;
-    };
-    std::vector<std::pair<std::shared_ptr<const Calibration::Figures>, Holders>> groups;
+    std::vector<HeldFigures> result;
+    std::vector<QStringList> devices; // of each
     for (const Calibration::Judgement& judgement : verification.judgements) {
         if (!judgement.figures)
             continue;
-        auto group = std::find_if(groups.begin(), groups.end(),
-                                  [&judgement](const auto& known) { return known.first == judgement.figures; });
-        if (group == groups.end())
-            group = groups.insert(groups.end(), {judgement.figures, {}});
-        Holders& holders = group->second;
-        holders.cabinets += judgement.held.cabinets;
-        holders.known = std::min(holders.known, judgement.known);
-        if (!holders.devices.contains(judgement.device))
-            holders.devices << judgement.device;
+        std::size_t i = 0;
+        while (i < result.size() && result[i].figures != judgement.figures)
+            ++i;
+        if (i == result.size()) {
+            result.push_back({judgement.figures, 0, {}, judgement.known});
+            devices.emplace_back();
+        }
+        result[i].cabinets += judgement.held.cabinets;
+        result[i].known = std::min(result[i].known, judgement.known);
+        if (!devices[i].contains(judgement.device))
+            devices[i] << judgement.device;
     }
-    std::vector<HeldFigures> result;
-    for (const auto& [figures, holders] : groups) {
-        const bool isShort = holders.devices.size() <= maxNames;
-        result.push_back({figures,
-                          QStringLiteral("%1 cabinets of %2")
-                              .arg(QString::number(holders.cabinets),
-                                   isShort ? holders.devices.join(QStringLiteral(", "))
-                                           : QStringLiteral("%1 devices").arg(holders.devices.size())),
-                          holders.known});
-    }
+    for (std::size_t i = 0; i < result.size(); ++i)
+        result[i].devices = devices[i].size() > maxNames ? QStringLiteral("%1 devices").arg(devices[i].size())
+                                                         : devices[i].join(QStringLiteral(", "));
     return result;
 }
 

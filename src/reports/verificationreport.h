@@ -18,7 +18,8 @@ QJsonObject toJson(const Calibration::Verification& verification);
 struct HeldFigures
 {
     std::shared_ptr<const Calibration::Figures> figures;
-    QString devices; ///< their names, or how many they are; "48 cabinets of left, right"
+    int cabinets = 0;
+    QString devices; ///< theirs: "left, right", or where they are many "12 devices"
     Calibration::Known known = Calibration::Known::Computed; ///< how it is known that they do, at the weakest
 };
 
