@@ -58,6 +58,11 @@ std::optional<Additivity> additivityOf(const Measurement& measurement)
     return result;
 }
 
+QString wordOf(WhiteSource white)
+{
+    return white == WhiteSource::Sum ? QStringLiteral("sum") : QStringLiteral("measured");
+}
+
 Result<Model::ColorGamutInfo> withWhite(const Measurement& measurement, WhiteSource white)
 {
     Model::ColorGamutInfo gamut = measurement.gamut;

@@ -26,6 +26,8 @@ std::optional<Additivity> additivityOf(const Measurement& measurement);
 
 /// Which white a correction is computed from.
 enum class WhiteSource { Measured, Sum };
+/// "measured", "sum"
+QString wordOf(WhiteSource white);
 
 /// The measured gamut with the white that is wanted. Fault: bad data for the sum where luminances are not known, or
 /// where it makes no gamut.

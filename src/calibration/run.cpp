@@ -253,6 +253,7 @@ QJsonObject inputsOf(const Content& content, const Destination& destination)
     return {{QStringLiteral("calibrated"), destination.name()},
             {QStringLiteral("devices"), served},
             {QStringLiteral("measured"), gamutToJson(content.measured)},
+            {QStringLiteral("white"), wordOf(content.white)},
             {QStringLiteral("target"), gamutToJson(content.target)},
             {QStringLiteral("table_sha256"), content.tableFile ? content.tableFile->sha256 : QString()},
             {QStringLiteral("frequency_hz"), content.table.freq},

@@ -100,13 +100,12 @@ QJsonValue additivityJson(const Measurement& measurement, WhiteSource white)
     const auto additivity = additivityOf(measurement);
     if (!additivity)
         return QJsonValue::Null;
-    return QJsonObject{
-        {QStringLiteral("measured"), toJson(additivity->measured)},
-        {QStringLiteral("sum"), toJson(additivity->sum)},
-        {QStringLiteral("luminance_difference"), additivity->luminance},
-        {QStringLiteral("duv_prime"), additivity->duvPrime},
-        {QStringLiteral("contradiction"), additivity->isContradiction()},
-        {QStringLiteral("white"), white == WhiteSource::Sum ? QStringLiteral("sum") : QStringLiteral("measured")}};
+    return QJsonObject{{QStringLiteral("measured"), toJson(additivity->measured)},
+                       {QStringLiteral("sum"), toJson(additivity->sum)},
+                       {QStringLiteral("luminance_difference"), additivity->luminance},
+                       {QStringLiteral("duv_prime"), additivity->duvPrime},
+                       {QStringLiteral("contradiction"), additivity->isContradiction()},
+                       {QStringLiteral("white"), wordOf(white)}};
 }
 
 QString additivityWarning(const Measurement& measurement, WhiteSource white)

@@ -165,8 +165,8 @@ void addHubCommands(CLI::App& app, Command& chosen)
              true);
     arguments = fresh();
     addGamut(*addCommand(*send, chosen, "gamut", "Send the target gamut", sendGamut, arguments),
-             arguments->gamuts.target, "--target", "The gamut that is wanted", true);
+             arguments->gamuts.target, "--target", targetText, true);
     arguments = fresh();
     addGamut(*addCommand(*send, chosen, "measure", "Send the measured gamut", sendMeasure, arguments),
-             arguments->gamuts.measured, "--measured", "The LEDs' gamut", true);
+             arguments->gamuts.measured, "--measured", "The LEDs' gamut:", true);
 }

@@ -21,11 +21,9 @@ void addTargets(CLI::App& command, WallArgument& argument)
 void addGamut(CLI::App& command, std::string& gamut, const char* names, const char* what, bool required)
 {
     command
-        .add_option(
-            names, gamut,
-            std::string(what) +
-                ": a standard name, a file (.ti3, CSV, JSON, .nicc), rx,ry:gx,gy:bx,by or, of a target, native; "
-                "[:WHITE][:CD_M2] behind it give white: D65, 6500K, 6500K-planck or x,y")
+        .add_option(names, gamut,
+                    std::string(what) + " a standard name, a file (.ti3, CSV, JSON, .nicc) or "
+                                        "rx,ry:gx,gy:bx,by:WHITE, with :CD_M2 of white behind it where wanted")
         ->required(required);
 }
 
@@ -41,8 +39,8 @@ Calibration::ContentNames GamutArguments::names() const
 
 void addGamuts(CLI::App& command, GamutArguments& gamuts, const char* measured, const char* target)
 {
-    addGamut(command, gamuts.measured, measured, "The LEDs' gamut", true);
-    addGamut(command, gamuts.target, target, "The gamut that is wanted", true);
+    addGamut(command, gamuts.measured, measured, "The LEDs' gamut:", true);
+    addGamut(command, gamuts.target, target, targetText, true);
     command
         .add_option("--white", gamuts.white,
                     "The LEDs' white that counts: as measured, or the sum of red, green and blue")

@@ -20,6 +20,9 @@ void addWall(CLI::App& command, std::string& file);
 /// --wall, --device, --cabinet, --seed
 void addTargets(CLI::App& command, WallArgument& argument);
 
+/// What a target's option says of itself.
+inline constexpr char targetText[] =
+    "The gamut that is wanted: native (the LEDs' own, with a WHITE: D65, 6500K, 6500K-planck or x,y),";
 /// A gamut under `names` ("--target", "measured,--measured").
 void addGamut(CLI::App& command, std::string& gamut, const char* names, const char* what, bool required);
 

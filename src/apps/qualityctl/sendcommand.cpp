@@ -154,10 +154,10 @@ void addSendCommands(CLI::App& app, Command& chosen)
         addTable(command, arguments.table, required);
     };
     const AddOptions target = [](CLI::App& command, SendArguments& arguments, bool required) {
-        addGamut(command, arguments.gamuts.target, "--target", "The gamut that is wanted", required);
+        addGamut(command, arguments.gamuts.target, "--target", targetText, required);
     };
     const AddOptions measured = [](CLI::App& command, SendArguments& arguments, bool required) {
-        addGamut(command, arguments.gamuts.measured, "--measured", "The LEDs' gamut", required);
+        addGamut(command, arguments.gamuts.measured, "--measured", "The LEDs' gamut:", required);
     };
     const AddOptions binary = [](CLI::App& command, SendArguments& arguments, bool required) {
         addBinary(command, arguments.binary, required);
