@@ -60,6 +60,7 @@ QString Verdict::sentence() const
                .arg(opening(kind), QString::number(holding), QString::number(devices),
                     kind == Kind::Differs ? QStringLiteral("a") : QStringLiteral("the")) +
            (holding > 0 ? difference(*this) : QString()) +
+           (isAsBright ? QString() : QStringLiteral(", white not as bright as wanted")) +
            (remarks.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(remarks.join(QStringLiteral(", "))));
 }
 

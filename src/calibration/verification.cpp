@@ -4,6 +4,7 @@
 
 #include <QJsonArray>
 
+#include <cmath>
 #include <limits>
 
 namespace Calibration {
@@ -39,8 +40,11 @@ public:
         }
         for (const HeldCorrection& held : record.held) {
             const Judgement judgement = judge(record, held);
-            if (record.isDone())
+            if (record.isDone()) {
                 verdict.worst = std::max(verdict.worst, judgement.difference);
+                verdict.isAsBright =
+                    verdict.isAsBright && (judgement.isWithin || judgement.difference > m_acceptance.maxDifference);
+            }
             m_verification.judgements.push_back(judgement);
         }
         if (record.isDone()) {
@@ -61,14 +65,29 @@ private:
         }
         judgement.figures = std::shared_ptr<const Figures>(figures, &**figures);
         judgement.difference = m_acceptance.isStrict ? (*figures)->worst() : (*figures)->worstHeld();
-        judgement.isWithin = judgement.difference <= m_acceptance.maxDifference;
-        if (!judgement.isWithin)
+        judgement.isWithin = judgement.difference <= m_acceptance.maxDifference && isAsBright(judgement);
+        if (judgement.difference > m_acceptance.maxDifference)
             m_verification.faults << QStringLiteral("%1 differ%2 by %3, above %4")
                                          .arg(subject,
                                               m_acceptance.isStrict ? QStringLiteral(" from the target") : QString(),
                                               QString::number(judgement.difference, 'f', 2),
                                               QString::number(m_acceptance.maxDifference));
+        else if (!judgement.isWithin)
+            m_verification.faults << QStringLiteral("%1 show white at %2 cd/m2, wanted %3")
+                                         .arg(subject, QString::number(whiteOf(**figures), 'f', 1),
+                                              QString::number(m_target.wLxy.lum, 'f', 1));
         return judgement;
+    }
+
+    /// cd/m2; 0 where it is not known.
+    double whiteOf(const Figures& figures) const { return figures.corners.whiteKept * m_measured.wLxy.lum; }
+
+    bool isAsBright(const Judgement& judgement) const
+    {
+        constexpr double tolerance = 0.01;
+        const double wanted = m_target.wLxy.lum;
+        const double shown = judgement.figures ? whiteOf(*judgement.figures) : 0.0;
+        return !(wanted > 0.0) || !(shown > 0.0) || std::abs(shown / wanted - 1.0) <= tolerance;
     }
 
     std::shared_ptr<const Common::Result<Figures>> figuresFor(const HeldCorrection& held)
@@ -94,7 +113,7 @@ Verdict::Kind kindOf(const Verdict& verdict)
         return Verdict::Kind::NotApplied;
     if (verdict.holding < verdict.devices)
         return Verdict::Kind::Partly;
-    return verdict.worst <= verdict.limit ? Verdict::Kind::Passed : Verdict::Kind::Differs;
+    return verdict.worst <= verdict.limit && verdict.isAsBright ? Verdict::Kind::Passed : Verdict::Kind::Differs;
 }
 
 } // namespace

@@ -8,6 +8,7 @@ namespace Reports {
 namespace {
 
 using Calibration::Figures;
+using Calibration::nameOf;
 using Calibration::primariesOf;
 
 QString xyText(const std::optional<Colour::Chromaticity>& c)
@@ -19,11 +20,6 @@ QString xyText(const std::optional<Colour::Chromaticity>& c)
 Cell coordinate(const std::optional<Colour::Chromaticity>& c, double Colour::Chromaticity::*axis)
 {
     return {{}, c ? QJsonValue((*c).*axis) : QJsonValue(QJsonValue::Undefined)};
-}
-
-QString nameOf(const Model::ColorGamutInfo& gamut)
-{
-    return QString::fromStdString(gamut.name);
 }
 
 } // namespace

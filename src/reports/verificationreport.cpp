@@ -26,7 +26,7 @@ Table judgementTable(const Calibration::Verification& verification)
                    judgement.figures ? decimal(judgement.difference, 2)
                                      : Cell(QStringLiteral("-"), QJsonValue(QJsonValue::Undefined)),
                    flag(judgement.isWithin, QStringLiteral("ok"),
-                        judgement.figures ? QStringLiteral("ABOVE") : QStringLiteral("DARK")),
+                        judgement.figures ? QStringLiteral("DIFFERS") : QStringLiteral("DARK")),
                    wordOf(judgement.known)});
     return table;
 }

@@ -74,6 +74,14 @@ private Q_SLOTS:
             << other << true << false
             << "DIFFERS: 2 of 2 devices hold a correction, CIEDE2000 up to 28.40, above 1.0 (acknowledged, simulated)"
             << "a: 2 cabinets differ by 28.40, above 1";
+        auto half = m_right;
+        for (auto& coefficient : half)
+            coefficient = static_cast<std::int16_t>(coefficient / 2);
+        QTest::newRow("half as bright")
+            << half << true << false
+            << "DIFFERS: 2 of 2 devices hold a correction, CIEDE2000 at most 0.04 of 1.0, white not as bright as "
+               "wanted (acknowledged, simulated)"
+            << "a: 2 cabinets show white at 1487.6 cd/m2, wanted 2975.4";
         QTest::newRow("off")
             << m_right << false << false
             << "DIFFERS: 2 of 2 devices hold a correction, CIEDE2000 up to 13.43, above 1.0 (acknowledged, simulated)"
