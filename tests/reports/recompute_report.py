@@ -213,6 +213,47 @@ def expected_lines(c, points, notes, takes_sum, devices, steps, files):
         Line("Inputs", f"{role} | ", [hashlib.sha256(Path(file).read_bytes()).hexdigest()]) for role, file in files]
 
 
+def without_fit(actual, expected, place=""):
+    """The numbers of a JSON value that differ from those expected, or are not known."""
+    if isinstance(actual, (dict, list)):
+        members = actual.items() if isinstance(actual, dict) else enumerate(actual)
+        known = dict(expected.items() if isinstance(expected, dict) else enumerate(expected or ()))
+        return [fault for key, value in members for fault in without_fit(value, known.get(key), f"{place}/{key}")]
+    if isinstance(actual, bool) or not isinstance(actual, (int, float)):
+        return []
+    if expected is not None and abs(actual - expected) <= 1e-6 * max(1, abs(expected)):
+        return []
+    return [f"{place}: {actual}, expected {expected and float(expected)}"]
+
+
+def expected_verification(c, after, devices):
+    """All numbers of `verify --measured`, each beside its name."""
+    integers = [unit for row in c.integers for unit in row]
+    areas = {f"{figure}_{plane}": part for plane, parts in c.areas.items()
+             for figure, part in zip(("area_ratio", "coverage"), parts)}
+    worst = max(held for _, _, held in c.differences.values())
+    reached = [dict(zip(("ciede2000", "ciede2000_out_of_reach", "ciede2000_not_held", "x", "y"),
+                        (*differences, *xy_of(c.shown[name])))) for name, differences in c.differences.items()]
+    points = []
+    for name, old, new in zip(POINTS, c.measured, after):
+        seen, before = (xyz_of(*p[:2], p[2] / all_[3][2]) for p, all_ in ((new, after), (old, c.measured)))
+        asked, shown = c.asked[name], c.shown[name]
+        points.append({
+            "before_xy": old[:2], "before_cd_m2": old[2], "after_xy": new[:2], "after_cd_m2": new[2],
+            "computed_xy": xy_of(shown), "computed_cd_m2": shown[1] * c.kept * c.measured[3][2],
+            "target_xy": xy_of(asked), "ciede2000_before_to_target": c.difference(before, asked),
+            "ciede2000_after_to_target": c.difference(seen, asked),
+            "ciede2000_after_to_computed": c.difference(seen, shown),
+            "duv_after_to_target": distance_uv(new[:2], xy_of(asked)),
+            "duv_after_to_computed": distance_uv(new[:2], xy_of(shown))})
+    furthest = max(point["ciede2000_after_to_computed"] for point in points)
+    return areas | {
+        "after": {"points": points, "max_ciede2000": furthest}, "error": {"code": 1},
+        "shown": [areas | {"coefficients": integers, "light_kept": c.kept, "reached": reached}],
+        "devices": [{"cabinets": n, "coefficients": integers, "max_ciede2000": worst} for n in devices.values()],
+        "verdict": {"devices": len(devices), "devices_holding_it": len(devices), "max_ciede2000": worst, "max_de": 1}}
+
+
 NARROW = [("0.40", "0.32", "149.6"), ("0.30", "0.42", "249.7"), ("0.24", "0.22", "100.7"), ("0.3127", "0.3290", "500")]
 FILES = {"wall document": "wall.json", "gray table": "gray-table.csv", "binary": "receiving-card.bin"}
 OPTIONS = {"wall document": "--wall", "gray table": "--table", "binary": "--binary"}
@@ -275,6 +316,12 @@ class RecomputedReport(unittest.TestCase):
                              ("</h1>", "</h1><p>A gain of 1.2</p>"), (">5.17<", ">5.16<"), ("0.0812<", "0.0813<")):
             self.assertIn(right, html)
             self.assertTrue(complaints(html.replace(right, wrong, 1), expected), wrong)
+
+    def test_verification_compares_with_the_same_figures(self):
+        c, devices = self.calibrated(*CASES[0])[2:]
+        verified = json.loads(self.qualityctl("verify", "out", "--measured", "measured-gamut.json", "--json").stdout)
+        after = read_gamut(self.folder / "measured-gamut.json")[0]
+        self.assertEqual(without_fit(verified, expected_verification(c, after, devices)), [])
 
     def test_the_colour_difference_is_the_published_one(self):
         for one, other, difference in (
