@@ -85,7 +85,8 @@ def complaints(html, expected):
         elif not printed or text.startswith(NO_FIGURES) or section.startswith("chart") and LEVEL.match(text):
             continue
         if len(printed) != len(line.figures) or not all(map(fits, printed, line.figures)):
-            wrong.append(f"{section}: {text!r}, expected {[str(f and f[0]) for f in line.figures] or 'no figures'}")
+            known = [f"{float(f[0]):.{f[1] + 2}f}" if isinstance(f, Number) else f for f in line.figures]
+            wrong.append(f"{section}: {text!r}, expected {known or 'no figures'}")
     return wrong + [f"missing: {line}" for line in left]
 
 
