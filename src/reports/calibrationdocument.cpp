@@ -53,11 +53,13 @@ Model::LXY shownWhite(const Calibration::Figures& figures)
     return {figures.corners.whiteKept * figures.measured.wLxy.lum, white.x, white.y, {}};
 }
 
-Table whiteTable(const RunResult& result)
+Table whiteTable(const RunResult& result, const Calibration::Content& content)
 {
     const Calibration::Figures& figures = result.figures;
     Table table = colourTable();
-    addColour(table, QStringLiteral("before"), figures.measured.wLxy, true, wordOf(Known::Measured));
+    addColour(table, QStringLiteral("before"), figures.measured.wLxy, true,
+              content.white == Calibration::WhiteSource::Sum ? QStringLiteral("sum of red, green and blue")
+                                                             : wordOf(Known::Measured));
     addColour(table, QStringLiteral("target"), figures.target.wLxy, true, QStringLiteral("wanted"));
     addColour(table, QStringLiteral("corrected"), shownWhite(figures), true, wordOf(Known::Computed));
     for (const HeldFigures& held : heldFigures(result.verification))
@@ -98,7 +100,7 @@ std::vector<Block> measurementOf(const RunResult& result, const Calibration::Con
     if (additivity && !additivity->isContradiction())
         blocks.push_back(Paragraph{additivity->sentence()});
     blocks.insert(blocks.end(),
-                  {Heading{QStringLiteral("White before and after")}, whiteTable(result),
+                  {Heading{QStringLiteral("White before and after")}, whiteTable(result, content),
                    Heading{QStringLiteral("Target")}, pointTable(result.figures.target, QStringLiteral("wanted"))});
     return blocks;
 }

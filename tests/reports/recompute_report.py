@@ -194,10 +194,11 @@ def expected_lines(c, points, notes, takes_sum, devices, steps, files):
              *(point_line("What was measured", *row) for row in zip(POINTS, points)),
              *(point_line("Target", *row) for row in zip(POINTS, wanted)),
              point_line(white, "before", c.measured[3]), point_line(white, "target", wanted[3]),
-             point_line(white, "after", after), point_line(white, f"after, {cabinets}", after),
+             point_line(white, "corrected", after),
+             point_line(white, f"on {sum(devices.values())} cabinets", after),
              Line("Correction", "light kept | ", [Number(100 * c.kept, 2)]),
              Line("Correction", "coefficients, Q1.14 | ", [Number(unit) for row in c.integers for unit in row]),
-             Line("Colours and grays", f"Cabinets hold these integers: {cabinets}", ()),
+             Line("Colours and grays", f"These integers are held by {cabinets}", ()),
              Line("Devices", f"{whole} hold everything", ())]
     for plane, row, name in (("xy", "CIE 1931 xy", "xy"), ("uv", "CIE 1976 u'v'", "u'v'")):
         percent = [Number(100 * part, 2) for part in c.areas[plane]]
@@ -205,7 +206,7 @@ def expected_lines(c, points, notes, takes_sum, devices, steps, files):
                   Line("Correction", f"coverage of the target, {name} | ", percent[1:])]
     for name, differences in c.differences.items():
         places = [Number(v, 4) for xyz in (c.asked[name], c.shown[name]) for v in xy_of(xyz)]
-        lines.append(Line("Colours and grays", f"{name} | ", places + [Number(d, 2) for d in differences]))
+        lines.append(Line("Colours and grays", f"{name} | ", [Number(d, 2) for d in differences] + places))
     if reached:
         lines.append(Line("Colours and grays", "Computed from", reached))
     lines += [Line("Devices", f"{name} | ", [Number(count), Number(steps), Number(steps), UNCHECKED])
