@@ -63,6 +63,21 @@ QString wordOf(WhiteSource white)
     return white == WhiteSource::Sum ? QStringLiteral("sum") : QStringLiteral("measured");
 }
 
+QStringList warningsOf(const Measurement& measurement, WhiteSource white)
+{
+    QStringList warnings;
+    const auto additivity = additivityOf(measurement);
+    if (additivity && additivity->isContradiction())
+        warnings << additivity->sentence() +
+                        (white == WhiteSource::Sum
+                             ? QStringLiteral("; the correction is computed from the sum")
+                             : QStringLiteral("; the correction is computed from the measured white"));
+    const auto labelled = requireLabels(measurement.gamut, measurement.subject);
+    if (!labelled)
+        warnings << labelled.fault().message();
+    return warnings;
+}
+
 Result<Model::ColorGamutInfo> withWhite(const Measurement& measurement, WhiteSource white)
 {
     Model::ColorGamutInfo gamut = measurement.gamut;

@@ -36,7 +36,10 @@ Result<GamutPair> readGamuts(const ContentNames& names)
     const auto gamut = onWall(*target, *measured);
     if (!gamut)
         return gamut.fault();
-    GamutPair pair{*measurement, *measured, *gamut, {}};
+    GamutPair pair{*measurement, *measured, *gamut, warningsOf(*measurement, names.white), {}};
+    const auto labelled = requireLabels(*gamut, QStringLiteral("target %1").arg(names.target));
+    if (!labelled)
+        pair.warnings << labelled.fault().message();
     for (const auto& file : {measurement->file, target->file}) {
         if (file)
             pair.files.push_back(*file);
@@ -91,6 +94,7 @@ Result<Content> readContent(const ContentNames& names)
     content.measured = gamuts->measured;
     content.target = gamuts->target;
     content.files = gamuts->files;
+    content.warnings = gamuts->warnings;
     content.table.freq = names.frequency;
     if (!names.table.isEmpty()) {
         const auto table = readGrayTable(names.table, names.frequency);

@@ -17,6 +17,7 @@ struct Content
     Action::GrayTable table;        ///< read from it
     std::optional<Input> binary;    ///< for the receiving cards; none: none is sent
     std::vector<InputDigest> files; ///< that were read, in this order
+    QStringList warnings;           ///< what speaks against the figures, a sentence each
 };
 
 /// What a user gives for it: gamuts as readMeasured() and readTarget() take them, and names of files; empty ones are
@@ -38,6 +39,7 @@ struct GamutPair
     Measurement measurement;
     Model::ColorGamutInfo measured; ///< from it, with the white that is wanted
     Model::ColorGamutInfo target;   ///< without coefficients
+    QStringList warnings;           ///< what speaks against the figures, a sentence each
     std::vector<InputDigest> files; ///< that were read
 };
 

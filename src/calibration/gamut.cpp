@@ -16,6 +16,11 @@ Fault refusal(const QString& subject, const QString& reason)
     return {Fault::Kind::BadData, subject, {}, reason};
 }
 
+Fault mislabelled(const QString& subject, const QString& reason)
+{
+    return {Fault::Kind::BadData, subject, {}, reason, QStringLiteral("--force takes them as they are")};
+}
+
 /// What is wrong with a point's place; empty when nothing is.
 QString chromaticityFault(const Model::LXY& point, const QString& role)
 {
@@ -45,6 +50,17 @@ std::size_t primaryOfHue(double hue)
 }
 
 } // namespace
+
+QString hiddenWhite(const Colour::Primaries& primaries)
+{
+    constexpr int allDigits = 12;
+    const auto shares = Colour::luminanceShares(primaries);
+    const auto* const least = std::min_element(shares.begin(), shares.end());
+    return QStringLiteral("white (%1, %2) needs %3 of %4 in its luminance, at least %5 is needed")
+        .arg(QString::number(primaries.white.x, 'g', allDigits), QString::number(primaries.white.y, 'g', allDigits),
+             QString::number(*least), pointName(static_cast<std::size_t>(least - shares.begin())),
+             QString::number(Colour::minWhiteShare));
+}
 
 Gamut gamutOf(const Colour::Primaries& primaries, double luminance)
 {
@@ -92,9 +108,7 @@ Result<void> requireGamut(const Gamut& gamut, const QString& subject)
     if (Colour::isOnOneLine(primaries))
         return refusal(subject, QStringLiteral("the primaries lie on one line"));
     if (!Colour::showsWhite(primaries))
-        return refusal(subject, QStringLiteral("white (%1, %2) lies outside the triangle, or on its edge")
-                                    .arg(gamut.wLxy.x)
-                                    .arg(gamut.wLxy.y));
+        return refusal(subject, hiddenWhite(primaries));
     // Only then: those that follow from a white outside the triangle are negative too.
     for (std::size_t i = 0; i < points.size(); ++i) {
         const double luminance = points[i]->lum;
@@ -112,7 +126,7 @@ Result<void> requireLuminance(const Gamut& gamut, const QString& subject, const 
         if (!(points[i]->lum > 0.0))
             return Fault{Fault::Kind::BadData, subject, QStringLiteral("luminances in cd/m2"),
                          QStringLiteral("none of %1").arg(pointName(i)),
-                         QStringLiteral("%1:2800 gives white 2800 cd/m2, and red, green and blue what adds up to it")
+                         QStringLiteral("%1:2800 gives white 2800 cd/m2, and red, green and blue theirs")
                              .arg(text == QLatin1String("-") ? QStringLiteral("FILE") : text)};
     }
     return {};
@@ -125,16 +139,16 @@ Result<void> requireLabels(const Gamut& gamut, const QString& subject)
     for (std::size_t i = 0; i < found.size(); ++i) {
         const std::size_t nearest = primaryOfHue(found[i]);
         if (nearest != i)
-            return refusal(subject, QStringLiteral("%1 (%2, %3) has the hue of %4: are the primaries swapped?")
-                                        .arg(pointName(i))
-                                        .arg(points[i]->x)
-                                        .arg(points[i]->y)
-                                        .arg(pointName(nearest)));
+            return mislabelled(subject, QStringLiteral("%1 (%2, %3) has the hue of %4: are the primaries swapped?")
+                                            .arg(pointName(i))
+                                            .arg(points[i]->x)
+                                            .arg(points[i]->y)
+                                            .arg(pointName(nearest)));
         if (gamut.wLxy.lum > 0.0 && points[i]->lum > gamut.wLxy.lum)
-            return refusal(subject, QStringLiteral("%1, %2 cd/m2, is brighter than white, %3 cd/m2")
-                                        .arg(pointName(i))
-                                        .arg(points[i]->lum)
-                                        .arg(gamut.wLxy.lum));
+            return mislabelled(subject, QStringLiteral("%1, %2 cd/m2, is brighter than white, %3 cd/m2")
+                                            .arg(pointName(i))
+                                            .arg(points[i]->lum)
+                                            .arg(gamut.wLxy.lum));
     }
     return {};
 }

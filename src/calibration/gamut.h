@@ -23,6 +23,9 @@ Result<void> requireLabels(const Model::ColorGamutInfo& gamut, const QString& su
 /// A gamut of chromaticities whose white has `luminance` (cd/m2), red, green and blue those that add up to it.
 Model::ColorGamutInfo gamutOf(const Colour::Primaries& primaries, double luminance);
 
+/// Why primaries cannot show their white (Colour::showsWhite()), with the share that is missing.
+QString hiddenWhite(const Colour::Primaries& primaries);
+
 /// The chromaticities of a gamut record.
 Colour::Primaries primariesOf(const Model::ColorGamutInfo& gamut);
 

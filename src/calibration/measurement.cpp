@@ -4,6 +4,7 @@
 #include <calibration/csvreadings.h>
 #include <calibration/gamut.h>
 #include <calibration/gamutrequest.h>
+#include <calibration/known.h>
 #include <suite/common/jsonreader.h>
 
 #include <QFileInfo>
@@ -50,7 +51,11 @@ Gamut gamutAt(const Common::JsonReader& place)
         const Common::JsonReader member = place.member(key);
         if (!member.value().isObject())
             member.expect(QStringLiteral("an object with lum, x and y"));
-        return Model::LXY{member.member("lum").number(), member.member("x").number(), member.member("y").number(), {}};
+        const auto luminance = member.member("lum"); // 0 where nobody knows it
+        return Model::LXY{luminance.isMissing() ? 0.0 : luminance.number(),
+                          member.member("x").number(),
+                          member.member("y").number(),
+                          {}};
     };
     Gamut gamut;
     gamut.rLxy = point("RedPoint");
@@ -124,6 +129,7 @@ Result<Measurement> parseReadings(const Input& input)
 Result<void> addLuminance(Measurement& measurement, double luminance)
 {
     Gamut& gamut = measurement.gamut;
+    measurement.notes << QStringLiteral("luminance of white given, not measured: %1 cd/m2").arg(luminance);
     if (gamut.wLxy.lum > 0.0)
         return Fault{Fault::Kind::BadData, measurement.subject, QStringLiteral("no luminance beside the measured one"),
                      QStringLiteral("%1 beside %2 cd/m2").arg(luminance).arg(gamut.wLxy.lum)};
@@ -183,6 +189,11 @@ Result<Measurement> fromText(const GamutRequest& request)
 }
 
 } // namespace
+
+QString Measurement::known() const
+{
+    return file ? wordOf(Known::Measured) : QStringLiteral("given");
+}
 
 Result<Measurement> parseMeasurement(const Input& input)
 {

@@ -23,13 +23,16 @@ struct Measurement
     /// As they were read, luminances too where they are relative to white's. A document's points count as one reading
     /// each; what was typed has none.
     PatchTable patches;
-    QString instrument;            ///< empty where the file does not say
-    QString observer;              ///< "1931_2"; empty where the file does not say
-    QString date;                  ///< as the file writes it; empty where it does not
-    std::vector<Keyword> keywords; ///< of a CGATS file, all of them
-    QStringList notes;             ///< how figures were understood, a sentence each
-    QString subject;               ///< how messages about it begin
-    std::optional<InputDigest> file;
+    QString instrument;              ///< empty where the file does not say
+    QString observer;                ///< "1931_2"; empty where the file does not say
+    QString date;                    ///< as the file writes it; empty where it does not
+    std::vector<Keyword> keywords;   ///< of a CGATS file, all of them
+    QStringList notes;               ///< how figures were understood, a sentence each
+    QString subject;                 ///< how messages about it begin
+    std::optional<InputDigest> file; ///< none: the gamut was typed or named
+
+    /// How its colours are known: "measured", or "given" where there is no file.
+    QString known() const;
 };
 
 /// Reads a measured gamut: the readings of a CGATS file (.ti3) or of a CSV file, a gamut in JSON, or the measured gamut

@@ -254,6 +254,7 @@ QJsonObject inputsOf(const Content& content, const Destination& destination)
             {QStringLiteral("devices"), served},
             {QStringLiteral("measured"), gamutToJson(content.measured)},
             {QStringLiteral("white"), wordOf(content.white)},
+            {QStringLiteral("warnings"), QJsonArray::fromStringList(content.warnings)},
             {QStringLiteral("target"), gamutToJson(content.target)},
             {QStringLiteral("table_sha256"), content.tableFile ? content.tableFile->sha256 : QString()},
             {QStringLiteral("frequency_hz"), content.table.freq},

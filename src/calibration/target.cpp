@@ -97,8 +97,7 @@ Result<Model::ColorGamutInfo> onWall(const Target& target, const Model::ColorGam
     driven.white = primariesOf(gamut).white;
     if (!Colour::showsWhite(driven))
         return Fault{Fault::Kind::BadData, QStringLiteral("target %1").arg(target.text),
-                     QStringLiteral("a white inside the triangle of %1").arg(nameOf(measured)),
-                     QStringLiteral("(%1, %2), outside of it or on its edge").arg(driven.white.x).arg(driven.white.y)};
+                     QStringLiteral("a white inside the triangle of %1").arg(nameOf(measured)), hiddenWhite(driven)};
     if (target.isNative) {
         gamut = gamutOf(driven, gamut.wLxy.lum);
         gamut.name = target.gamut.name;

@@ -147,6 +147,8 @@ Common::Result<Verification> verify(const Journal& journal, const Acceptance& ac
         return Fault{Fault::Kind::BadData, QStringLiteral("calibration"), {}, QStringLiteral("names no device")};
     auto verification = judge(gamutFromJson(inputs.value(QStringLiteral("measured")).toObject()),
                               gamutFromJson(inputs.value(QStringLiteral("target")).toObject()), records, acceptance);
+    for (const QJsonValue warning : inputs.value(QStringLiteral("warnings")).toArray())
+        verification.warnings << warning.toString();
     verification.verdict.isSimulated = inputs.value(QStringLiteral("simulated")).toBool();
     return verification;
 }

@@ -28,7 +28,8 @@ struct Verification
     Colour::Coverage coverageUv;       ///< the same in CIE 1976 u'v'
     std::vector<Judgement> judgements; ///< by device
     Verdict verdict;
-    QStringList faults; ///< in words; empty: the verdict is that it passed
+    QStringList warnings; ///< of the calibration, about its inputs
+    QStringList faults;   ///< in words; empty: the verdict is that it passed
 };
 
 /// Judges what devices hold; there is a record for each that was to be served. What the wall shows of every judged

@@ -36,8 +36,8 @@ Facts occasionOf(const RunResult& result, const ReportDetails& details)
 {
     const bool isSimulated = result.verification.verdict.isSimulated;
     Facts facts;
-    facts.pairs = {{QStringLiteral("Devices"),
-                    isSimulated ? QStringLiteral("simulated: no light was seen") : QStringLiteral("real")},
+    facts.pairs = {{QStringLiteral("Devices"), isSimulated ? QStringLiteral("simulated: no light was seen")
+                                                           : QStringLiteral("not simulated by this program")},
                    {QStringLiteral("Wall or hub"), result.destination},
                    {QStringLiteral("Report of"), details.time.toString(QStringLiteral("yyyy-MM-dd HH:mm t"))}};
     facts.pairs.insert(facts.pairs.end(), details.notes.begin(), details.notes.end());
@@ -59,7 +59,7 @@ Table whiteTable(const RunResult& result, const Calibration::Content& content)
     Table table = colourTable();
     addColour(table, QStringLiteral("before"), figures.measured.wLxy, true,
               content.white == Calibration::WhiteSource::Sum ? QStringLiteral("sum of red, green and blue")
-                                                             : wordOf(Known::Measured));
+                                                             : content.measurement.known());
     addColour(table, QStringLiteral("target"), figures.target.wLxy, true, QStringLiteral("wanted"));
     addColour(table, QStringLiteral("corrected"), shownWhite(figures), true, wordOf(Known::Computed));
     for (const HeldFigures& held : heldFigures(result.verification))
@@ -86,9 +86,8 @@ std::vector<Block> warningsOf(const RunResult& result, const Calibration::Conten
         blocks.push_back(Warning{fault});
     if (faults.size() > maxFaults)
         blocks.push_back(Warning{QStringLiteral("%1 more like these").arg(faults.size() - maxFaults)});
-    const QString additivity = additivityWarning(content.measurement, content.white);
-    if (!additivity.isEmpty())
-        blocks.push_back(Warning{additivity});
+    for (const QString& warning : content.warnings)
+        blocks.push_back(Warning{warning});
     return blocks;
 }
 
@@ -96,7 +95,7 @@ std::vector<Block> measurementOf(const RunResult& result, const Calibration::Con
 {
     const auto additivity = additivityOf(content.measurement);
     std::vector<Block> blocks{Heading{QStringLiteral("What was measured")}, detailTable(content.measurement),
-                              pointTable(content.measurement.gamut, wordOf(Known::Measured))};
+                              pointTable(content.measurement.gamut, content.measurement.known())};
     if (additivity && !additivity->isContradiction())
         blocks.push_back(Paragraph{additivity->sentence()});
     blocks.insert(blocks.end(),

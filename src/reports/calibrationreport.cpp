@@ -88,7 +88,7 @@ Table deviceTable(const std::vector<DeviceRecord>& records, const QStringList& r
                    {QStringLiteral("%1 of %2").arg(answered).arg(record.outcomes.size()), answered},
                    decimal(seconds, 3),
                    {fault.isEmpty() ? done : fault, record.isDone()},
-                   wordOf(record.known),
+                   answered > 0 ? wordOf(record.known) : QStringLiteral("-"),
                    {{}, isResumed}});
     }
     return table;
@@ -98,10 +98,10 @@ QString toText(const RunResult& result, const Content& content)
 {
     const Calibration::Figures& figures = result.figures;
     QString text = titleOf(result) + QLatin1String("\n\n") + result.verification.verdict.sentence() +
-                   QLatin1String("\n\n") + warningLine(additivityWarning(content.measurement, content.white)) +
-                   figuresTable(figures).toText() + QLatin1Char('\n') + reachTable(figures).toText() +
-                   QLatin1Char('\n') + reachText(figures) + QLatin1String("\n\n") +
-                   deviceTable(result.records, result.resumed).toText() + QLatin1String("\nWritten:\n");
+                   QLatin1String("\n\n") + warningLines(content.warnings) + figuresTable(figures).toText() +
+                   QLatin1Char('\n') + reachTable(figures).toText() + QLatin1Char('\n') + reachText(figures) +
+                   QLatin1String("\n\n") + deviceTable(result.records, result.resumed).toText() +
+                   QLatin1String("\nWritten:\n");
     for (const QString& file : result.files)
         text += QStringLiteral("  %1\n").arg(file);
     return text;
@@ -111,6 +111,7 @@ QJsonObject toJson(const RunResult& result, const Content& content)
 {
     QJsonObject object = toJson(result.figures);
     object.insert(QStringLiteral("additivity"), additivityJson(content.measurement, content.white));
+    object.insert(QStringLiteral("warnings"), QJsonArray::fromStringList(content.warnings));
     object.insert(QStringLiteral("destination"), result.destination);
     object.insert(QStringLiteral("simulated"), result.verification.verdict.isSimulated);
     object.insert(QStringLiteral("verdict"), toJson(result.verification.verdict));

@@ -108,20 +108,12 @@ QJsonValue additivityJson(const Measurement& measurement, WhiteSource white)
                        {QStringLiteral("white"), wordOf(white)}};
 }
 
-QString additivityWarning(const Measurement& measurement, WhiteSource white)
+QString warningLines(const QStringList& warnings)
 {
-    const auto additivity = additivityOf(measurement);
-    if (!additivity || !additivity->isContradiction())
-        return {};
-    return additivity->sentence() + (white == WhiteSource::Sum
-                                         ? QStringLiteral(". The correction is computed from their sum")
-                                         : QStringLiteral(". The correction is computed from the measured white; "
-                                                          "--white sum takes the other"));
-}
-
-QString warningLine(const QString& warning)
-{
-    return warning.isEmpty() ? QString() : QStringLiteral("Warning: %1\n\n").arg(warning);
+    QString text;
+    for (const QString& warning : warnings)
+        text += QStringLiteral("Warning: %1\n").arg(warning);
+    return text.isEmpty() ? text : text + QLatin1Char('\n');
 }
 
 } // namespace Reports

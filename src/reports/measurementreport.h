@@ -24,11 +24,7 @@ Table pointTable(const Model::ColorGamutInfo& gamut, const QString& known);
 /// "contradiction" and "white", which of the two the correction is computed from. Null where luminances are not known.
 QJsonValue additivityJson(const Calibration::Measurement& measurement, Calibration::WhiteSource white);
 
-/// The contradiction between the measured white and the sum of red, green and blue, and what can be done; empty where
-/// there is none.
-QString additivityWarning(const Calibration::Measurement& measurement, Calibration::WhiteSource white);
-
-/// "Warning: ..." with a line's end; empty for an empty warning.
-QString warningLine(const QString& warning);
+/// "Warning: ..." for each, with an empty line behind them; empty for none.
+QString warningLines(const QStringList& warnings);
 
 } // namespace Reports

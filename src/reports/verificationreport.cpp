@@ -1,6 +1,7 @@
 #include "verificationreport.h"
 
 #include <reports/figuresreport.h>
+#include <reports/measurementreport.h>
 
 #include <algorithm>
 #include <cmath>
@@ -88,7 +89,7 @@ QJsonObject toJson(const Calibration::Verdict& verdict)
 QString toText(const Calibration::Verification& verification)
 {
     QString text = verification.verdict.sentence() + QLatin1String("\n\n") + source(verification.verdict) +
-                   QLatin1String("\n\n") + judgementTable(verification).toText();
+                   QLatin1String("\n\n") + warningLines(verification.warnings) + judgementTable(verification).toText();
     for (const HeldFigures& held : heldFigures(verification))
         text +=
             QStringLiteral("\nComputed for the coefficients %1:\n\n").arg(integersText(held.figures->coefficients)) +
@@ -113,6 +114,7 @@ QJsonObject toJson(const Calibration::Verification& verification)
     object.insert(QStringLiteral("measured"), verification.measured);
     object.insert(QStringLiteral("target"), verification.target);
     object.insert(QStringLiteral("simulated"), verification.verdict.isSimulated);
+    object.insert(QStringLiteral("warnings"), QJsonArray::fromStringList(verification.warnings));
     object.insert(QStringLiteral("source"), QStringLiteral("journal"));
     object.insert(QStringLiteral("verdict"), toJson(verification.verdict));
     object.insert(QStringLiteral("devices"), devices);

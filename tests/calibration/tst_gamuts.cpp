@@ -59,7 +59,8 @@ private Q_SLOTS:
         row("0.6,0.3:0.3,0.6:0.1,0:0.3,0.3", "blue: y must be above 0, found 0");
         row("0.8,0.3:0.3,0.6:0.1,0.1:0.3,0.3", "red: (0.8, 0.3) lies outside the chromaticity diagram");
         row("0.6,0.3:0.5,0.35:0.4,0.4:0.3,0.3", "the primaries lie on one line");
-        row("0.6,0.3:0.3,0.6:0.1,0.1:0.7,0.2", "white (0.7, 0.2) lies outside the triangle, or on its edge");
+        row("0.6,0.3:0.3,0.6:0.1,0.1:0.7,0.2",
+            "white (0.7, 0.2) needs -1 of green in its luminance, at least 1e-06 is needed");
         row("rec709:x", "expected a white (D50, D55, D65, D75, 6500K, 6500K-planck or x,y) or a luminance in cd/m2, "
                         "found \"x\"");
         row("rec709:0", "expected a luminance above 0 cd/m2, found \"0\"");
@@ -163,6 +164,9 @@ private Q_SLOTS:
         QVERIFY(readGamuts(request));
         QCOMPARE(bool(readTarget(text, false)), bool(refused) || text.endsWith("brighter.json"));
         QVERIFY(readTarget(text, true));
+        const auto warnings = good(readGamuts(request)).warnings;
+        QVERIFY2(refused ? warnings.isEmpty() : warnings.join('|').contains(refused.fault().found),
+                 qPrintable(warnings.join('|')));
     }
 
     void luminanceIsNeverInvented()
@@ -217,9 +221,11 @@ private Q_SLOTS:
         if (isShown)
             return;
         QVERIFY2(faultText(asked).startsWith("BadData: target " + white +
-                                             ": expected a white inside the triangle of Panel 2026-11, found ("),
+                                             ": expected a white inside the triangle of Panel 2026-11, found white ("),
                  qPrintable(faultText(asked)));
-        QVERIFY(faultText(measured).endsWith("lies outside the triangle, or on its edge"));
+        const QString share = blueShare == 0.0 ? "e-16" : QString::number(blueShare);
+        for (const QString& words : {faultText(asked), faultText(measured)})
+            QVERIFY2(words.endsWith(share + " of blue in its luminance, at least 1e-06 is needed"), qPrintable(words));
     }
 
     void whiteIsComparedWithTheSumOfItsPrimaries()

@@ -205,7 +205,7 @@ private Q_SLOTS:
         row(csv + QByteArray("red,0.6,0.3,1\n").repeated(65536), "line 65538: more than 65536 readings");
         row(xyz + "blue,1,2,-3\n", "line 6, column 10, Z: expected a number of at least 0, found -3");
         row("r,g,b,X,Y,Z\n0,0,256,1,1,1\n", "line 2, column 5, b: expected a number from 0 to 255, found \"256\"");
-        row(QByteArray(csv).replace("0.3127,0.329", "0.7,0.29"), "m: white (0.7, 0.29) lies outside the triangle");
+        row(QByteArray(csv).replace("0.3127,0.329", "0.7,0.29"), "m: white (0.7, 0.29) needs -0.330517 of green");
         row(QByteArray("PK\3\4", 4), "line 1, column 3: expected text in UTF-8, found the byte 0x03");
         row("a\nb" + QByteArray(3, '\0'), "line 2, column 2: expected text in UTF-8, found the byte 0x00");
         const QByteArray good = ti3Lines();

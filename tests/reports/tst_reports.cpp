@@ -145,6 +145,7 @@ private Q_SLOTS:
     {
         auto content = m_content;
         content.measurement = good(Calibration::readMeasured(EXAMPLES "/contradictory-gamut.json"));
+        content.warnings = warningsOf(content.measurement, Calibration::WhiteSource::Measured);
         const auto result = failedRun(content);
         const QString words = "Red, green and blue add up to white 0.3128, 0.3292 at 2897.0 cd/m2, white was measured "
                               "as 0.2863, 0.2949 at 3120.0 cd/m2";

@@ -13,18 +13,19 @@ namespace {
 
 using Calibration::nameOf;
 
-/// A computed correction, and what its measurement says against it.
+/// A computed correction, and what speaks against its measurement.
 struct Correction
 {
-    Calibration::Figures figures;
-    Calibration::Measurement measurement;
+    Calibration::GamutPair gamuts;
     Calibration::WhiteSource white;
+    Calibration::Figures figures;
 
-    QString warning() const { return Reports::warningLine(Reports::additivityWarning(measurement, white)); }
+    QString warnings() const { return Reports::warningLines(gamuts.warnings); }
     QJsonObject toJson() const
     {
         QJsonObject json = Reports::toJson(figures);
-        json.insert(QStringLiteral("additivity"), Reports::additivityJson(measurement, white));
+        json.insert(QStringLiteral("additivity"), Reports::additivityJson(gamuts.measurement, white));
+        json.insert(QStringLiteral("warnings"), QJsonArray::fromStringList(gamuts.warnings));
         return json;
     }
 };
@@ -34,7 +35,7 @@ Correction correctionOf(const GamutArguments& arguments, const Output& output)
     const Calibration::ContentNames names = arguments.names();
     const auto gamuts = take(Calibration::readGamuts(names));
     HostLog::install(output.quiet);
-    return {take(Calibration::computeFigures(gamuts.measured, gamuts.target)), gamuts.measurement, names.white};
+    return {gamuts, names.white, take(Calibration::computeFigures(gamuts.measured, gamuts.target))};
 }
 
 CommandResult listGamuts(const Output&)
@@ -61,7 +62,9 @@ CommandResult showCoverage(const GamutArguments& arguments, const Output&)
 {
     Calibration::ContentNames names = arguments.names();
     names.force = true; // the turn of a triangle does not matter
-    const auto [measurement, measured, target, files] = take(Calibration::readGamuts(names));
+    const auto gamuts = take(Calibration::readGamuts(names));
+    const auto& measured = gamuts.measured;
+    const auto& target = gamuts.target;
     const auto wall = Calibration::primariesOf(measured);
     const auto wanted = Calibration::primariesOf(target);
     const auto xy = Colour::coverage(wall, wanted);
@@ -69,7 +72,9 @@ CommandResult showCoverage(const GamutArguments& arguments, const Output&)
     QJsonObject json = Reports::coverageJson(xy, uv);
     json.insert(QStringLiteral("measured"), nameOf(measured));
     json.insert(QStringLiteral("target"), nameOf(target));
-    return {QStringLiteral("%1 against %2\n\n").arg(nameOf(measured), nameOf(target)) +
+    json.insert(QStringLiteral("warnings"), QJsonArray::fromStringList(gamuts.warnings));
+    return {Reports::warningLines(gamuts.warnings) +
+                QStringLiteral("%1 against %2\n\n").arg(nameOf(measured), nameOf(target)) +
                 Reports::coverageTable(xy, uv).toText(),
             json};
 }
@@ -78,16 +83,16 @@ CommandResult showCoefficients(const GamutArguments& arguments, const Output& ou
 {
     const auto correction = correctionOf(arguments, output);
     const auto& figures = correction.figures;
-    return {QStringLiteral("%1 corrected to %2, signed Q1.14 (1.0 is 16384), rows are LED channels\n\n%3\n"
+    return {
+        correction.warnings() +
+            QStringLiteral("%1 corrected to %2, signed Q1.14 (1.0 is 16384), rows are LED channels\n\n%3\n"
                            "light kept   %4\ncoverage     %5\narea ratio   %6\n\n")
-                    .arg(nameOf(figures.measured), nameOf(figures.target),
-                         Reports::coefficientLines(figures.coefficients),
-                         Reports::percent(figures.corners.whiteKept).text,
-                         Reports::percent(figures.coverageXy.covered).text,
-                         Reports::percent(figures.coverageXy.ratio).text) +
-                Reports::reachTable(figures).toText() + QLatin1Char('\n') + Reports::reachText(figures) +
-                QLatin1Char('\n') + correction.warning(),
-            correction.toJson()};
+                .arg(nameOf(figures.measured), nameOf(figures.target), Reports::coefficientLines(figures.coefficients),
+                     Reports::percent(figures.corners.whiteKept).text,
+                     Reports::percent(figures.coverageXy.covered).text,
+                     Reports::percent(figures.coverageXy.ratio).text) +
+            Reports::reachTable(figures).toText() + QLatin1Char('\n') + Reports::reachText(figures) + QLatin1Char('\n'),
+        correction.toJson()};
 }
 
 CommandResult explain(const GamutArguments& arguments, const Output& output)
@@ -96,7 +101,7 @@ CommandResult explain(const GamutArguments& arguments, const Output& output)
     const auto explanations = Reports::explain(correction.figures);
     QJsonObject json = correction.toJson();
     json.insert(QStringLiteral("formulas"), Reports::toJson(explanations));
-    return {Reports::toText(explanations) + correction.warning(), json};
+    return {correction.warnings() + Reports::toText(explanations), json};
 }
 
 struct ChartArguments
@@ -110,7 +115,11 @@ CommandResult drawChart(const ChartArguments& arguments, const Output& output)
 {
     const ChartFile file(arguments.out, arguments.gamuts.force);
     const auto plane = arguments.plane == "xy" ? Charts::Plane::Xy : Charts::Plane::UvPrime;
-    return file.write(Reports::correctionChart(correctionOf(arguments.gamuts, output).figures, plane));
+    const Correction correction = correctionOf(arguments.gamuts, output);
+    CommandResult result = file.write(Reports::correctionChart(correction.figures, plane));
+    result.text += correction.warnings();
+    result.json.insert(QStringLiteral("warnings"), QJsonArray::fromStringList(correction.gamuts.warnings));
+    return result;
 }
 
 constexpr char measuredNames[] = "measured,--measured";

@@ -1,7 +1,6 @@
 #include "commands.h"
 #include <calibration/gamut.h>
 #include <calibration/journal.h>
-#include <calibration/known.h>
 #include <calibration/output.h>
 #include <reports/measurementreport.h>
 
@@ -13,14 +12,12 @@ namespace {
 
 using Calibration::Measurement;
 
-/// Whether the figures agree with each other, a line each.
-QString checksOf(const Measurement& measurement)
+/// Whether the figures agree with each other.
+QString checksOf(const Measurement& measurement, const QStringList& warnings)
 {
     const auto additivity = additivityOf(measurement);
-    const auto labelled = Calibration::requireLabels(measurement.gamut, measurement.subject);
-    const QString whites = additivity ? additivity->sentence() : QString();
-    return (additivity && additivity->isContradiction() ? Reports::warningLine(whites) : whites + QLatin1Char('\n')) +
-           Reports::warningLine(labelled ? QString() : labelled.fault().message());
+    const bool isAdditive = additivity && !additivity->isContradiction();
+    return (isAdditive ? additivity->sentence() + QLatin1Char('\n') : QString()) + Reports::warningLines(warnings);
 }
 
 CommandResult show(const std::string& file, const Output&)
@@ -31,10 +28,10 @@ CommandResult show(const std::string& file, const Output&)
     for (const Measurement::Keyword& keyword : measurement.keywords)
         keywords.insert(keyword.name, keyword.value);
     const bool isRead = measurement.file.has_value(); // else there are no readings
-    const Reports::Table points =
-        Reports::pointTable(measurement.gamut, isRead ? wordOf(Calibration::Known::Measured) : QStringLiteral("given"));
+    const Reports::Table points = Reports::pointTable(measurement.gamut, measurement.known());
+    const QStringList warnings = warningsOf(measurement, Calibration::WhiteSource::Measured);
     return {Reports::detailTable(measurement).toText() + QLatin1Char('\n') + (isRead ? patches : points).toText() +
-                QLatin1Char('\n') + checksOf(measurement),
+                QLatin1Char('\n') + checksOf(measurement, warnings),
             {{QStringLiteral("file"), QString::fromStdString(file)},
              {QStringLiteral("kind"), measurement.kind},
              {QStringLiteral("name"), QString::fromStdString(measurement.gamut.name)},
@@ -43,6 +40,7 @@ CommandResult show(const std::string& file, const Output&)
              {QStringLiteral("date"), measurement.date},
              {QStringLiteral("notes"), QJsonArray::fromStringList(measurement.notes)},
              {QStringLiteral("keywords"), keywords},
+             {QStringLiteral("warnings"), QJsonArray::fromStringList(warnings)},
              {QStringLiteral("additivity"), Reports::additivityJson(measurement, Calibration::WhiteSource::Measured)},
              {QStringLiteral("points"), points.toJson()},
              {QStringLiteral("patches"), isRead ? patches.toJson() : QJsonArray()}}};

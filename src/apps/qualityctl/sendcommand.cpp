@@ -7,6 +7,7 @@
 #include "wallargument.h"
 #include <calibration/graytable.h>
 #include <calibration/steps.h>
+#include <reports/measurementreport.h>
 #include <reports/sendreport.h>
 #include <suite/colour/correction.h>
 
@@ -47,7 +48,7 @@ void requireLitWhite(const std::vector<int>& coefficients)
 }
 
 /// What was given, in the order in which a cabinet should get it: the correction is switched on last.
-std::vector<Step> stepsOf(const SendArguments& arguments)
+std::vector<Step> stepsOf(const SendArguments& arguments, QStringList& warnings)
 {
     std::vector<Step> steps;
     if (!arguments.binary.empty()) {
@@ -61,8 +62,11 @@ std::vector<Step> stepsOf(const SendArguments& arguments)
         steps.push_back(Calibration::grayStep(table.table, table.file.name));
     }
     const Calibration::ContentNames gamuts = arguments.gamuts.names();
-    if (!gamuts.measured.isEmpty())
-        steps.push_back(Calibration::measureStep(take(Calibration::readMeasuredToSend(gamuts)).gamut));
+    if (!gamuts.measured.isEmpty()) {
+        const auto measurement = take(Calibration::readMeasuredToSend(gamuts));
+        warnings = warningsOf(measurement, gamuts.white);
+        steps.push_back(Calibration::measureStep(measurement.gamut));
+    }
     if (!gamuts.target.isEmpty())
         steps.push_back(Calibration::gamutStep(take(Calibration::readTargetToSend(gamuts))));
     if (!arguments.coefficients.empty()) {
@@ -88,7 +92,8 @@ CommandResult runSend(const SendArguments& arguments, const Output& output)
     HostLog::install(output.quiet);
     Reports::SendResult result;
     result.isSimulated = true; // there is no other wall here
-    result.steps = stepsOf(arguments);
+    QStringList warnings;
+    result.steps = stepsOf(arguments, warnings);
     const OpenWall wall = openWall(arguments.wall);
     if (arguments.dryRun)
         return dryRun([&] {
@@ -103,9 +108,10 @@ CommandResult runSend(const SendArguments& arguments, const Output& output)
         result.outcomes = Calibration::sendSteps(result.steps, wall.targets, &simulation.reader(), progress);
     }
     result.now = Calibration::readBack(simulation.reader(), wall.targets);
-    CommandResult command{Reports::toText(result), Reports::toJson(result),
+    CommandResult command{Reports::warningLines(warnings) + Reports::toText(result), Reports::toJson(result),
                           Calibration::faultOf(result.outcomes, Interrupt::isRequested())};
     command.json.insert(QStringLiteral("wall"), wall.name);
+    command.json.insert(QStringLiteral("warnings"), QJsonArray::fromStringList(warnings));
     return command;
 }
 
