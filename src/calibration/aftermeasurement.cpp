@@ -3,6 +3,8 @@
 #include <calibration/gamut.h>
 #include <suite/colour/colourdifference.h>
 
+#include <cmath>
+
 namespace Calibration {
 
 namespace {
@@ -69,6 +71,7 @@ ComparedPoint compare(std::size_t point, const Figures& figures, const Measureme
         result.afterToTarget = difference(result.after, result.target);
         result.afterToComputed = difference(result.after, result.computed);
     }
+    result.uvBeforeToTarget = distanceUv(result.before.xy, result.target.xy);
     result.uvAfterToTarget = distanceUv(result.after.xy, result.target.xy);
     result.uvAfterToComputed = distanceUv(result.after.xy, result.computed.xy);
     return result;
@@ -84,12 +87,28 @@ double AfterMeasurement::worst() const
     return worst;
 }
 
+std::optional<double> AfterMeasurement::whiteDifference() const
+{
+    const ComparedPoint& white = points.back();
+    if (!(white.computed.luminance > 0.0) || !(white.after.luminance > 0.0))
+        return std::nullopt;
+    return white.after.luminance / white.computed.luminance - 1.0;
+}
+
+bool AfterMeasurement::isPassed() const
+{
+    constexpr double maxWhiteDifference = 0.05;
+    return worst() <= acceptance.maxDifference && std::abs(whiteDifference().value_or(0.0)) <= maxWhiteDifference;
+}
+
 QString AfterMeasurement::sentence() const
 {
+    const auto white = whiteDifference();
     return QStringLiteral("%1: measured afterwards, CIEDE2000 from %2 %3")
-        .arg(isPassed() ? QStringLiteral("PASSED") : QStringLiteral("DIFFERS"),
-             acceptance.isStrict ? QStringLiteral("the target") : QStringLiteral("what was computed"),
-             differenceText(worst(), acceptance.maxDifference));
+               .arg(isPassed() ? QStringLiteral("PASSED") : QStringLiteral("DIFFERS"),
+                    acceptance.isStrict ? QStringLiteral("the target") : QStringLiteral("what was computed"),
+                    differenceText(worst(), acceptance.maxDifference)) +
+           (white ? QStringLiteral(", white %1 % of luminance").arg(100.0 * *white, 0, 'f', 1) : QString());
 }
 
 Result<AfterMeasurement> compareAfter(const Verification& verification, const Measurement& measurement,

@@ -23,7 +23,8 @@ struct ComparedPoint
     std::optional<double> beforeToTarget; ///< CIEDE2000 beside the target's white; none where before's luminance is
     double afterToTarget = 0.0;           ///< CIEDE2000
     double afterToComputed = 0.0;         ///< CIEDE2000
-    double uvAfterToTarget = 0.0;         ///< distance in CIE 1976 u'v'
+    double uvBeforeToTarget = 0.0;        ///< distance in CIE 1976 u'v'
+    double uvAfterToTarget = 0.0;         ///< likewise
     double uvAfterToComputed = 0.0;       ///< likewise
 };
 
@@ -35,7 +36,11 @@ struct AfterMeasurement
 
     /// The largest CIEDE2000 from what was computed; from the target where that counts.
     double worst() const;
-    bool isPassed() const { return worst() <= acceptance.maxDifference; }
+    /// The luminance of white as measured over the computed one, less 1; none where either is not known.
+    std::optional<double> whiteDifference() const;
+    /// Whether colours are near enough, and white as bright as computed within 5 %, which is what instruments and
+    /// their places differ by.
+    bool isPassed() const;
     /// "PASSED: measured afterwards, CIEDE2000 from what was computed at most 0.45 of 1.0".
     QString sentence() const;
 };

@@ -29,7 +29,8 @@ QString opening(Verdict::Kind kind)
 QString limitText(double limit)
 {
     const QString text = QString::number(limit);
-    return text.contains(QLatin1Char('.')) ? text : text + QLatin1String(".0");
+    const bool isWhole = limit == std::floor(limit) && !text.contains(QLatin1Char('e'));
+    return !isWhole ? text : text + QLatin1String(".0");
 }
 
 QString difference(const Verdict& verdict)
@@ -45,8 +46,10 @@ QString difference(const Verdict& verdict)
 
 QString differenceText(double worst, double limit)
 {
-    const QString format = worst <= limit ? QStringLiteral("at most %1 of %2") : QStringLiteral("up to %1, above %2");
-    return format.arg(QString::number(worst, 'f', 2), limitText(limit));
+    const bool isWithin = worst <= limit;
+    const QString format = isWithin ? QStringLiteral("at most %1 of %2") : QStringLiteral("up to %1, above %2");
+    const QString two = QString::number(worst, 'f', 2);
+    return format.arg(isWithin || two.toDouble() > limit ? two : QString::number(worst), limitText(limit));
 }
 
 QString Verdict::sentence() const
@@ -56,8 +59,13 @@ QString Verdict::sentence() const
         remarks << wordOf(known);
     if (isSimulated)
         remarks << QStringLiteral("simulated");
-    return QStringLiteral("%1: %2 of %3 devices hold %4 correction")
-               .arg(opening(kind), QString::number(holding), QString::number(devices),
+    if (isPast)
+        remarks << QStringLiteral("from the journal");
+    const bool isWord = holding > 0 && known == Known::Acknowledged; // nobody looked
+    const QString verb =
+        isWord ? QStringLiteral("acknowledged") : (isPast ? QStringLiteral("held") : QStringLiteral("hold"));
+    return QStringLiteral("%1: %2 of %3 devices %4 %5 correction")
+               .arg(opening(kind), QString::number(holding), QString::number(devices), verb,
                     kind == Kind::Differs ? QStringLiteral("a") : QStringLiteral("the")) +
            (holding > 0 ? difference(*this) : QString()) +
            (isAsBright ? QString() : QStringLiteral(", white not as bright as wanted")) +

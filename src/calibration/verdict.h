@@ -30,6 +30,7 @@ struct Verdict
     Known known = Known::Computed;             ///< how what they hold is known, at the weakest
     bool isSimulated = false;                  ///< the devices are
     bool isStrict = false;                     ///< see Acceptance
+    bool isPast = false;                       ///< from a journal: they held it when they were served
     bool isAsBright = true; ///< the white of those has the luminance that is wanted, within 1 %, where both are known
 
     bool isPassed() const { return kind == Kind::Passed; }

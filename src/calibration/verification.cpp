@@ -33,49 +33,73 @@ public:
     {
         Verdict& verdict = m_verification.verdict;
         ++verdict.devices;
-        if (!record.isDone()) {
-            const bool isServed = !record.outcomes.empty() && record.outcomes.front().kind != Outcome::Kind::NotSent;
-            m_verification.faults << record.device + (isServed ? QStringLiteral(": does not hold everything")
-                                                               : QStringLiteral(": not served"));
-        }
+        const QString fault = faultOf(record);
+        if (!fault.isEmpty())
+            m_verification.faults << QStringLiteral("%1: %2").arg(record.device, fault);
         for (const HeldCorrection& held : record.held) {
             const Judgement judgement = judge(record, held);
-            if (record.isDone()) {
-                verdict.worst = std::max(verdict.worst, judgement.difference);
-                verdict.isAsBright =
-                    verdict.isAsBright && (judgement.isWithin || judgement.difference > m_acceptance.maxDifference);
-            }
+            if (fault.isEmpty())
+                count(judgement);
             m_verification.judgements.push_back(judgement);
         }
-        if (record.isDone()) {
+        if (fault.isEmpty()) {
             verdict.known = verdict.holding == 0 ? record.known : std::min(verdict.known, record.known);
             ++verdict.holding;
         }
     }
 
 private:
-    Judgement judge(const DeviceRecord& record, const HeldCorrection& held)
+    /// Why a device does not hold the correction, or is not known to; empty where it does.
+    static QString faultOf(const DeviceRecord& record)
     {
-        const auto figures = figuresFor(held);
-        Judgement judgement{record.device, held, record.known, {}, std::numeric_limits<double>::infinity(), false};
-        const QString subject = QStringLiteral("%1: %2 cabinets").arg(record.device, QString::number(held.cabinets));
-        if (!*figures) {
-            m_verification.faults << QStringLiteral("%1: %2").arg(subject, figures->fault().message());
-            return judgement;
-        }
-        judgement.figures = std::shared_ptr<const Figures>(figures, &**figures);
-        judgement.difference = m_acceptance.isStrict ? (*figures)->worst() : (*figures)->worstHeld();
-        judgement.isWithin = judgement.difference <= m_acceptance.maxDifference && isAsBright(judgement);
-        if (judgement.difference > m_acceptance.maxDifference)
-            m_verification.faults << QStringLiteral("%1 differ%2 by %3, above %4")
+        if (record.outcomes.empty() || record.outcomes.front().kind == Outcome::Kind::NotSent)
+            return QStringLiteral("not served");
+        if (!record.isDone())
+            return QStringLiteral("does not hold everything");
+        int known = 0;
+        for (const HeldCorrection& held : record.held)
+            known += std::max(0, held.cabinets);
+        const int cabinets = record.outcomes.front().cabinets;
+        if (cabinets <= 0)
+            return QStringLiteral("has no cabinets");
+        return known == cabinets ? QString()
+                                 : QStringLiteral("of %1 cabinets, %2 are known to hold it").arg(cabinets).arg(known);
+    }
+
+    /// Takes a group of cabinets of a device that holds everything into the verdict.
+    void count(const Judgement& judgement)
+    {
+        Verdict& verdict = m_verification.verdict;
+        verdict.worst = std::max(verdict.worst, judgement.difference);
+        const bool isFar = judgement.difference > m_acceptance.maxDifference;
+        verdict.isAsBright = verdict.isAsBright && (judgement.isWithin || isFar);
+        if (judgement.isWithin)
+            return;
+        const QString subject =
+            QStringLiteral("%1: %2 cabinets").arg(judgement.device, QString::number(judgement.held.cabinets));
+        if (!judgement.figures)
+            m_verification.faults << QStringLiteral("%1 give no light").arg(subject);
+        else if (isFar)
+            m_verification.faults << QStringLiteral("%1 differ%2 by CIEDE2000 %3, above %4")
                                          .arg(subject,
                                               m_acceptance.isStrict ? QStringLiteral(" from the target") : QString(),
                                               QString::number(judgement.difference, 'f', 2),
                                               QString::number(m_acceptance.maxDifference));
-        else if (!judgement.isWithin)
+        else
             m_verification.faults << QStringLiteral("%1 show white at %2 cd/m2, wanted %3")
-                                         .arg(subject, QString::number(whiteOf(**figures), 'f', 1),
+                                         .arg(subject, QString::number(whiteOf(*judgement.figures), 'f', 1),
                                               QString::number(m_target.wLxy.lum, 'f', 1));
+    }
+
+    Judgement judge(const DeviceRecord& record, const HeldCorrection& held)
+    {
+        const auto figures = figuresFor(held);
+        Judgement judgement{record.device, held, record.known, {}, std::numeric_limits<double>::infinity(), false};
+        if (!*figures)
+            return judgement;
+        judgement.figures = std::shared_ptr<const Figures>(figures, &**figures);
+        judgement.difference = m_acceptance.isStrict ? (*figures)->worst() : (*figures)->worstHeld();
+        judgement.isWithin = judgement.difference <= m_acceptance.maxDifference && isAsBright(judgement);
         return judgement;
     }
 
@@ -145,10 +169,18 @@ Common::Result<Verification> verify(const Journal& journal, const Acceptance& ac
     }
     if (records.empty())
         return Fault{Fault::Kind::BadData, QStringLiteral("calibration"), {}, QStringLiteral("names no device")};
-    auto verification = judge(gamutFromJson(inputs.value(QStringLiteral("measured")).toObject()),
-                              gamutFromJson(inputs.value(QStringLiteral("target")).toObject()), records, acceptance);
+    const auto measured = gamutFromJson(inputs.value(QStringLiteral("measured")).toObject());
+    const auto target = gamutFromJson(inputs.value(QStringLiteral("target")).toObject());
+    for (const auto& [gamut, name] : {std::pair(&measured, "measured"), {&target, "target"}}) {
+        const auto made =
+            requireGamut(*gamut, QStringLiteral("calibration journal, gamut \"%1\"").arg(QLatin1String(name)));
+        if (!made)
+            return made.fault();
+    }
+    auto verification = judge(measured, target, records, acceptance);
     for (const QJsonValue warning : inputs.value(QStringLiteral("warnings")).toArray())
         verification.warnings << warning.toString();
+    verification.verdict.isPast = true;
     verification.verdict.isSimulated = inputs.value(QStringLiteral("simulated")).toBool();
     return verification;
 }

@@ -66,10 +66,12 @@ std::vector<Comparison> comparisons()
              return std::vector{known(p.beforeToTarget, 2), decimal(p.afterToTarget, 2), decimal(p.afterToComputed, 2)};
          }},
         {QStringLiteral("Distance in u'v'"),
-         {{QStringLiteral("duv_after_to_target"), QStringLiteral("after to target")},
-          {QStringLiteral("duv_after_to_computed"), QStringLiteral("after to computed")}},
+         {{QStringLiteral("duv_prime_before_to_target"), QStringLiteral("before to target")},
+          {QStringLiteral("duv_prime_after_to_target"), QStringLiteral("after to target")},
+          {QStringLiteral("duv_prime_after_to_computed"), QStringLiteral("after to computed")}},
          [](const ComparedPoint& p) {
-             return std::vector{decimal(p.uvAfterToTarget, 4), decimal(p.uvAfterToComputed, 4)};
+             return std::vector{decimal(p.uvBeforeToTarget, 4), decimal(p.uvAfterToTarget, 4),
+                                decimal(p.uvAfterToComputed, 4)};
          }},
         {QStringLiteral("Luminance, cd/m2"),
          {{QStringLiteral("before_cd_m2"), QStringLiteral("before")},
@@ -121,6 +123,8 @@ QJsonObject toJson(const AfterMeasurement& after, const Calibration::Measurement
                        {QStringLiteral("known"), wordMeasured()},
                        {QStringLiteral("measurement"), QString::fromStdString(measurement.gamut.name)},
                        {QStringLiteral("points"), array}};
+    if (const auto white = after.whiteDifference())
+        object.insert(QStringLiteral("white_luminance_difference"), *white);
     if (!measurement.instrument.isEmpty())
         object.insert(QStringLiteral("instrument"), measurement.instrument);
     if (!measurement.date.isEmpty())

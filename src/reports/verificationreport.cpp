@@ -40,7 +40,9 @@ QString source(const Calibration::Verdict& verdict)
         how << wordOf(verdict.known);
     if (verdict.isSimulated)
         how << QStringLiteral("simulated");
-    return QStringLiteral("From the journal: what the cabinets held when they were served") +
+    return (verdict.known == Known::Acknowledged && verdict.holding > 0
+                ? QStringLiteral("From the journal: what the devices acknowledged")
+                : QStringLiteral("From the journal: what the cabinets held when they were served")) +
            (how.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(how.join(QStringLiteral(", "))));
 }
 

@@ -84,7 +84,8 @@ private Q_SLOTS:
         strict.acceptance.isStrict = true;
         const RunResult result = good(calibrate(TestWall(), m_content, out(), strict));
         QVERIFY(result.isDone() && result.verification.verdict.kind == Verdict::Kind::Differs);
-        QVERIFY2(faultText(*result.fault()).startsWith("Difference: a: 2 cabinets differ from the target by 10.26"),
+        QVERIFY2(faultText(*result.fault())
+                     .startsWith("Difference: a: 2 cabinets differ from the target by CIEDE2000 10.26"),
                  qPrintable(faultText(*result.fault())));
     }
 

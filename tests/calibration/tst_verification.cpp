@@ -35,6 +35,8 @@ private:
         record.outcomes.resize(1);
         record.outcomes[0].kind = Outcome::Kind::Answered;
         record.outcomes[0].result = CabinetSenderSpace::ResultSuccess;
+        record.outcomes[0].cabinets = held.cabinets;
+        record.outcomes[0].arrived = held.cabinets;
         record.held << held;
         record.known = known;
         return record;
@@ -44,6 +46,7 @@ private:
     {
         DeviceRecord failed = record(device, {2, {}, false});
         failed.outcomes[0].cabinets = cabinets;
+        failed.outcomes[0].arrived = 0;
         return failed;
     }
 
@@ -63,34 +66,34 @@ private Q_SLOTS:
         other[4] = 8216;
         QTest::newRow("as computed, the LEDs reach no blue")
             << m_right << true << false
-            << "PASSED: 2 of 2 devices hold the correction, CIEDE2000 at most 0.01 of 1.0 (acknowledged, simulated)"
+            << "PASSED: 2 of 2 devices acknowledged the correction, CIEDE2000 at most 0.01 of 1.0 (acknowledged, "
+               "simulated, from the journal)"
             << "";
         QTest::newRow("as computed, blue counts")
             << m_right << true << true
-            << "DIFFERS: 2 of 2 devices hold a correction, CIEDE2000 from the target up to 10.26, above 1.0 "
-               "(acknowledged, simulated)"
-            << "a: 2 cabinets differ from the target by 10.26, above 1";
-        QTest::newRow("another integer")
-            << other << true << false
-            << "DIFFERS: 2 of 2 devices hold a correction, CIEDE2000 up to 28.40, above 1.0 (acknowledged, simulated)"
-            << "a: 2 cabinets differ by 28.40, above 1";
+            << "DIFFERS: 2 of 2 devices acknowledged a correction, CIEDE2000 from the target up to 10.26, above 1.0 "
+               "(acknowledged, simulated, from the journal)"
+            << "a: 2 cabinets differ from the target by CIEDE2000 10.26, above 1";
+        QTest::newRow("another integer") << other << true << false
+                                         << "DIFFERS: 2 of 2 devices acknowledged a correction, CIEDE2000 up to 28.40, "
+                                            "above 1.0 (acknowledged, simulated, from the journal)"
+                                         << "a: 2 cabinets differ by CIEDE2000 28.40, above 1";
         auto half = m_right;
         for (auto& coefficient : half)
             coefficient = static_cast<std::int16_t>(coefficient / 2);
-        QTest::newRow("half as bright")
-            << half << true << false
-            << "DIFFERS: 2 of 2 devices hold a correction, CIEDE2000 at most 0.04 of 1.0, white not as bright as "
-               "wanted (acknowledged, simulated)"
-            << "a: 2 cabinets show white at 1487.6 cd/m2, wanted 2975.4";
-        QTest::newRow("off")
-            << m_right << false << false
-            << "DIFFERS: 2 of 2 devices hold a correction, CIEDE2000 up to 13.43, above 1.0 (acknowledged, simulated)"
-            << "a: 2 cabinets differ by 13.43, above 1";
+        QTest::newRow("half as bright") << half << true << false
+                                        << "DIFFERS: 2 of 2 devices acknowledged a correction, CIEDE2000 at most 0.04 "
+                                           "of 1.0, white not as bright as "
+                                           "wanted (acknowledged, simulated, from the journal)"
+                                        << "a: 2 cabinets show white at 1487.6 cd/m2, wanted 2975.4";
+        QTest::newRow("off") << m_right << false << false
+                             << "DIFFERS: 2 of 2 devices acknowledged a correction, CIEDE2000 up to 13.43, above 1.0 "
+                                "(acknowledged, simulated, from the journal)"
+                             << "a: 2 cabinets differ by CIEDE2000 13.43, above 1";
         QTest::newRow("dark") << Colour::Coefficients{} << true << false
-                              << "DIFFERS: 2 of 2 devices hold a correction, on which white gives no light "
-                                 "(acknowledged, simulated)"
-                              << "a: 2 cabinets: gamut Panel 2026-11: the coefficients for the target Rec.709 / sRGB "
-                                 "leave white without light";
+                              << "DIFFERS: 2 of 2 devices acknowledged a correction, on which white gives no light "
+                                 "(acknowledged, simulated, from the journal)"
+                              << "a: 2 cabinets give no light";
     }
 
     void whatCabinetsHoldIsJudged()
@@ -121,16 +124,24 @@ private Q_SLOTS:
         const DeviceRecord done = record("a", {2, m_right, true});
         QTest::newRow("one was not reached, its cabinets differ")
             << std::vector{done, unserved("b", 2)}
-            << "PARTLY APPLIED: 1 of 2 devices hold the correction, CIEDE2000 at most 0.01 of 1.0 (read back, "
-               "simulated)"
-            << QStringList{"b: does not hold everything", "b: 2 cabinets differ by 13.43, above 1"};
+            << "PARTLY APPLIED: 1 of 2 devices held the correction, CIEDE2000 at most 0.01 of 1.0 (read back, "
+               "simulated, from the journal)"
+            << QStringList{"b: does not hold everything"};
         QTest::newRow("one is missing") << std::vector{done}
-                                        << "PARTLY APPLIED: 1 of 2 devices hold the correction, CIEDE2000 at most "
-                                           "0.01 of 1.0 (read back, simulated)"
+                                        << "PARTLY APPLIED: 1 of 2 devices held the correction, CIEDE2000 at most "
+                                           "0.01 of 1.0 (read back, simulated, from the journal)"
                                         << QStringList{"b: not served"};
-        QTest::newRow("none was served") << std::vector<DeviceRecord>()
-                                         << "NOT APPLIED: 0 of 2 devices hold the correction (simulated)"
-                                         << QStringList{"a: not served", "b: not served"};
+        DeviceRecord unknown = done;
+        unknown.held.clear();
+        const DeviceRecord empty = record("b", {0, m_right, true});
+        QTest::newRow("nothing is known of one, the other is empty")
+            << std::vector{unknown, empty}
+            << "NOT APPLIED: 0 of 2 devices held the correction (simulated, from the journal)"
+            << QStringList{"a: of 2 cabinets, 0 are known to hold it", "b: has no cabinets"};
+        QTest::newRow("none was served")
+            << std::vector<DeviceRecord>()
+            << "NOT APPLIED: 0 of 2 devices held the correction (simulated, from the journal)"
+            << QStringList{"a: not served", "b: not served"};
     }
 
     void devicesThatDoNotHoldItAreCounted()
@@ -149,15 +160,21 @@ private Q_SLOTS:
         QTest::addColumn<QString>("sentence");
         QTest::newRow("as computed, darker")
             << 2500.0 << 1.0 << false
-            << "PASSED: measured afterwards, CIEDE2000 from what was computed at most 0.00 of 1.0";
+            << "DIFFERS: measured afterwards, CIEDE2000 from what was computed at most 0.00 of 1.0, white -16.0 % of "
+               "luminance";
+        QTest::newRow("as computed, as bright as instruments tell")
+            << 2870.0 << 1.0 << false
+            << "PASSED: measured afterwards, CIEDE2000 from what was computed at most 0.00 of 1.0, white -3.5 % of "
+               "luminance";
         QTest::newRow("as computed, in ratios")
             << 0.0 << 1.0 << false
             << "PASSED: measured afterwards, CIEDE2000 from what was computed at most 0.00 of 1.0";
         QTest::newRow("as computed, blue counts")
             << 0.0 << 1.0 << true << "DIFFERS: measured afterwards, CIEDE2000 from the target up to 10.26, above 1.0";
         QTest::newRow("dark blue")
-            << 2500.0 << 0.6 << false
-            << "DIFFERS: measured afterwards, CIEDE2000 from what was computed up to 7.84, above 1.0";
+            << 2970.0 << 0.6 << false
+            << "DIFFERS: measured afterwards, CIEDE2000 from what was computed up to 7.84, above 1.0, white -0.2 % of "
+               "luminance";
         QTest::newRow("no blue")
             << 2500.0 << 0.0 << false
             << "BadData: measurement afterwards, blue: expected luminances of it and of white above "

@@ -174,6 +174,8 @@ private Q_SLOTS:
         Calibration::DeviceRecord b = a;
         b.device = "b";
         b.held.append({1, {}, true});
+        for (auto& outcome : b.outcomes)
+            outcome.arrived = ++outcome.cabinets;
         const auto verification = Calibration::judge(m_content.measured, m_content.target, {a, b}, {});
         const QString text = toText(verification);
         QVERIFY2(text.startsWith("DIFFERS: 2 of 2") && text.contains("\na       2         on          0.01") &&

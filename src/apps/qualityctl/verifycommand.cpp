@@ -1,9 +1,11 @@
 #include "commands.h"
 #include "hostlog.h"
 #include "options.h"
+#include <calibration/additivity.h>
 #include <calibration/aftermeasurement.h>
 #include <calibration/folder.h>
 #include <reports/afterreport.h>
+#include <reports/measurementreport.h>
 #include <reports/verificationreport.h>
 
 #include <CLI/CLI.hpp>
@@ -23,8 +25,12 @@ std::optional<Fault> compareAfter(const VerifyArguments& arguments, const Calibr
 {
     const auto measurement = take(Calibration::readMeasured(QString::fromStdString(arguments.measured)));
     const auto after = take(Calibration::compareAfter(verification, measurement, arguments.acceptance));
-    result.text += QLatin1Char('\n') + Reports::toText(after, measurement);
-    result.json.insert(QStringLiteral("after"), Reports::toJson(after, measurement));
+    const QStringList warnings = warningsOf(measurement, Calibration::WhiteSource::Measured);
+    result.text =
+        Reports::toText(after, measurement) + QLatin1Char('\n') + Reports::warningLines(warnings) + result.text;
+    QJsonObject json = Reports::toJson(after, measurement);
+    json.insert(QStringLiteral("warnings"), QJsonArray::fromStringList(warnings));
+    result.json.insert(QStringLiteral("after"), json);
     if (after.isPassed())
         return std::nullopt;
     return Fault{Fault::Kind::Difference, measurement.subject, {}, after.sentence()};
