@@ -21,6 +21,28 @@ QString textOf(const Colour::MeasuredColour& white, bool isRelative)
              QString::number(white.luminance, 'f', 1), isRelative ? QString() : QStringLiteral(" cd/m2"));
 }
 
+/// What readings say against themselves.
+QStringList doubtsOf(const Measurement& measurement)
+{
+    constexpr double maxSpreadXy = 0.005;
+    constexpr double maxSpreadLuminance = 0.05;
+    QStringList doubts;
+    for (std::size_t i = 0; i < measurement.patches.points.size(); ++i) {
+        const PatchReadings& patch = measurement.patches.points[i];
+        if (patch.spreadXy > maxSpreadXy || patch.spreadLuminance > maxSpreadLuminance)
+            doubts << QStringLiteral("readings of %1 differ from their mean by up to %2 in x, y and %3 % of luminance")
+                          .arg(pointName(i), QString::number(patch.spreadXy, 'f', 4),
+                               QString::number(100.0 * patch.spreadLuminance, 'f', 1));
+    }
+    const auto& black = measurement.patches.black;
+    if (black && black->mean.lum > maxSpreadLuminance * measurement.patches.points[3].mean.lum)
+        doubts << QStringLiteral("black has more than %1 % of white's luminance").arg(100.0 * maxSpreadLuminance);
+    const QString observer = measurement.observer;
+    if (!observer.isEmpty() && !observer.startsWith(QLatin1String("1931")))
+        doubts << QStringLiteral("the observer is %1, figures are computed for CIE 1931, 2 degrees").arg(observer);
+    return doubts;
+}
+
 } // namespace
 
 bool Additivity::isContradiction() const
@@ -72,6 +94,7 @@ QStringList warningsOf(const Measurement& measurement, WhiteSource white)
                         (white == WhiteSource::Sum
                              ? QStringLiteral("; the correction is computed from the sum")
                              : QStringLiteral("; the correction is computed from the measured white"));
+    warnings << doubtsOf(measurement);
     const auto labelled = requireLabels(measurement.gamut, measurement.subject);
     if (!labelled)
         warnings << labelled.fault().message();
@@ -81,7 +104,7 @@ QStringList warningsOf(const Measurement& measurement, WhiteSource white)
 Result<Model::ColorGamutInfo> withWhite(const Measurement& measurement, WhiteSource white)
 {
     Model::ColorGamutInfo gamut = measurement.gamut;
-    if (white == WhiteSource::Measured)
+    if (white == WhiteSource::Measured || !measurement.file) // what was typed adds up
         return gamut;
     const auto additivity = additivityOf(measurement);
     if (!additivity)

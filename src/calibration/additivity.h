@@ -30,7 +30,7 @@ enum class WhiteSource { Measured, Sum };
 QString wordOf(WhiteSource white);
 
 /// What a measurement's figures say against it, a sentence each: a contradiction between white and the sum, with the
-/// one that counts, and labels that requireLabels() refuses.
+/// one that counts, readings of a patch that differ, another observer, and labels that requireLabels() refuses.
 QStringList warningsOf(const Measurement& measurement, WhiteSource white);
 
 /// The measured gamut with the white that is wanted. Fault: bad data for the sum where luminances are not known, or

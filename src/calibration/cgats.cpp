@@ -130,6 +130,8 @@ Result<void> CgatsParser::readFormat()
         if (fields->front().text == last)
             break;
         for (const Field& field : *fields) {
+            if (static_cast<std::size_t>(m_format->size()) == maxKeywords)
+                return refusal(m_reader.place(field), {}, QStringLiteral("more than %1 fields").arg(maxKeywords));
             if (m_format->contains(field.text))
                 return refusal(m_reader.place(field), {}, QStringLiteral("%1 stands there twice").arg(field.text));
             *m_format << field.text;
@@ -206,7 +208,7 @@ Result<double> CgatsParser::luminanceFactor(Measurement& measurement) const
 {
     constexpr double largestDrift = 0.1; // of white's readings from 100
     const double whiteLuminance = measurement.patches.points[3].mean.lum;
-    const QString normalised = valueOf({"NORMALIZED_TO_Y_100"});
+    const QString normalised = valueOf({"NORMALIZED_TO_Y_100"}).toUpper();
     const bool isNormalised = normalised == QLatin1String("YES");
     if (isNormalised && std::abs(whiteLuminance / 100.0 - 1.0) > largestDrift)
         return refusal(QStringLiteral("%1, XYZ_Y").arg(m_keywords.at(QStringLiteral("NORMALIZED_TO_Y_100")).place),

@@ -9,15 +9,20 @@ namespace Calibration {
 
 namespace {
 
-constexpr double roundingOfWhite = 1e-3; ///< of its luminance, in the integers
-
-/// Why a target's luminance cannot be had; `kept` is 0 where the wall's is not known.
-Fault tooBright(const Model::ColorGamutInfo& target, double wanted, double kept)
+/// Whether a wall can be as bright as a target asks.
+Result<void> requireBrightEnough(const Model::ColorGamutInfo& measured, const Model::ColorGamutInfo& target)
 {
-    return {Fault::Kind::BadData, QStringLiteral("target %1").arg(nameOf(target)),
-            kept > 0.0 ? QStringLiteral("a white of at most %1 cd/m2, which the wall keeps").arg(kept, 0, 'f', 1)
-                       : QStringLiteral("a measured gamut with luminances beside its own"),
-            QStringLiteral("%1 cd/m2").arg(wanted)};
+    constexpr double rounding = 1e-9;
+    const auto correction = Colour::correctionMatrix(primariesOf(measured), primariesOf(target));
+    const auto fit = correction ? Colour::whiteScale(*correction, 0.0, 0.0, 0.0) : std::nullopt;
+    const double kept = fit.value_or(0.0) * measured.wLxy.lum; // a correction keeps luminance
+    const double wanted = target.wLxy.lum;
+    if (!correction || wanted <= kept * (1.0 + rounding))
+        return {};
+    return Fault{Fault::Kind::BadData, QStringLiteral("target %1").arg(nameOf(target)),
+                 kept > 0.0 ? QStringLiteral("a white of at most %1 cd/m2, which the wall keeps").arg(kept, 0, 'f', 1)
+                            : QStringLiteral("a measured gamut with luminances beside its own"),
+                 QStringLiteral("%1 cd/m2").arg(wanted)};
 }
 
 /// Gives white a luminance in cd/m2, and the primaries those that add up to it; 0 is one that is not known.
@@ -76,21 +81,19 @@ QStringList outOfReach(const Colour::Corners& corners)
 
 Result<Figures> computeFigures(const Model::ColorGamutInfo& measured, const Model::ColorGamutInfo& target)
 {
-    const double wanted = target.wLxy.lum;
+    const auto bright = requireBrightEnough(measured, target);
+    if (!bright)
+        return bright.fault();
+    const bool isLuminanceGiven = target.wLxy.lum > 0.0;
     Model::ColorGamutInfo corrected = target;
-    if (wanted > 0.0)
+    if (isLuminanceGiven)
         ComputeNICCCoef::computeSingleCoef(corrected, 1.0, ComputeNICCCoef::ColorGamutTransform(measured),
                                            ComputeNICCCoef::GetWhiteLxy(measured));
     else
         ComputeNICCCoef::createCoef(measured, corrected);
     auto figures = figuresOf(measured, corrected);
-    if (!figures)
-        return figures;
-    const double kept = figures->corners.whiteKept * measured.wLxy.lum;
-    if (wanted > kept * (1.0 + roundingOfWhite) && wanted > 0.0)
-        return tooBright(target, wanted, kept);
-    if (!(wanted > 0.0))
-        setLuminance(figures->target, kept);
+    if (figures && !isLuminanceGiven)
+        setLuminance(figures->target, figures->corners.whiteKept * measured.wLxy.lum);
     return figures;
 }
 

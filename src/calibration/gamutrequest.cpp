@@ -19,6 +19,9 @@ using Colour::Chromaticity;
 const QString s_native = QStringLiteral("native");
 const QString s_whites = QStringLiteral("D50, D55, D65, D75, 6500K, 6500K-planck or x,y");
 
+constexpr double minLuminance = 1e-3; // cd/m2: no display has more or less
+constexpr double maxLuminance = 1e6;
+
 /// CIE 15, 2 degree observer.
 constexpr std::pair<const char*, Chromaticity> illuminants[] = {
     {"D50", {0.3457, 0.3585}}, {"D55", {0.3324, 0.3474}}, {"D65", {0.3127, 0.3290}}, {"D75", {0.2990, 0.3149}}};
@@ -98,20 +101,23 @@ QStringList namesOf(const Colour::StandardGamut& gamut)
     return QString::fromLatin1(gamut.others).split(QLatin1Char(' ')) << normalised(QString::fromLatin1(gamut.key));
 }
 
-/// How many letters must be put in, left out or changed (Levenshtein).
+/// How many letters must be put in, left out, changed, or exchanged with their neighbour.
 int editDistance(const QString& from, const QString& to)
 {
-    std::vector<int> row(static_cast<std::size_t>(to.size()) + 1);
-    std::iota(row.begin(), row.end(), 0);
-    for (const QChar c : from) {
-        int diagonal = row[0]++;
-        for (std::size_t i = 1; i < row.size(); ++i) {
-            const int changed = diagonal + (c == to.at(static_cast<int>(i) - 1) ? 0 : 1);
-            diagonal = row[i];
-            row[i] = std::min({changed, row[i] + 1, row[i - 1] + 1});
+    const auto size = static_cast<std::size_t>(to.size()) + 1;
+    std::vector<std::vector<int>> rows(static_cast<std::size_t>(from.size()) + 1, std::vector<int>(size));
+    std::iota(rows[0].begin(), rows[0].end(), 0);
+    const auto letter = [](const QString& text, std::size_t i) { return text.at(static_cast<int>(i) - 1); };
+    for (std::size_t i = 1; i < rows.size(); ++i) {
+        rows[i][0] = static_cast<int>(i);
+        for (std::size_t j = 1; j < size; ++j) {
+            const int changed = rows[i - 1][j - 1] + (letter(from, i) == letter(to, j) ? 0 : 1);
+            rows[i][j] = std::min({changed, rows[i - 1][j] + 1, rows[i][j - 1] + 1});
+            if (i > 1 && j > 1 && letter(from, i) == letter(to, j - 1) && letter(from, i - 1) == letter(to, j))
+                rows[i][j] = std::min(rows[i][j], rows[i - 2][j - 2] + 1);
         }
     }
-    return row.back();
+    return rows.back().back();
 }
 
 bool isFile(const QString& text)
@@ -119,25 +125,36 @@ bool isFile(const QString& text)
     const bool isKey =
         std::any_of(Colour::standardGamuts.begin(), Colour::standardGamuts.end(),
                     [&text](const Colour::StandardGamut& gamut) { return text == QLatin1String(gamut.key); });
-    return text == QLatin1String("-") || (!isKey && QFileInfo::exists(text));
+    const QFileInfo info(text); // a folder, or one of Qt's own resources, is none
+    return text == QLatin1String("-") ||
+           (!isKey && !text.startsWith(QLatin1Char(':')) && info.exists() && !info.isDir());
 }
 
-/// The key of the standard gamut that is nearly called so; empty where none is.
-QString nearestKey(const QString& name)
+/// What was probably meant by a name that nobody has; empty where nothing is near.
+QString nearestName(const QString& name)
 {
-    const QString wanted = normalised(name);
+    constexpr int maxLetters = 40; // longer is no name
+    const QString wanted = normalised(name.left(maxLetters));
     int least = 3; // further is another word
-    QString key;
-    for (const Colour::StandardGamut& gamut : Colour::standardGamuts) {
-        for (const QString& known : namesOf(gamut)) {
-            const int distance = editDistance(wanted, known);
-            if (distance < least && distance < known.size() / 2) {
-                least = distance;
-                key = QString::fromLatin1(gamut.key);
-            }
+    QString nearest;
+    const auto consider = [&](const QString& known, const QString& key) {
+        const bool isBegin = wanted.size() > 3 && known.startsWith(wanted);
+        const int distance = isBegin ? 1 : editDistance(wanted, known);
+        if (distance < least && distance <= known.size() / 3) {
+            least = distance;
+            nearest = key;
         }
+    };
+    for (const Colour::StandardGamut& gamut : Colour::standardGamuts) {
+        for (const QString& known : namesOf(gamut))
+            consider(known, QString::fromLatin1(gamut.key));
     }
-    return key;
+    consider(s_native, s_native);
+    for (const auto& [illuminant, white] : illuminants)
+        consider(normalised(QLatin1String(illuminant)), QLatin1String(illuminant));
+    static const QRegularExpression number(QStringLiteral("^[0-9.]+"));
+    const QString digits = number.match(name).captured();
+    return nearest.isEmpty() && !digits.isEmpty() ? QStringLiteral("native:%1K or native:%1").arg(digits) : nearest;
 }
 
 } // namespace
@@ -156,8 +173,8 @@ Result<GamutRequest> parseGamutRequest(const QString& text)
     bool isNumber = false;
     const double luminance = parts.last().toDouble(&isNumber);
     if (isNumber && parts.size() > 1) {
-        if (!(luminance > 0.0) || !std::isfinite(luminance))
-            return refusal(text, QStringLiteral("a luminance above 0 cd/m2"), parts.last());
+        if (!(luminance >= minLuminance && luminance <= maxLuminance))
+            return refusal(text, QStringLiteral("a luminance of 0.001 to 1000000 cd/m2"), parts.last());
         request.luminance = luminance;
         parts.removeLast();
     }
@@ -176,6 +193,8 @@ Result<GamutRequest> parseGamutRequest(const QString& text)
 
 const Colour::StandardGamut* standardGamut(const QString& name)
 {
+    if (name.contains(QLatin1Char(':')))
+        return nullptr; // more than a name
     const QString wanted = normalised(name);
     const auto* const found = std::find_if(
         Colour::standardGamuts.begin(), Colour::standardGamuts.end(), [&wanted](const Colour::StandardGamut& gamut) {
@@ -189,7 +208,7 @@ Result<std::optional<Colour::Primaries>> typedPrimaries(const GamutRequest& requ
     const QStringList parts = request.primaries.split(QLatin1Char(':'));
     if (!isPair(parts.first()))
         return std::optional<Colour::Primaries>();
-    if (parts.size() != 3)
+    if (parts.size() != 3 || !request.white)
         return refusal(request.text, QStringLiteral("rx,ry:gx,gy:bx,by with a white behind it"), request.primaries);
     std::array<Chromaticity, 3> points;
     for (std::size_t i = 0; i < points.size(); ++i) {
@@ -198,25 +217,26 @@ Result<std::optional<Colour::Primaries>> typedPrimaries(const GamutRequest& requ
             return point.fault();
         points[i] = *point;
     }
-    return std::optional(Colour::Primaries{points[0], points[1], points[2], request.white.value_or(Chromaticity{})});
+    return std::optional(Colour::Primaries{points[0], points[1], points[2], *request.white});
 }
 
 Fault unknownGamut(const GamutRequest& request)
 {
     const QStringList parts = request.primaries.split(QLatin1Char(':'));
     if (parts.size() > 1 && (standardGamut(parts.first()) || parts.first().compare(s_native, Qt::CaseInsensitive) == 0))
-        return refusal(request.text, QStringLiteral("a white (%1) or a luminance in cd/m2").arg(s_whites),
+        return refusal(request.text, QStringLiteral("a white (%1), and behind it a luminance in cd/m2").arg(s_whites),
                        parts.last());
     QStringList names;
     for (const Colour::StandardGamut& known : Colour::standardGamuts)
         names << QString::fromLatin1(known.key);
-    const QString key = nearestKey(parts.first());
-    return {Fault::Kind::NoInput,
-            request.subject(),
-            {},
-            QStringLiteral("neither a standard gamut nor a file"),
-            (key.isEmpty() ? QString() : QStringLiteral("did you mean %1? ").arg(key)) +
-                QStringLiteral("standard gamuts: %1").arg(names.join(QStringLiteral(", ")))};
+    const QString nearest = nearestName(parts.first());
+    return {
+        Fault::Kind::NoInput,
+        request.subject(),
+        {},
+        QStringLiteral("neither a standard gamut nor a file"),
+        (nearest.isEmpty() ? QString() : QStringLiteral("did you mean %1? ").arg(nearest)) +
+            QStringLiteral("standard gamuts: %1; native; whites: %2").arg(names.join(QStringLiteral(", ")), s_whites)};
 }
 
 } // namespace Calibration

@@ -14,7 +14,7 @@ struct GamutRequest
     QString primaries; ///< a name, a file, "native", or rx,ry:gx,gy:bx,by
     std::optional<Colour::Chromaticity> white;
     QString whiteName;               ///< as it was written; empty for none
-    std::optional<double> luminance; ///< of white, cd/m2, above 0
+    std::optional<double> luminance; ///< of white, 0.001 to 1,000,000 cd/m2
     bool isFile = false;             ///< `primaries` is a file that is there, or "-"
 
     /// How messages about it begin.
@@ -31,11 +31,11 @@ Result<GamutRequest> parseGamutRequest(const QString& text);
 /// any punctuation. Null where none does.
 const Colour::StandardGamut* standardGamut(const QString& name);
 
-/// The primaries of rx,ry:gx,gy:bx,by with the white behind them (0, 0 without one); nothing where the text has no such
+/// The primaries of rx,ry:gx,gy:bx,by with the white behind them; nothing where the text has no such
 /// form. Fault: bad data for what has it in part.
 Result<std::optional<Colour::Primaries>> typedPrimaries(const GamutRequest& request);
 
-/// "neither a standard gamut nor a file", with the standard name that is nearest to it where one is near.
+/// "neither a standard gamut nor a file", with what was probably meant where something is near.
 Fault unknownGamut(const GamutRequest& request);
 
 } // namespace Calibration

@@ -130,7 +130,8 @@ Result<void> addLuminance(Measurement& measurement, double luminance)
 {
     Gamut& gamut = measurement.gamut;
     measurement.notes << QStringLiteral("luminance of white given, not measured: %1 cd/m2").arg(luminance);
-    if (gamut.wLxy.lum > 0.0)
+    const auto known = pointsOf(gamut);
+    if (std::all_of(known.begin(), known.end(), [](const Model::LXY* point) { return point->lum > 0.0; }))
         return Fault{Fault::Kind::BadData, measurement.subject, QStringLiteral("no luminance beside the measured one"),
                      QStringLiteral("%1 beside %2 cd/m2").arg(luminance).arg(gamut.wLxy.lum)};
     PatchTable& patches = measurement.patches;

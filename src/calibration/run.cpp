@@ -23,7 +23,9 @@ bool isSameFile(const QString& first, const QString& second)
 {
     const QFileInfo a(first);
     const QFileInfo b(second);
+    const QString place = a.dir().canonicalPath(); // of a file that may not be there yet
     return a.absoluteFilePath() == b.absoluteFilePath() ||
+           (!place.isEmpty() && place == b.dir().canonicalPath() && a.fileName() == b.fileName()) ||
            (a.exists() && a.canonicalFilePath() == b.canonicalFilePath());
 }
 

@@ -15,7 +15,7 @@ QString matrixLines(const Colour::Matrix3& matrix)
     for (const Colour::Vector3& row : matrix) {
         text += QLatin1String("   ");
         for (const double value : row)
-            text += QStringLiteral("%1").arg(value, 13, 'f', 8);
+            text += decimal(value, 8).text.rightJustified(13);
         text += QLatin1Char('\n');
     }
     return text;

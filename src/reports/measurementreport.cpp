@@ -99,7 +99,7 @@ QJsonValue additivityJson(const Measurement& measurement, WhiteSource white)
 {
     const auto additivity = additivityOf(measurement);
     if (!additivity)
-        return QJsonValue::Null;
+        return QJsonValue::Undefined;
     return QJsonObject{{QStringLiteral("measured"), toJson(additivity->measured)},
                        {QStringLiteral("sum"), toJson(additivity->sum)},
                        {QStringLiteral("luminance_difference"), additivity->luminance},

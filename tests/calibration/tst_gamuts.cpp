@@ -54,16 +54,18 @@ private Q_SLOTS:
             QTest::newRow(text) << QString("BadData: gamut %1: %2").arg(text, fault);
         };
         row("0.6,0.3:0.3,0.6", "expected rx,ry:gx,gy:bx,by with a white behind it, found \"0.6,0.3\"");
-        row("0.6,0.3:0.3,0.6:0.1,0.1", "white: y must be above 0, found 0");
+        row("0.6,0.3:0.3,0.6:0.1,0.1",
+            "expected rx,ry:gx,gy:bx,by with a white behind it, found \"0.6,0.3:0.3,0.6:0.1,0.1\"");
         row("nan,0.3:0.3,0.6:0.1,0.1:0.3,0.3", "expected a number, found \"nan\"");
         row("0.6,0.3:0.3,0.6:0.1,0:0.3,0.3", "blue: y must be above 0, found 0");
         row("0.8,0.3:0.3,0.6:0.1,0.1:0.3,0.3", "red: (0.8, 0.3) lies outside the chromaticity diagram");
         row("0.6,0.3:0.5,0.35:0.4,0.4:0.3,0.3", "the primaries lie on one line");
         row("0.6,0.3:0.3,0.6:0.1,0.1:0.7,0.2",
             "white (0.7, 0.2) needs -1 of green in its luminance, at least 1e-06 is needed");
-        row("rec709:x", "expected a white (D50, D55, D65, D75, 6500K, 6500K-planck or x,y) or a luminance in cd/m2, "
-                        "found \"x\"");
-        row("rec709:0", "expected a luminance above 0 cd/m2, found \"0\"");
+        row("rec709:x",
+            "expected a white (D50, D55, D65, D75, 6500K, 6500K-planck or x,y), and behind it a luminance in cd/m2, "
+            "found \"x\"");
+        row("rec709:0", "expected a luminance of 0.001 to 1000000 cd/m2, found \"0\"");
         row("rec709:3999K", "expected daylight of 4000K to 25000K (-planck is a black body), found \"3999K\"");
         row("rec709:999K-planck", "expected 1000K to 100000K, found \"999K-planck\"");
         QTest::newRow("measured-gamut.json:3000") << "BadData: gamut measured-gamut.json: expected no luminance beside "
@@ -130,6 +132,13 @@ private Q_SLOTS:
         const auto hint = [](const char* text) { return readTarget(text, false).fault().hint; };
         QVERIFY2(hint("rec708").startsWith("did you mean rec709?"), qPrintable(hint("rec708")));
         QVERIFY2(hint("dispaly-p3:D65").startsWith("did you mean p3-d65?"), qPrintable(hint("dispaly-p3:D65")));
+        const std::pair<const char*, const char*> meant[] = {{"srbg", "rec709"},
+                                                             {"adobe", "adobe-rgb"},
+                                                             {"nativ", "native"},
+                                                             {"D66", "D65"},
+                                                             {"6500", "native:6500K or native:6500"}};
+        for (const auto& [text, name] : meant)
+            QVERIFY2(hint(text).startsWith(QString("did you mean %1?").arg(name)), qPrintable(text + hint(text)));
         QVERIFY2(hint("panel.json").startsWith("standard gamuts: rec709, "), qPrintable(hint("panel.json")));
     }
 
@@ -241,8 +250,8 @@ private Q_SLOTS:
         QCOMPARE(good(withWhite(wrong, WhiteSource::Measured)), wrong.gamut);
         const auto summed = good(withWhite(wrong, WhiteSource::Sum));
         QVERIFY(qAbs(summed.wLxy.lum - 2897.0) < 1e-9 && qAbs(summed.wLxy.x - 0.3128) < 5e-5);
-        QVERIFY(!additivityOf(good(readMeasured("rec709:500"))) &&
-                !withWhite(good(readMeasured("rec709")), WhiteSource::Sum));
+        const auto typed = good(readMeasured("rec709:500")); // adds up, whatever it is
+        QVERIFY(!additivityOf(typed) && good(withWhite(typed, WhiteSource::Sum)) == typed.gamut);
         for (const auto& [luminance, isWrong] :
              {std::pair(1.019, false), {1.021, true}, {0.981, false}, {0.979, true}}) {
             auto scaled = panel;
@@ -250,6 +259,13 @@ private Q_SLOTS:
                 scaled.patches.points[i].mean.lum *= luminance / (1.0 + additivityOf(panel)->luminance);
             QCOMPARE(additivityOf(scaled)->isContradiction(), isWrong);
         }
+        auto doubtful = panel;
+        doubtful.patches.points[0].spreadXy = 0.006;
+        doubtful.patches.points[1].spreadLuminance = 0.06;
+        doubtful.patches.black = PatchReadings{1, {200.0, 0.3, 0.3, {}}};
+        doubtful.observer = "1964_10";
+        QCOMPARE(warningsOf(panel, WhiteSource::Measured).size(), 0);
+        QCOMPARE(warningsOf(doubtful, WhiteSource::Measured).size(), 4);
         auto tinted = panel;
         tinted.patches.points[3].mean.y += 0.006;
         QVERIFY(additivityOf(tinted)->isContradiction());

@@ -75,6 +75,9 @@ void checkReport(const QString& name, const QString& file, bool force)
         throw Fault{Fault::Kind::CannotCreate, option, QStringLiteral("a file"), QStringLiteral("a pipe or device")};
     if (info.isDir() || !info.absoluteDir().exists())
         throw Fault{Fault::Kind::CannotCreate, option, {}, QStringLiteral("expected a file in a folder that is there")};
+    const QFileInfo place(info.absolutePath());
+    if (!place.isWritable())
+        throw Fault{Fault::Kind::CannotCreate, option, QStringLiteral("a folder that takes files"), place.filePath()};
     if (info.exists() && !Reports::isReport(file))
         require(Calibration::requireNewFile(file, force));
 }
@@ -135,13 +138,29 @@ CommandResult calibrate(const CalibrateArguments& arguments, const Calibration::
                                      runOptionsOf(arguments, content.files, files.all()), progress));
     }();
     const Reports::ReportDetails details = detailsOf(arguments);
-    require(Reports::writeReport(result, content, details, files));
+    const auto reported = Reports::writeReport(result, content, details, files);
     QJsonObject json = Reports::toJson(result, content);
-    QJsonObject notes;
+    QJsonArray notes;
     for (const auto& [name, value] : details.notes)
-        notes.insert(name, value);
+        notes.append(QJsonObject{{QStringLiteral("name"), name}, {QStringLiteral("value"), value}});
     json.insert(QStringLiteral("notes"), notes);
-    return {Reports::toText(result, content), json, result.fault()};
+    auto fault = result.fault();
+    if (!fault && !reported) { // the wall is calibrated all the same
+        fault = reported.fault();
+        fault->hint = QStringLiteral("the devices hold the correction; --resume writes the report again");
+    }
+    return {Reports::toText(result, content), json, fault};
+}
+
+/// Refuses what would not pass: integers that come too far from what they stand for, before anything is sent.
+void requireHeld(const Calibration::Figures& figures, const Calibration::Acceptance& acceptance)
+{
+    if (figures.worstHeld() > acceptance.maxDifference)
+        throw Fault{Fault::Kind::BadData, QStringLiteral("target %1").arg(Calibration::nameOf(figures.target)),
+                    QStringLiteral("coefficients that come within CIEDE2000 %1").arg(acceptance.maxDifference),
+                    QStringLiteral("%1: too dim, or a white too near the edge, for 14 bits")
+                        .arg(figures.worstHeld(), 0, 'f', 2),
+                    QStringLiteral("--force sends them all the same")};
 }
 
 CommandResult run(const CalibrateArguments& arguments, const Output& output)
@@ -150,6 +169,8 @@ CommandResult run(const CalibrateArguments& arguments, const Output& output)
     HostLog::install(output.quiet);
     const auto figures = take(Calibration::computeFigures(content.measured, content.target));
     content.target = figures.target;
+    if (!arguments.gamuts.force)
+        requireHeld(figures, arguments.acceptance);
     if (arguments.generation == 3) {
         OpenHub hub(arguments.hub, output);
         const auto destination = Calibration::hubDestination(hub.name(), content, hub.client(), hub.reader());
