@@ -35,6 +35,19 @@ void setLuminance(Model::ColorGamutInfo& gamut, double luminance)
     gamut.wLxy.lum = luminance;
 }
 
+/// The channels that a colour drives beyond what LEDs can do: "1.048 of green".
+QString askedTooMuch(const Colour::Corner& corner)
+{
+    constexpr double leastShown = 0.0005;
+    QStringList channels;
+    for (std::size_t i = 0; i < corner.exactDrive.size(); ++i) {
+        const double drive = corner.exactDrive[i];
+        if (drive < -leastShown || drive > 1.0 + leastShown)
+            channels << QStringLiteral("%1 of %2").arg(QString::number(drive, 'f', 3), pointName(i));
+    }
+    return channels.join(QStringLiteral(" and "));
+}
+
 double largest(const Colour::Corners& corners, double Colour::Corner::*difference)
 {
     double result = 0.0;
@@ -72,9 +85,10 @@ QStringList outOfReach(const Colour::Corners& corners)
 {
     QStringList names;
     for (std::size_t i = 0; i < corners.corners.size(); ++i) {
-        if (isOutOfReach(corners.corners[i]))
-            names << QStringLiteral("%1 by %2")
-                         .arg(judgedName(i), QString::number(corners.corners[i].outOfReach, 'f', 2));
+        const Colour::Corner& corner = corners.corners[i];
+        if (isOutOfReach(corner))
+            names << QStringLiteral("%1 by %2 (asks %3)")
+                         .arg(judgedName(i), QString::number(corner.outOfReach, 'f', 2), askedTooMuch(corner));
     }
     return names;
 }

@@ -32,8 +32,8 @@ QString judgedName(std::size_t content);
 /// Whether the LEDs cannot show a content: the nearest that they can show is off by what two decimals show.
 bool isOutOfReach(const Colour::Corner& corner);
 
-/// The contents that the LEDs cannot show, each with its CIEDE2000 from what they can: "blue by 10.26"; empty where
-/// they show all.
+/// The contents that the LEDs cannot show, each with its CIEDE2000 from what they can and the drive that it asks (full
+/// scale is 1): "yellow by 1.94 (asks 1.048 of green)"; empty where they show all.
 QStringList outOfReach(const Colour::Corners& corners);
 
 /// Computes the coefficients of `target` on a wall of `measured`, and what they reach. Fault: bad data for gamuts that

@@ -64,7 +64,7 @@ Table whiteTable(const RunResult& result, const Calibration::Content& content)
     addColour(table, QStringLiteral("corrected"), shownWhite(figures), true, wordOf(Known::Computed));
     for (const HeldFigures& held : heldFigures(result.verification))
         addColour(table, QStringLiteral("on %1 cabinets").arg(held.cabinets), shownWhite(*held.figures), true,
-                  QStringLiteral("computed, integers %1").arg(wordOf(held.known)));
+                  heldWord(held.known));
     return table;
 }
 
@@ -74,6 +74,11 @@ Table inputTable(const Calibration::Content& content)
     for (const Calibration::InputDigest& file : content.files)
         table.add({file.role, file.name, file.sha256});
     return table;
+}
+
+void append(std::vector<Block>& blocks, const std::vector<Block>& more)
+{
+    blocks.insert(blocks.end(), more.begin(), more.end());
 }
 
 /// What speaks against trusting the figures, if anything does.
@@ -104,27 +109,40 @@ std::vector<Block> measurementOf(const RunResult& result, const Calibration::Con
     return blocks;
 }
 
+/// What the correction shows, or would show where nobody is known to hold it; then what other integers show.
+std::vector<Block> coloursOf(const RunResult& result)
+{
+    const auto held = heldFigures(result.verification);
+    const auto isRight = [&result](const HeldFigures& figures) {
+        return figures.figures->coefficients == result.figures.coefficients;
+    };
+    const auto right = std::find_if(held.begin(), held.end(), isRight);
+    const bool isHeld = right != held.end();
+    const std::vector<Block> correction{
+        Heading{isHeld ? QStringLiteral("Colours and grays")
+                       : QStringLiteral("Colours and grays that the correction would show")},
+        reachTable(result.figures, isHeld ? heldWord(right->known) : wordOf(Known::Computed)),
+        Paragraph{reachText(result.figures)}};
+    std::vector<Block> others;
+    for (const HeldFigures& figures : held) {
+        if (isRight(figures))
+            continue;
+        others.push_back(Heading{QStringLiteral("Colours and grays of other integers")});
+        others.push_back(
+            Paragraph{QStringLiteral("On %1 cabinets of %2.").arg(QString::number(figures.cabinets), figures.devices)});
+        others.push_back(reachTable(*figures.figures, heldWord(figures.known)));
+    }
+    std::vector<Block> blocks = isHeld ? correction : others;
+    append(blocks, isHeld ? others : correction);
+    return blocks;
+}
+
 std::vector<Block> figuresOf(const RunResult& result, const Drawings& charts)
 {
-    std::vector<Block> blocks{
-        Heading{QStringLiteral("Correction")},
-        figuresTable(result.figures),
-        coverageTable(result.figures.coverageXy, result.figures.coverageUv),
-        Heading{QStringLiteral("Colours and grays")},
-        reachTable(result.figures),
-        Paragraph{QStringLiteral("Computed from the measurement and the integers. ") + reachText(result.figures)}};
-    for (const HeldFigures& held : heldFigures(result.verification)) {
-        const QString subject = QStringLiteral("%1 cabinets of %2 (%3)")
-                                    .arg(QString::number(held.cabinets), held.devices, wordOf(held.known));
-        if (held.figures->coefficients == result.figures.coefficients) {
-            blocks.push_back(Paragraph{QStringLiteral("These integers are held by %1.").arg(subject)});
-        } else {
-            blocks.push_back(Paragraph{QStringLiteral("Other integers are held by %1, which show:").arg(subject)});
-            blocks.push_back(reachTable(*held.figures));
-        }
-    }
+    std::vector<Block> blocks{Heading{QStringLiteral("Correction")}, figuresTable(result.figures)};
+    append(blocks, coloursOf(result));
     if (!charts.charts.empty())
-        blocks.insert(blocks.end(), {Heading{QStringLiteral("Charts")}, charts});
+        append(blocks, {Heading{QStringLiteral("Charts")}, charts});
     return blocks;
 }
 
@@ -148,11 +166,6 @@ std::vector<Block> devicesOf(const RunResult& result)
                                          .arg(QString::number(good.size()), QString::number(result.records.size())),
                                      deviceTable(good, result.resumed)});
     return blocks;
-}
-
-void append(std::vector<Block>& blocks, const std::vector<Block>& more)
-{
-    blocks.insert(blocks.end(), more.begin(), more.end());
 }
 
 } // namespace

@@ -44,7 +44,7 @@ Drawing drawingOf(const Charts::Chart& chart, const QString& caption)
 /// The charts of a calibration, in the order of ReportFiles::charts().
 Drawings drawingsOf(const RunResult& result, const Content& content)
 {
-    const QString gamuts = QStringLiteral("Measured, target and reached gamut in %1");
+    const QString gamuts = QStringLiteral("Measured gamut, target, and what the correction reaches, in %1 (computed)");
     Drawings drawings;
     drawings.charts = {
         drawingOf(correctionChart(result.figures, Charts::Plane::Xy), gamuts.arg(QStringLiteral("CIE 1931 x, y"))),
@@ -99,9 +99,9 @@ QString toText(const RunResult& result, const Content& content)
     const Calibration::Figures& figures = result.figures;
     QString text = titleOf(result) + QLatin1String("\n\n") + result.verification.verdict.sentence() +
                    QLatin1String("\n\n") + warningLines(content.warnings) + figuresTable(figures).toText() +
-                   QLatin1Char('\n') + reachTable(figures).toText() + QLatin1Char('\n') + reachText(figures) +
-                   QLatin1String("\n\n") + deviceTable(result.records, result.resumed).toText() +
-                   QLatin1String("\nWritten:\n");
+                   QLatin1Char('\n') + reachTable(figures, wordOf(Calibration::Known::Computed)).toText() +
+                   QLatin1Char('\n') + reachText(figures) + QLatin1String("\n\n") +
+                   deviceTable(result.records, result.resumed).toText() + QLatin1String("\nWritten:\n");
     for (const QString& file : result.files)
         text += QStringLiteral("  %1\n").arg(file);
     return text;

@@ -1,6 +1,7 @@
 #include "explanation.h"
 
 #include <calibration/gamut.h>
+#include <calibration/known.h>
 #include <reports/figuresreport.h>
 
 #include <QJsonObject>
@@ -70,7 +71,7 @@ std::vector<Explanation> results(const Calibration::Figures& figures)
         {QStringLiteral("Shown against target"),
          QStringLiteral("CIEDE2000 of the colours shown by the integers, L*a*b* beside the target's white; out of "
                         "reach: of s A stopped at 0 and 1 from the target; not held: of the shown from that"),
-         QStringLiteral("Sharma, Wu, Dalal 2005"), reachTable(figures).toText()},
+         QStringLiteral("Sharma, Wu, Dalal 2005"), reachTable(figures, wordOf(Calibration::Known::Computed)).toText()},
     };
 }
 

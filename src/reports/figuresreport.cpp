@@ -24,7 +24,7 @@ Cell coordinate(const std::optional<Colour::Chromaticity>& c, double Colour::Chr
 
 } // namespace
 
-Table reachTable(const Figures& figures)
+Table reachTable(const Figures& figures, const QString& known)
 {
     Table table({{QStringLiteral("point"), QStringLiteral("point")},
                  {QStringLiteral("ciede2000"), QStringLiteral("CIEDE2000")},
@@ -34,7 +34,8 @@ Table reachTable(const Figures& figures)
                  {{}, QStringLiteral("shown x, y")},
                  {QStringLiteral("x"), {}},
                  {QStringLiteral("y"), {}},
-                 {QStringLiteral("out_of_reach"), {}}});
+                 {QStringLiteral("out_of_reach"), {}},
+                 {QStringLiteral("known"), QStringLiteral("known")}});
     for (std::size_t i = 0; i < figures.corners.corners.size(); ++i) {
         const Colour::Corner& corner = figures.corners.corners[i];
         const auto shown = Colour::chromaticity(corner.shown);
@@ -46,7 +47,8 @@ Table reachTable(const Figures& figures)
                    xyText(shown),
                    coordinate(shown, &Colour::Chromaticity::x),
                    coordinate(shown, &Colour::Chromaticity::y),
-                   {{}, Calibration::isOutOfReach(corner)}});
+                   {{}, Calibration::isOutOfReach(corner)},
+                   known});
     }
     return table;
 }
@@ -71,6 +73,8 @@ Table figuresTable(const Figures& figures)
     table.add({QStringLiteral("light kept"), percent(figures.corners.whiteKept), computed});
     table.add({QStringLiteral("coverage of the target, xy"), percent(figures.coverageXy.covered), computed});
     table.add({QStringLiteral("coverage of the target, u'v'"), percent(figures.coverageUv.covered), computed});
+    table.add({QStringLiteral("area over the target's, xy"), percent(figures.coverageXy.ratio), computed});
+    table.add({QStringLiteral("area over the target's, u'v'"), percent(figures.coverageUv.ratio), computed});
     table.add({QStringLiteral("coefficients, Q1.14"), integersText(figures.coefficients), computed});
     return table;
 }
@@ -107,7 +111,7 @@ QJsonObject toJson(const Figures& figures)
     object.insert(QStringLiteral("coefficients"), toJson(figures.coefficients));
     object.insert(QStringLiteral("light_kept"), figures.corners.whiteKept);
     object.insert(QStringLiteral("known"), wordOf(Calibration::Known::Computed));
-    object.insert(QStringLiteral("reached"), reachTable(figures).toJson());
+    object.insert(QStringLiteral("reached"), reachTable(figures, wordOf(Calibration::Known::Computed)).toJson());
     return object;
 }
 

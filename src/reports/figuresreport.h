@@ -12,7 +12,8 @@ namespace Reports {
 
 /// Target and shown chromaticity of the judged contents, and three CIEDE2000: of what is shown from the target, of the
 /// nearest colour that the LEDs can show from the target, and of what is shown from that.
-Table reachTable(const Calibration::Figures& figures);
+/// `known` says how what is shown is known.
+Table reachTable(const Calibration::Figures& figures, const QString& known);
 
 /// The colours that the LEDs cannot show and how far they are, as a sentence.
 QString reachText(const Calibration::Figures& figures);

@@ -34,7 +34,13 @@ p { margin: 0.5rem 0; max-width: 46rem; }
 .bad { color: var(--bad); background: var(--on-bad); border-style: double; border-width: 6px; }
 .open, .warning { color: var(--open); background: var(--on-open); }
 .open { border-style: dashed; }
-.scroll { overflow-x: auto; margin: 0.5rem 0 1rem; }
+.scroll { /* a shadow where there is more to the side */
+  overflow-x: auto; margin: 0.5rem 0 1rem;
+  background: linear-gradient(90deg, var(--paper) 1rem, transparent) left / 2rem 100% local no-repeat,
+    linear-gradient(270deg, var(--paper) 1rem, transparent) right / 2rem 100% local no-repeat,
+    radial-gradient(farthest-side at 0 50%, #0005, transparent) left / 0.75rem 100% no-repeat,
+    radial-gradient(farthest-side at 100% 50%, #0005, transparent) right / 0.75rem 100% no-repeat;
+}
 .scroll:focus-visible, summary:focus-visible { outline: 2px solid var(--ink); outline-offset: 2px; }
 table { border-collapse: collapse; font-size: 0.9375rem; line-height: 1.4; overflow-wrap: break-word; }
 th, td {
@@ -44,7 +50,7 @@ th:last-child, td:last-child { padding-right: 0; }
 thead th { vertical-align: bottom; font-weight: 600; color: var(--faint); }
 .scroll th, .scroll td:not(.long) { white-space: nowrap; }
 .number { text-align: right; font-variant-numeric: tabular-nums; }
-.long { overflow-wrap: anywhere; min-width: 12rem; }
+.long { overflow-wrap: anywhere; min-width: 12rem; font-size: 0.875rem; }
 .facts { margin: 0.5rem 0 1rem; overflow-wrap: anywhere; }
 .facts th { font-weight: normal; color: var(--faint); min-width: 7rem; }
 summary { cursor: pointer; padding: 0.3rem 0; font-weight: 600; }
@@ -66,7 +72,7 @@ figcaption { margin-top: 0.25rem; font-size: 0.875rem; color: var(--faint); }
   tr, figure, .verdict, .warning { break-inside: avoid; }
   h1, h2, summary { break-after: avoid; }
   p { orphans: 3; widows: 3; }
-  .scroll { overflow: visible; }
+  .scroll { overflow: visible; background: none; }
   .long { min-width: 0; }
   details::details-content { content-visibility: visible; block-size: auto; }
   .charts { grid-template-columns: 1fr 1fr; gap: 5mm; }

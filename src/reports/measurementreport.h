@@ -21,7 +21,8 @@ void addColour(Table& table, const QString& name, const Model::LXY& colour, bool
 Table pointTable(const Model::ColorGamutInfo& gamut, const QString& known);
 
 /// "measured" and "sum", each "x", "y" and "luminance"; "luminance_difference" (a fraction), "duv_prime",
-/// "contradiction" and "white", which of the two the correction is computed from. Undefined where luminances are not known.
+/// "contradiction" and "white", which of the two the correction is computed from. Undefined where luminances are not
+/// known.
 QJsonValue additivityJson(const Calibration::Measurement& measurement, Calibration::WhiteSource white);
 
 /// "Warning: ..." for each, with an empty line behind them; empty for none.

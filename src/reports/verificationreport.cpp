@@ -48,6 +48,11 @@ QString source(const Calibration::Verdict& verdict)
 
 } // namespace
 
+QString heldWord(Known known)
+{
+    return QStringLiteral("computed, integers %1").arg(wordOf(known));
+}
+
 std::vector<HeldFigures> heldFigures(const Calibration::Verification& verification)
 {
     constexpr int maxNames = 4;
@@ -95,7 +100,8 @@ QString toText(const Calibration::Verification& verification)
     for (const HeldFigures& held : heldFigures(verification))
         text +=
             QStringLiteral("\nComputed for the coefficients %1:\n\n").arg(integersText(held.figures->coefficients)) +
-            reachTable(*held.figures).toText() + QLatin1Char('\n') + reachText(*held.figures) + QLatin1Char('\n');
+            reachTable(*held.figures, heldWord(held.known)).toText() + QLatin1Char('\n') + reachText(*held.figures) +
+            QLatin1Char('\n');
     return text;
 }
 

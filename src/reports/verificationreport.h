@@ -23,6 +23,9 @@ struct HeldFigures
     Calibration::Known known = Calibration::Known::Computed; ///< how it is known that they do, at the weakest
 };
 
+/// How figures of held integers are known: "computed, integers read back".
+QString heldWord(Calibration::Known known);
+
 /// The figures of all cabinets that show light, those of equal integers once.
 std::vector<HeldFigures> heldFigures(const Calibration::Verification& verification);
 

@@ -121,6 +121,8 @@ class Calibration:
         self.luminance = luminance or self.kept * measured[3][2]
         self.shares = [column[1] for column in wanted] + [1]
         self.asked = {name: colour.mixed(wanted, content) for name, content in CONTENTS.items()}
+        self.drives = {name: [sum(entry * part for entry, part in zip(row, content)) for row in exact]
+                       for name, content in CONTENTS.items()}
         self.reached = self.relative(wall, exact)
         self.shown = self.relative(wall, held)
         self.differences = {name: [self.difference(self.shown[name], asked), self.difference(self.reached[name], asked),
@@ -182,10 +184,10 @@ def chart_lines(c):
 def expected_lines(c, points, notes, takes_sum, devices, steps, files):
     """Every line of a report that has figures."""
     whole = f"{len(devices)} of {len(devices)} devices"
-    cabinets = f"{sum(devices.values())} cabinets of {', '.join(devices)}"
     after = (*xy_of(c.shown["white"]), c.kept * c.measured[3][2])
     wanted = [(*xy, share * c.luminance) for xy, share in zip(c.target, c.shares)]
-    reached = [Number(out, 2) for _, out, _ in c.differences.values() if out >= 0.005]
+    reached = [number for name, (_, out, _) in c.differences.items() if out >= 0.005
+               for number in (Number(out, 2), *(Number(d, 3) for d in c.drives[name] if not -0.0005 <= d <= 1.0005))]
     white = "White before and after"
     worst = max(held for _, _, held in c.differences.values())
     lines = [Line("", f"PASSED: {whole} hold the correction, CIEDE2000 at most", [Number(worst, 2), Number(1, 1)]),
@@ -198,17 +200,16 @@ def expected_lines(c, points, notes, takes_sum, devices, steps, files):
              point_line(white, f"on {sum(devices.values())} cabinets", after),
              Line("Correction", "light kept | ", [Number(100 * c.kept, 2)]),
              Line("Correction", "coefficients, Q1.14 | ", [Number(unit) for row in c.integers for unit in row]),
-             Line("Colours and grays", f"These integers are held by {cabinets}", ()),
              Line("Devices", f"{whole} hold everything", ())]
-    for plane, row, name in (("xy", "CIE 1931 xy", "xy"), ("uv", "CIE 1976 u'v'", "u'v'")):
+    for plane, name in (("xy", "xy"), ("uv", "u'v'")):
         percent = [Number(100 * part, 2) for part in c.areas[plane]]
-        lines += [Line("Correction", f"{row} | ", percent),
+        lines += [Line("Correction", f"area over the target's, {name} | ", percent[:1]),
                   Line("Correction", f"coverage of the target, {name} | ", percent[1:])]
     for name, differences in c.differences.items():
         places = [Number(v, 4) for xyz in (c.asked[name], c.shown[name]) for v in xy_of(xyz)]
         lines.append(Line("Colours and grays", f"{name} | ", [Number(d, 2) for d in differences] + places))
     if reached:
-        lines.append(Line("Colours and grays", "Computed from", reached))
+        lines.append(Line("Colours and grays", "Out of the LEDs' reach", reached))
     lines += [Line("Devices", f"{name} | ", [Number(count), Number(steps), Number(steps), UNCHECKED])
               for name, count in devices.items()]
     return lines + chart_lines(c) + [
@@ -246,11 +247,13 @@ def expected_verification(c, after, devices):
             "target_xy": xy_of(asked), "ciede2000_before_to_target": c.difference(before, asked),
             "ciede2000_after_to_target": c.difference(seen, asked),
             "ciede2000_after_to_computed": c.difference(seen, shown),
-            "duv_after_to_target": distance_uv(new[:2], xy_of(asked)),
-            "duv_after_to_computed": distance_uv(new[:2], xy_of(shown))})
+            "duv_prime_before_to_target": distance_uv(old[:2], xy_of(asked)),
+            "duv_prime_after_to_target": distance_uv(new[:2], xy_of(asked)),
+            "duv_prime_after_to_computed": distance_uv(new[:2], xy_of(shown))})
     furthest = max(point["ciede2000_after_to_computed"] for point in points)
     return areas | {
-        "after": {"points": points, "max_ciede2000": furthest}, "error": {"code": 1},
+        "after": {"points": points, "max_ciede2000": furthest,
+                  "white_luminance_difference": after[3][2] / (c.kept * c.measured[3][2]) - 1}, "error": {"code": 1},
         "shown": [areas | {"coefficients": integers, "light_kept": c.kept, "reached": reached}],
         "devices": [{"cabinets": n, "coefficients": integers, "max_ciede2000": worst} for n in devices.values()],
         "verdict": {"devices": len(devices), "devices_holding_it": len(devices), "max_ciede2000": worst, "max_de": 1}}

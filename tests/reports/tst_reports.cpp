@@ -56,11 +56,13 @@ private Q_SLOTS:
         QVERIFY(!white["out_of_reach"].toBool() && qAbs(white["x"].toDouble() - 0.3127) < 2e-4);
         QCOMPARE(json.value("reached")[10]["point"], QJsonValue("gray 10 %"));
         QCOMPARE(reachText(m_figures),
-                 QString("Out of the LEDs' reach, in CIEDE2000: blue by 10.26, yellow by 1.94, magenta by 0.17."));
+                 QString("Out of the LEDs' reach, in CIEDE2000: blue by 10.26 (asks -0.061 of green), yellow by 1.94 "
+                         "(asks 1.048 of green), magenta by 0.17 (asks -0.003 of green)."));
         auto target = m_content.target; // red gives no light: no chromaticity, no triangle
         target.coeff.setCoeffs({0, 5297, 823, 0, 16216, 64530, 0, 365, 11230});
         const auto noRed = good(Calibration::figuresOf(m_content.measured, target));
-        QVERIFY(toJson(noRed).value("reached")[0]["x"].isUndefined() && reachTable(noRed).toText().contains("  -\n"));
+        QVERIFY(toJson(noRed).value("reached")[0]["x"].isUndefined() &&
+                reachTable(noRed, "k").toText().contains("  -               k\n"));
         QVERIFY(!correctionChart(noRed, Charts::Plane::Xy).toSvg().contains("reached"));
         const auto p3 = good(Calibration::computeFigures(standardGamut("p3-d65"), standardGamut("bt2020")));
         QVERIFY(qAbs(toJson(p3)["area_ratio_xy"].toDouble() - 0.7174329118) < 1e-9);

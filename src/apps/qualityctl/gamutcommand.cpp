@@ -83,16 +83,17 @@ CommandResult showCoefficients(const GamutArguments& arguments, const Output& ou
 {
     const auto correction = correctionOf(arguments, output);
     const auto& figures = correction.figures;
-    return {
-        correction.warnings() +
-            QStringLiteral("%1 corrected to %2, signed Q1.14 (1.0 is 16384), rows are LED channels\n\n%3\n"
-                           "light kept   %4\ncoverage     %5\narea ratio   %6\n\n")
-                .arg(nameOf(figures.measured), nameOf(figures.target), Reports::coefficientLines(figures.coefficients),
-                     Reports::percent(figures.corners.whiteKept).text,
-                     Reports::percent(figures.coverageXy.covered).text,
-                     Reports::percent(figures.coverageXy.ratio).text) +
-            Reports::reachTable(figures).toText() + QLatin1Char('\n') + Reports::reachText(figures) + QLatin1Char('\n'),
-        correction.toJson()};
+    return {correction.warnings() +
+                QStringLiteral("%1 corrected to %2, signed Q1.14 (1.0 is 16384), rows are LED channels\n\n%3\n"
+                               "light kept   %4\ncoverage     %5\narea ratio   %6\n\n")
+                    .arg(nameOf(figures.measured), nameOf(figures.target),
+                         Reports::coefficientLines(figures.coefficients),
+                         Reports::percent(figures.corners.whiteKept).text,
+                         Reports::percent(figures.coverageXy.covered).text,
+                         Reports::percent(figures.coverageXy.ratio).text) +
+                Reports::reachTable(figures, wordOf(Calibration::Known::Computed)).toText() + QLatin1Char('\n') +
+                Reports::reachText(figures) + QLatin1Char('\n'),
+            correction.toJson()};
 }
 
 CommandResult explain(const GamutArguments& arguments, const Output& output)
