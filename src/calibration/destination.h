@@ -6,7 +6,8 @@
 
 namespace Calibration {
 
-/// Where a calibration is sent: devices, one after the other.
+/// Where a calibration is sent: devices. serve() may be called on several threads at once, each for another device; all
+/// else is used on one thread.
 class Destination
 {
 public:
@@ -21,7 +22,8 @@ public:
     virtual int stepCount() const = 0;
 
     /// Sends everything to a device, in order, and reads back what it holds then. A step that fails ends it. Blocks
-    /// until the device has answered or its time is over.
+    /// until the device has answered or its time is over. Any thread, Qt's or not; it is the only one at work on that
+    /// device, and calls the observer itself. A destination of one device may need the thread that made it.
     virtual DeviceRecord serve(const std::string& device, Observer& observer) = 0;
     /// The record of a device to which nothing was sent.
     virtual DeviceRecord notServed(const std::string& device) const = 0;

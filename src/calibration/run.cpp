@@ -1,6 +1,7 @@
 #include "run.h"
 
 #include <calibration/output.h>
+#include <calibration/serving.h>
 #include <qualityutility/tool/file/filefailures.h>
 #include <qualityutility/tool/file/picqualityfiletool.h>
 #include <suite/model/finegray.h>
@@ -157,28 +158,31 @@ bool isDone(const Destination& destination, const Journal& journal)
 }
 
 /// Serves the devices that the journal does not have done.
-Result<void> serveAll(Destination& destination, Journal& journal, RunResult& result, Observer& observer)
+Result<void> serveAll(Destination& destination, Journal& journal, int atOnce, RunResult& result, Observer& observer)
 {
-    const auto devices = destination.devices();
-    for (const std::string& device : devices) {
-        const QString name = QString::fromStdString(device);
-        if (journal.records().value(name).isDone())
-            result.resumed << name;
-    }
-    observer.begin((static_cast<int>(devices.size()) - result.resumed.size()) * destination.stepCount());
-    for (const std::string& device : devices) {
-        const QString name = QString::fromStdString(device);
-        if (result.resumed.contains(name)) {
-            result.records.push_back(journal.records().value(name));
+    std::vector<std::string> open;
+    std::vector<std::size_t> places; // theirs among all
+    for (const std::string& device : destination.devices()) {
+        DeviceRecord earlier = journal.records().value(QString::fromStdString(device));
+        if (earlier.isDone()) {
+            result.resumed << earlier.device;
+            result.records.push_back(std::move(earlier));
             continue;
         }
-        result.isStopped = result.isStopped || observer.isStopWanted();
-        result.records.push_back(result.isStopped ? destination.notServed(device)
-                                                  : destination.serve(device, observer));
-        const auto kept = result.isStopped ? Result<void>() : journal.append(result.records.back());
-        if (!kept)
-            return kept.fault();
+        open.push_back(device);
+        places.push_back(result.records.size());
+        result.records.push_back(destination.notServed(device));
     }
+    observer.begin(static_cast<int>(open.size()) * destination.stepCount());
+    const auto all =
+        serveDevices(destination, open, atOnce, observer, [&](std::size_t device, DeviceRecord record) -> Result<void> {
+            DeviceRecord& place = result.records[places[device]];
+            place = std::move(record);
+            return journal.append(place);
+        });
+    if (!all)
+        return all.fault();
+    result.isStopped = !*all;
     return {};
 }
 
@@ -280,7 +284,7 @@ Result<RunResult> run(const Content& content, const Figures& figures, Destinatio
     if (!documents)
         return documents.fault();
     result.files = *documents;
-    const auto served = serveAll(destination, *journal, result, observer);
+    const auto served = serveAll(destination, *journal, options.atOnce, result, observer);
     if (!served)
         return served.fault();
     const auto finished = finishDocuments(folder, content, result);

@@ -18,6 +18,8 @@ struct Step
     QString name;    ///< short, for JSON and progress: "gray"
     QString summary; ///< for people: what is sent
 
+    // What follows may be called on several threads at once, for different devices.
+
     /// Calls the library; the result is the library's.
     std::function<int(const CabinetSenderSpace::CabinetTargetMap&)> send;
     /// Whether a cabinet holds what was sent, given what it held before.
@@ -44,7 +46,9 @@ struct Outcome
     bool isGood() const { return kind == Kind::Answered && arrived == cabinets; }
 };
 
-/// Hears what happens during a run and is asked whether it should end. Called on the thread that runs.
+/// Hears what happens during a run and is asked whether it should end. Called on the thread that runs, one call at a
+/// time, also where devices are served on others; of several devices at once, steps come in the order in which they
+/// end.
 class Observer
 {
 public:
@@ -57,7 +61,7 @@ public:
     virtual void begin(int steps);
     /// One more was.
     virtual void sent(const Outcome& outcome);
-    /// Asked before each device: true lets nothing new begin.
+    /// Asked before each device: true lets no other one begin.
     virtual bool isStopWanted();
 };
 
@@ -71,7 +75,7 @@ CabinetStates readBack(const Action::CabinetReader& reader, const CabinetSenderS
 Outcome notSent(const Step& step, const std::string& device, std::size_t cabinets);
 
 /// Sends a step to a device and counts the cabinets that hold it then; without a reader counts none. Blocks until the
-/// device has answered, as the library's operations do.
+/// device has answered, as the library's operations do. Different devices may be sent to on several threads at once.
 Outcome sendToDevice(const Step& step, const std::string& device, const std::vector<unsigned long long>& cids,
                      const Action::CabinetReader* reader);
 

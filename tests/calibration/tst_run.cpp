@@ -18,6 +18,12 @@ RunOptions resume()
     return {true, false, {}, {}};
 }
 
+RunOptions oneByOne(RunOptions options = {})
+{
+    options.atOnce = 1;
+    return options;
+}
+
 RunOptions force()
 {
     return {false, true, {}, {}};
@@ -110,12 +116,12 @@ private Q_SLOTS:
     void aStopFinishesTheRunningDevice()
     {
         StopAfterFirst observer;
-        const RunResult stopped = good(calibrate(TestWall(), m_content, out(), {}, &observer));
+        const RunResult stopped = good(calibrate(TestWall(), m_content, out(), oneByOne(), &observer));
         QCOMPARE(faultText(*stopped.fault()), QString("Interrupted: interrupted; done: a; not done: b, c"));
         QVERIFY(stopped.verification.verdict.sentence().startsWith("INTERRUPTED: 1 of 3 devices hold the correction"));
         QCOMPARE(observer.m_steps, 18);
         StopAfterFirst second;
-        const RunResult resumed = good(calibrate(TestWall(), m_content, out(), resume(), &second));
+        const RunResult resumed = good(calibrate(TestWall(), m_content, out(), oneByOne(resume()), &second));
         QCOMPARE(faultText(*resumed.fault()), QString("Interrupted: interrupted; done: a, b; not done: c"));
         QCOMPARE(second.m_steps, 12);
     }

@@ -37,13 +37,21 @@ T good(Common::Result<T> result)
     return *std::move(result);
 }
 
-/// The simulated wall of wallDocument(), behind the action library while it lives.
+/// The simulated wall of wallDocument() or another document, behind the action library while it lives.
 class TestWall
 {
 public:
-    explicit TestWall(const QByteArray& simulationOfB = R"({"latencyMs": 0})")
+    struct Document
     {
-        wall = good(Service::parseWall(wallDocument(simulationOfB), "test"));
+        QByteArray text;
+    };
+
+    explicit TestWall(const QByteArray& simulationOfB = R"({"latencyMs": 0})")
+        : TestWall(Document{wallDocument(simulationOfB)})
+    {}
+    explicit TestWall(const Document& document)
+    {
+        wall = good(Service::parseWall(document.text, "test"));
         std::vector<Service::DeviceEntry> entries;
         for (const Service::WallDevice& device : wall)
             entries.push_back(device.entry);

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <calibration/destination.h>
+
+namespace Calibration {
+
+/// How many devices are served at the same time unless a host says otherwise, and at most. Each takes a thread, which
+/// waits for its device nearly all the time.
+inline constexpr int defaultAtOnce = 64;
+inline constexpr int maxAtOnce = 256;
+
+/// Takes the record of a device, by its place in the list.
+using TakeRecord = std::function<Common::Result<void>(std::size_t device, DeviceRecord record)>;
+
+/// Serves devices of a destination, up to `atOnce` of them at the same time, each on a thread of its own, its steps in
+/// order. Where it is one, all are served on this thread. `observer` and `take` are called on this thread, one at a
+/// time; records come as devices end, in whatever order. Blocks meanwhile: an event loop runs on this thread.
+///
+/// Once the observer wants a stop, `take` gives a fault, or the application is told to quit (which one after the other
+/// ends the waits instead), no device is begun any more, and those that were are finished. True if all were begun, else
+/// false, or the first fault of `take`.
+Common::Result<bool> serveDevices(Destination& destination, const std::vector<std::string>& devices, int atOnce,
+                                  Observer& observer, const TakeRecord& take);
+
+} // namespace Calibration
