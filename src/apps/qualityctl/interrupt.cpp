@@ -2,18 +2,21 @@
 
 #include <QCoreApplication>
 
+#include <atomic>
 #include <csignal>
 
 namespace {
 
 constexpr int pollMs = 50;
 
-volatile std::sig_atomic_t s_isRequested = 0;
+// A signal comes to any thread; the one that looks is another.
+std::atomic<bool> s_isRequested{false};
+static_assert(std::atomic<bool>::is_always_lock_free);
 
 /// The first signal, whichever, is noted; the next one ends the process.
 extern "C" void onSignal(int)
 {
-    s_isRequested = 1;
+    s_isRequested = true;
     std::signal(SIGINT, SIG_DFL);
     std::signal(SIGTERM, SIG_DFL);
 }
@@ -47,5 +50,5 @@ Interrupt::~Interrupt()
 
 bool Interrupt::isRequested()
 {
-    return s_isRequested != 0;
+    return s_isRequested;
 }
