@@ -8,6 +8,25 @@
 
 #include <csignal>
 
+namespace {
+
+/// What a calibration says of its devices, but how long they took and which run served them.
+QJsonArray devicesOf(const Run& run)
+{
+    QJsonArray told{run.json().value("verdict")};
+    for (const char* table : {"devices", "results"}) {
+        for (const QJsonValue value : run.json().value(table).toArray()) {
+            QJsonObject row = value.toObject();
+            row.remove("seconds");
+            row.remove("resumed");
+            told.append(row);
+        }
+    }
+    return told;
+}
+
+} // namespace
+
 class CalibrateTest : public QObject
 {
     Q_OBJECT
@@ -97,7 +116,7 @@ private Q_SLOTS:
 
     void interruptedItFinishesTheRunningDevice()
     {
-        const QStringList arguments = calibrate(wall(R"({"latencyMs": 150})"));
+        const QStringList arguments = calibrate(wall(R"({"latencyMs": 150})") + QStringList{"--parallel", "1"});
         QObject owner;
         QProcess* process = start(arguments, &owner);
         process->setReadChannel(QProcess::StandardError);
@@ -117,7 +136,10 @@ private Q_SLOTS:
 
     void aKillAtAnyMomentLeavesWhatAResumeCompletes()
     {
-        const QStringList arguments = calibrate(wall(R"({"latencyMs": 5})") + QStringList{"--table", "gray-table.csv"});
+        const QStringList arguments =
+            calibrate(wall(R"({"latencyMs": 5})") + QStringList{"--table", "gray-table.csv", "--parallel", "2"});
+        const QJsonArray undisturbed = devicesOf(run(arguments));
+        QCOMPARE(undisturbed.size(), 1 + 3 + 3 * 5);
         for (int delay = 40; delay <= 400; delay += 120) {
             QDir(out()).removeRecursively();
             QObject owner;
@@ -129,6 +151,7 @@ private Q_SLOTS:
             checkDocuments();
             const Run resumed = run(arguments + QStringList{"--resume"});
             QVERIFY2(resumed.exitCode == 0, qPrintable(resumed.out));
+            QCOMPARE(devicesOf(resumed), undisturbed);
             checkDocuments();
         }
         QCOMPARE(run({"project", "list", out("screen.zip")}).exitCode, 0);

@@ -74,6 +74,12 @@ private Q_SLOTS:
         const QString document = wall();
         const QString calibrate = "calibrate --measured rec709:100 --target rec709 --out " + m_folder.filePath("out");
         row(calibrate + " --html absent/r.html", 73, "--html absent/r.html: expected a file in a folder that is there");
+        row(calibrate + " --host 127.0.0.1 --port 1", 64, "--host: is a hub's, which needs --generation 3");
+        row(calibrate + " --timeout 5", 64, "--timeout: is a hub's, which needs --generation 3");
+        row(calibrate + " --generation 3 --wall " + document, 64, "--wall: does not go through a hub");
+        row(calibrate + " --generation 3 --cabinet 1", 64, "--cabinet: does not go through a hub");
+        row(calibrate + " --parallel 0", 64, "--parallel: Value 0 not in range 1 to 256");
+        row(calibrate + " --frequency 120", 64, "--frequency requires --table");
         row(calibrate + " --force --wall " + document + " --html " + document, 64,
             "this run would write it, and uses it as");
         row("gray write --calibration gray-calibration.json --out wall.json", 73, "expected a folder, found a file");

@@ -33,6 +33,7 @@ struct CalibrateArguments
     std::vector<std::string> notes;
     bool resume = false;
     bool dryRun = false;
+    int atOnce = Calibration::defaultAtOnce;
     Calibration::Acceptance acceptance;
 };
 
@@ -114,6 +115,7 @@ Calibration::RunOptions runOptionsOf(const CalibrateArguments& arguments,
     options.resume = arguments.resume;
     options.force = arguments.gamuts.force;
     options.acceptance = arguments.acceptance;
+    options.atOnce = arguments.atOnce;
     options.outputs = outputs;
     for (const Calibration::InputDigest& input : inputs)
         options.uses << input.name;
@@ -193,6 +195,19 @@ CommandResult run(const CalibrateArguments& arguments, const Output& output)
     return calibrate(arguments, content, figures, *toWall(&simulation.reader()), wall.sha256, output);
 }
 
+/// Refuses what was given and has no meaning for the generation.
+void checkGeneration(const CLI::App& command, int generation)
+{
+    static const std::vector<const char*> ofWalls{"--wall",   "--device",   "--cabinet", "--seed",
+                                                  "--binary", "--parallel", "--dry-run"};
+    static const std::vector<const char*> ofHubs{"--host", "--port", "--timeout"};
+    for (const char* name : generation == 3 ? ofWalls : ofHubs) {
+        if (command.count(name) > 0)
+            throw CLI::ValidationError(name, generation == 3 ? "does not go through a hub, which --generation 3 is"
+                                                             : "is a hub's, which needs --generation 3");
+    }
+}
+
 } // namespace
 
 void addCalibrateCommand(CLI::App& app, Command& chosen)
@@ -217,13 +232,17 @@ void addCalibrateCommand(CLI::App& app, Command& chosen)
             const auto equals = note.find('=');
             return equals == 0 || equals == std::string::npos ? "expected NAME=VALUE, found " + note : std::string();
         });
+    command
+        ->add_option("--parallel", arguments->atOnce,
+                     "Devices that are served at the same time; 1: one after the other")
+        ->check(CLI::Range(1, Calibration::maxAtOnce))
+        ->capture_default_str();
     command->add_flag("--resume", arguments->resume, "Go on with the calibration that was begun in the folder");
     addAcceptance(*command, arguments->acceptance);
     command->add_flag("--dry-run", arguments->dryRun, "Print the requests instead of sending them");
-    command->callback([&chosen, arguments] {
+    command->callback([&chosen, command, arguments] {
+        checkGeneration(*command, arguments->generation);
         checkHub(arguments->hub);
-        if (arguments->generation == 3 && (arguments->dryRun || !arguments->binary.empty()))
-            throw CLI::ValidationError("--generation 3", "neither --dry-run nor --binary goes through a hub");
         chosen = [arguments](const Output& output) { return run(*arguments, output); };
     });
 }

@@ -50,9 +50,11 @@ void addGamuts(CLI::App& command, GamutArguments& gamuts, const char* measured, 
 
 void addTable(CLI::App& command, TableArgument& table, bool required)
 {
-    command.add_option("--table", table.file, "Gray table: text or CSV with red, green, blue, magnitude (0..255)")
-        ->required(required);
+    CLI::Option* file =
+        command.add_option("--table", table.file, "Gray table: text or CSV with red, green, blue, magnitude (0..255)")
+            ->required(required);
     command.add_option("--frequency", table.frequency, "Refresh frequency in Hz")
+        ->needs(file)
         ->check(CLI::PositiveNumber)
         ->capture_default_str();
 }
