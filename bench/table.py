@@ -37,8 +37,16 @@ def goal_of(subject, ours, baseline, variant):
     for goal in GOALS:
         if goal["subject"] == subject and goal["baseline"] == baseline and goal.get("ours", ours) == ours \
                 and goal.get("variant", variant) == variant:
-            return goal["ratio"]
+            return goal
     return None
+
+
+def is_met(goal, ours, theirs):
+    return ours <= goal["ratio"] * theirs + goal.get("plus_ms", 0) * 1e3
+
+
+def goal_text(goal):
+    return f"{goal['ratio']:g}" + (f" + {goal['plus_ms']:g} ms" if "plus_ms" in goal else "")
 
 
 def compare(figures):
@@ -53,7 +61,7 @@ def compare(figures):
                 ratio = ours / theirs
                 yield {"subject": subject, "variant": variant, "what": what, "baseline": baseline,
                        "ours_us": ours, "baseline_us": theirs,
-                       "ratio": ratio, "goal": goal, "met": None if goal is None else ratio <= goal}
+                       "ratio": ratio, "goal": goal, "met": None if goal is None else is_met(goal, ours, theirs)}
 
 
 def time_text(microseconds):
@@ -69,7 +77,7 @@ def table(rows):
         variant = " " + row["variant"] if row["variant"] else ""
         lines.append((f"{row['subject']}{variant}: {row['what']}", time_text(row["ours_us"]),
                       row["baseline"], time_text(row["baseline_us"]), f"{row['ratio']:.2f}",
-                      "" if row["goal"] is None else f"{row['goal']:g}",
+                      "" if row["goal"] is None else goal_text(row["goal"]),
                       {None: "", True: "yes", False: "MISSED"}[row["met"]]))
     widths = [max(len(line[i]) for line in lines) for i in range(len(lines[0]))]
     return "\n".join("  ".join(cell.ljust(width) for cell, width in zip(line, widths)).rstrip() for line in lines)

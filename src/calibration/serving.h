@@ -6,7 +6,7 @@ namespace Calibration {
 
 /// How many devices are served at the same time unless a host says otherwise, and at most. Each takes a thread, which
 /// waits for its device nearly all the time.
-inline constexpr int defaultAtOnce = 64;
+inline constexpr int defaultAtOnce = 128;
 inline constexpr int maxAtOnce = 256;
 
 /// Takes the record of a device, by its place in the list.

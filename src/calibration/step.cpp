@@ -29,6 +29,16 @@ std::vector<CabinetList> callsFor(const Step& step, const std::string& device, c
     return calls;
 }
 
+/// What cabinets of a device hold, in their order; nothing where nobody can tell.
+std::vector<std::optional<Action::CabinetState>> statesOf(const Action::CabinetReader* reader,
+                                                          const std::string& device, const CabinetList& cids)
+{
+    std::vector<std::optional<Action::CabinetState>> states(cids.size());
+    for (std::size_t i = 0; reader && i < cids.size(); ++i)
+        states[i] = reader->cabinet(device, cids[i]);
+    return states;
+}
+
 /// One call of the library, with the device's error text.
 void call(const Step& step, const std::string& device, const CabinetList& cids, Outcome& outcome)
 {
@@ -109,7 +119,7 @@ Outcome sendToDevice(const Step& step, const std::string& device, const CabinetL
         outcome.result = CabinetSenderSpace::ResultSuccess;
         return outcome;
     }
-    const CabinetStates before = reader ? readBack(*reader, {{device, cids}}) : CabinetStates();
+    const auto before = statesOf(reader, device, cids);
     QElapsedTimer timer;
     timer.start();
     for (const CabinetList& group : callsFor(step, device, cids)) {
@@ -118,10 +128,9 @@ Outcome sendToDevice(const Step& step, const std::string& device, const CabinetL
             break;
     }
     outcome.seconds = static_cast<double>(timer.nsecsElapsed()) / 1e9;
-    for (const auto& [key, now] : reader ? readBack(*reader, {{device, cids}}) : CabinetStates()) {
-        const auto earlier = before.find(key);
-        outcome.arrived += earlier != before.end() && step.hasArrived(earlier->second, now) ? 1 : 0;
-    }
+    const auto now = statesOf(reader, device, cids);
+    for (std::size_t i = 0; i < cids.size(); ++i)
+        outcome.arrived += before[i] && now[i] && step.hasArrived(*before[i], *now[i]) ? 1 : 0;
     return outcome;
 }
 
