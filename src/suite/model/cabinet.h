@@ -24,7 +24,7 @@ private:
 };
 
 /// One cabinet of a wall. Shared by those who look it up; it stays valid after the registry let go of it. Not
-/// thread-safe: used on the thread that works with the model, normally the GUI thread.
+/// thread-safe: one thread at a time uses it, normally the GUI thread, or the one that sends to its device.
 class Cabinet
 {
 public:

@@ -8,7 +8,8 @@
 namespace Model {
 
 /// What a cabinet is known to hold of picture quality, as last confirmed by its device. It belongs to one cabinet and
-/// is not copied. Not thread-safe: used on the thread that works with the model, normally the GUI thread.
+/// is not copied. Not thread-safe: one thread at a time uses it, normally the GUI thread, or the
+/// one that sends to its device.
 class DisplayEffectPara
 {
 public:

@@ -5,7 +5,8 @@
 namespace CabinetSenderSpace {
 
 /// The door to the current sender, a CabinetSender4th that is made at the first call and lives until the process ends.
-/// Every function returns the sender's own result; what CabinetSenderBase says about blocking and threads holds here.
+/// Every function returns the sender's own result; what CabinetSenderBase says of blocking and threads holds here:
+/// several threads may call it at once, for different devices.
 ///
 ///     Model::ColorGamutInfo gamut = ...;
 ///     const CabinetSenderSpace::CabinetTargetMap targets{{"left", {1, 2, 3}}};

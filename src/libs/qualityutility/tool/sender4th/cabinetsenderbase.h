@@ -36,6 +36,11 @@ enum SenderResult : int {
 /// only: DeviceOutcomes has each device's own. While waiting they run a local event loop, so they are called on a
 /// thread that may run one, normally the GUI thread, and must not be called again from an event handler meanwhile. The
 /// local model and the logs take an answer as it arrives, before any later event of that thread. Nothing throws.
+///
+/// Operations of the fourth generation may be called on several threads at once, Qt's or not, as long as no two of them
+/// have a device in common: each blocks its own thread only, and updates its cabinets' records of the local model
+/// there. Who else uses those records, and what a record's observer does, is the caller's to keep apart. The third
+/// generation does one operation at a time.
 class QUALITYUTILITY_EXPORT CabinetSenderBase : public QObject
 {
     Q_OBJECT
