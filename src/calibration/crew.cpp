@@ -3,9 +3,30 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 
+#ifdef Q_OS_UNIX
+#include <sys/resource.h>
+#endif
+
+#include <algorithm>
 #include <system_error>
 
 namespace Calibration {
+
+namespace {
+
+/// How many threads may wait in event loops. Each takes one or two of the process's file descriptors, and Qt ends the
+/// process where none is left: so half of them at most.
+std::size_t mostThreads(std::size_t wanted)
+{
+#ifdef Q_OS_UNIX
+    rlimit descriptors{};
+    if (getrlimit(RLIMIT_NOFILE, &descriptors) == 0)
+        return static_cast<std::size_t>(std::clamp<rlim_t>(descriptors.rlim_cur / 4, 1, wanted));
+#endif
+    return wanted;
+}
+
+} // namespace
 
 /// Hands on what a device's steps come to.
 class Crew::Teller : public Observer
@@ -21,9 +42,10 @@ private:
 Crew::Crew(Destination& destination, const std::vector<std::string>& devices, std::size_t size)
     : m_destination(destination), m_devices(devices)
 {
-    m_threads.reserve(size);
+    const std::size_t most = mostThreads(size);
+    m_threads.reserve(most);
     try {
-        while (m_threads.size() < size)
+        while (m_threads.size() < most)
             m_threads.emplace_back([this] { work(); });
     } catch (const std::system_error&) { // the system gives no more: those that are there do it
     }

@@ -27,7 +27,8 @@ public:
     /// A step was sent, or a device served.
     using News = std::variant<Outcome, Served>;
 
-    /// As many threads as the system gives, at most `size`. `destination` and `devices` outlive the crew.
+    /// As many threads as the system and the limit of open files (a quarter of it) give, at most `size`, which is not
+    /// 0. `destination` and `devices` outlive the crew.
     Crew(Destination& destination, const std::vector<std::string>& devices, std::size_t size);
     /// Blocks until the devices that were begun are served.
     ~Crew();

@@ -5,7 +5,8 @@
 namespace Calibration {
 
 /// How many devices are served at the same time unless a host says otherwise, and at most. Each takes a thread, which
-/// waits for its device nearly all the time.
+/// waits for its device nearly all the time, and descriptors: a process has no more threads than a quarter of the files
+/// that it may open.
 inline constexpr int defaultAtOnce = 128;
 inline constexpr int maxAtOnce = 256;
 

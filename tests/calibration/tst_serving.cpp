@@ -2,6 +2,8 @@
 #include <calibration/journal.h>
 #include <calibration/serving.h>
 
+#include <sys/resource.h>
+
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -105,6 +107,24 @@ QJsonObject timeless(DeviceRecord record)
     return toJson(record);
 }
 
+/// A limit on the files that this process may open, while it lives.
+class OpenFilesLimit
+{
+public:
+    explicit OpenFilesLimit(rlim_t files)
+    {
+        getrlimit(RLIMIT_NOFILE, &m_before);
+        const rlimit limit{files, m_before.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &limit);
+    }
+    ~OpenFilesLimit() { setrlimit(RLIMIT_NOFILE, &m_before); }
+    OpenFilesLimit(const OpenFilesLimit&) = delete;
+    OpenFilesLimit& operator=(const OpenFilesLimit&) = delete;
+
+private:
+    rlimit m_before{};
+};
+
 int rounds()
 {
     return qMax(1, qEnvironmentVariableIntValue("QUALITYUTILITY_ROUNDS"));
@@ -136,11 +156,13 @@ private Q_SLOTS:
         QTest::addColumn<int>("devices");
         QTest::addColumn<int>("atOnce");
         QTest::addColumn<int>("expected");
-        QTest::newRow("none") << 0 << 4 << 0;
-        QTest::newRow("one by one") << 5 << 1 << 1;
-        QTest::newRow("some") << 20 << 3 << 3;
-        QTest::newRow("all") << 5 << defaultAtOnce << 5;
-        QTest::newRow("as many as may be") << maxAtOnce + 20 << maxAtOnce * 10 << maxAtOnce;
+        QTest::addColumn<int>("files"); ///< that may be open
+        QTest::newRow("none") << 0 << 4 << 0 << 1024;
+        QTest::newRow("one by one") << 5 << 1 << 1 << 1024;
+        QTest::newRow("some") << 20 << 3 << 3 << 1024;
+        QTest::newRow("all") << 5 << defaultAtOnce << 5 << 1024;
+        QTest::newRow("as many as may be") << maxAtOnce + 20 << maxAtOnce * 10 << maxAtOnce << 1024;
+        QTest::newRow("as few files as may be open") << 200 << maxAtOnce << 16 << 64;
     }
 
     void soManyAreServedAtOnce()
@@ -151,6 +173,8 @@ private Q_SLOTS:
         Ear ear;
         std::vector<QString> names(static_cast<std::size_t>(devices));
         QFETCH(int, atOnce);
+        QFETCH(int, files);
+        const OpenFilesLimit limit(static_cast<rlim_t>(files));
         QVERIFY(good(serveDevices(destination, destination.devices(), atOnce, ear, [&](std::size_t i, DeviceRecord r) {
             names[i] = r.device;
             ear.m_isOnItsThread = ear.m_isOnItsThread && std::this_thread::get_id() == ear.m_thread;
