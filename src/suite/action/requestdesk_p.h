@@ -9,27 +9,20 @@
 #include <optional>
 #include <thread>
 #include <unordered_map>
-#include <variant>
 
 namespace Action {
-
-struct Answer
-{
-    std::uint64_t request;
-    std::variant<Parameters, QString> content; ///< reply or error text
-};
 
 class RequestDesk;
 
 /// Where answers from any thread are left for one asking thread. Lives as long as somebody may still answer.
-class Mailbox
+class Mailbox : public AnswerSink
 {
 public:
     explicit Mailbox(RequestDesk* desk) : m_desk(desk), m_owner(std::this_thread::get_id()) {}
 
     /// Ends the request at once when its send call is running on this very thread; otherwise leaves the answer and
     /// wakes the desk.
-    void deliver(Answer answer);
+    void deliver(Answer answer) override;
     /// Tells the desk that requests over transports before `generation` get no answer any more.
     void transportLost(std::uint64_t generation);
 

@@ -1,22 +1,22 @@
 #include "transport.h"
 
-#include "requestdesk_p.h"
-
 namespace Action {
 
-Responder::Responder(std::shared_ptr<Mailbox> mailbox, std::uint64_t request)
-    : m_mailbox(std::move(mailbox)), m_request(request)
+Responder::Responder(std::shared_ptr<AnswerSink> sink, std::uint64_t request)
+    : m_sink(std::move(sink)), m_request(request)
 {}
 
 void Responder::reply(Parameters values) const
 {
-    m_mailbox->deliver({m_request, std::move(values)});
+    m_sink->deliver({m_request, std::move(values)});
 }
 
 void Responder::fail(const QString& text) const
 {
-    m_mailbox->deliver({m_request, text});
+    m_sink->deliver({m_request, text});
 }
+
+AnswerSink::~AnswerSink() = default;
 
 Transport::~Transport() = default;
 

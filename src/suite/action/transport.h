@@ -11,6 +11,7 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <variant>
 
 /// How urgently a request should travel. The bundled library hands it to the transport unchanged.
 enum class PackagePriority { Normal = 0, High = 1, Low = 2 };
@@ -33,15 +34,34 @@ struct Request
     std::chrono::milliseconds timeout;     ///< the request is ended with an error when this has passed
 };
 
-class Mailbox;
+/// How a request ended: its reply, or an error text for people.
+struct Answer
+{
+    std::uint64_t request;                     ///< the number that its responder was made with
+    std::variant<Parameters, QString> content; ///< the reply, or the error text
+};
+
+/// Where answers go. The action library has its own; another asker of a transport, such as a server that passes
+/// requests on, brings one too.
+class SUITE_ACTION_EXPORT AnswerSink
+{
+public:
+    AnswerSink() = default;
+    virtual ~AnswerSink();
+    AnswerSink(const AnswerSink&) = delete;
+    AnswerSink& operator=(const AnswerSink&) = delete;
+
+    /// Takes an answer, the same request's perhaps again. Any thread, also inside Transport::send; must not block.
+    virtual void deliver(Answer answer) = 0;
+};
 
 /// The way back of one request. Copies answer the same request; the first answer counts, later ones are dropped and
 /// counted. May be called from any thread, at any time, also after the request has ended or the asking thread is gone.
 class SUITE_ACTION_EXPORT Responder
 {
 public:
-    /// Made by the action library, one for each request.
-    Responder(std::shared_ptr<Mailbox> mailbox, std::uint64_t request);
+    /// Made by who asks, one for each request.
+    Responder(std::shared_ptr<AnswerSink> sink, std::uint64_t request);
 
     /// Ends the request with a reply. The asker's callback runs inside this call when it is made within Transport::send
     /// on the asking thread, otherwise through that thread's event loop. Does not block.
@@ -50,7 +70,7 @@ public:
     void fail(const QString& text) const;
 
 private:
-    std::shared_ptr<Mailbox> m_mailbox;
+    std::shared_ptr<AnswerSink> m_sink;
     std::uint64_t m_request;
 };
 
