@@ -51,8 +51,15 @@ Calibration::ContentNames namesOf(const CalibrateArguments& arguments)
     return names;
 }
 
+/// Where a calibration goes.
+struct Place
+{
+    bool isSimulated = true;
+    QString wallDigest = {};
+};
+
 /// What the host adds to a calibration's inputs: where it goes, as it was asked for.
-QJsonObject inputsOf(const CalibrateArguments& arguments, const QString& wallDigest)
+QJsonObject inputsOf(const CalibrateArguments& arguments, const Place& place)
 {
     const auto array = [](const std::vector<std::string>& list) {
         QJsonArray result;
@@ -61,8 +68,8 @@ QJsonObject inputsOf(const CalibrateArguments& arguments, const QString& wallDig
         return result;
     };
     return {{QStringLiteral("generation"), arguments.generation},
-            {QStringLiteral("simulated"), arguments.generation == 4 || arguments.hub.isSimulated()},
-            {QStringLiteral("wall_sha256"), wallDigest},
+            {QStringLiteral("simulated"), place.isSimulated},
+            {QStringLiteral("wall_sha256"), place.wallDigest},
             {QStringLiteral("device"), array(arguments.wall.devices)},
             {QStringLiteral("cabinet"), array(arguments.wall.cabinets)}};
 }
@@ -124,12 +131,12 @@ Calibration::RunOptions runOptionsOf(const CalibrateArguments& arguments,
 
 /// The run, with what surrounds it on disk.
 CommandResult calibrate(const CalibrateArguments& arguments, const Calibration::Content& content,
-                        const Calibration::Figures& figures, Calibration::Destination& destination,
-                        const QString& wallDigest, const Output& output)
+                        const Calibration::Figures& figures, Calibration::Destination& destination, const Place& place,
+                        const Output& output)
 {
     const auto folder = take(Calibration::Folder::open(text(arguments.out)));
     const Reports::ReportFiles files = reportFilesOf(arguments, *folder);
-    QJsonObject inputs = inputsOf(arguments, wallDigest);
+    QJsonObject inputs = inputsOf(arguments, place);
     const QJsonObject common = Calibration::inputsOf(content, destination);
     for (auto it = common.begin(); it != common.end(); ++it)
         inputs.insert(it.key(), it.value());
@@ -176,7 +183,7 @@ CommandResult run(const CalibrateArguments& arguments, const Output& output)
     if (arguments.generation == 3) {
         OpenHub hub(arguments.hub, output);
         const auto destination = Calibration::hubDestination(hub.name(), content, hub.client(), hub.reader());
-        return calibrate(arguments, content, figures, *destination, {}, output);
+        return calibrate(arguments, content, figures, *destination, {arguments.hub.isSimulated()}, output);
     }
     const OpenWall wall = openWall(arguments.wall);
     if (!wall.sha256.isEmpty())
@@ -191,8 +198,9 @@ CommandResult run(const CalibrateArguments& arguments, const Output& output)
             for (const std::string& device : destination->devices())
                 destination->serve(device, nobody);
         });
-    const Simulation simulation(wall, arguments.wall.seed, output);
-    return calibrate(arguments, content, figures, *toWall(&simulation.reader()), wall.sha256, output);
+    const WallDevices devices(wall, arguments.wall.seed, output);
+    return calibrate(arguments, content, figures, *toWall(devices.reader()), {devices.isSimulated(), wall.sha256},
+                     output);
 }
 
 /// Refuses what was given and has no meaning for the generation.

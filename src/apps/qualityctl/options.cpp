@@ -6,12 +6,23 @@
 
 void addWall(CLI::App& command, std::string& file)
 {
-    command.add_option("--wall", file, "Wall document; the built-in example wall without one");
+    command.add_option("--wall", file, "Wall document; the gateway's, or the built-in example wall without one");
+}
+
+void addTransport(CLI::App& command, std::string& transport)
+{
+    command.add_option("--transport", transport, "Where the devices are: simulated (here), or gateway:HOST:PORT")
+        ->check([](const std::string& text) {
+            const auto address = gatewayAddress(text);
+            return address ? std::string() : address.fault().message().toStdString();
+        })
+        ->capture_default_str();
 }
 
 void addTargets(CLI::App& command, WallArgument& argument)
 {
     addWall(command, argument.file);
+    addTransport(command, argument.transport);
     command.add_option("--device", argument.devices, "Only this device; may be repeated");
     command.add_option("--cabinet", argument.cabinets, "Only these cabinets: identifiers or ranges, as 1,2,5-9")
         ->delimiter(',');

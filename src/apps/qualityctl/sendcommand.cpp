@@ -91,7 +91,6 @@ CommandResult runSend(const SendArguments& arguments, const Output& output)
 {
     HostLog::install(output.quiet);
     Reports::SendResult result;
-    result.isSimulated = true; // there is no other wall here
     QStringList warnings;
     result.steps = stepsOf(arguments, warnings);
     const OpenWall wall = openWall(arguments.wall);
@@ -100,14 +99,18 @@ CommandResult runSend(const SendArguments& arguments, const Output& output)
             Calibration::Observer nobody;
             Calibration::sendSteps(result.steps, wall.targets, nullptr, nobody);
         });
-    const Simulation simulation(wall, arguments.wall.seed, output);
+    const WallDevices devices(wall, arguments.wall.seed, output);
+    result.isSimulated = devices.isSimulated();
     const Interrupt interrupt;
-    result.before = Calibration::readBack(simulation.reader(), wall.targets);
+    const auto read = [&] {
+        return devices.reader() ? Calibration::readBack(*devices.reader(), wall.targets) : Calibration::CabinetStates();
+    };
+    result.before = read();
     {
         Progress progress(output);
-        result.outcomes = Calibration::sendSteps(result.steps, wall.targets, &simulation.reader(), progress);
+        result.outcomes = Calibration::sendSteps(result.steps, wall.targets, devices.reader(), progress);
     }
-    result.now = Calibration::readBack(simulation.reader(), wall.targets);
+    result.now = read();
     CommandResult command{Reports::warningLines(warnings) + Reports::toText(result), Reports::toJson(result),
                           Calibration::faultOf(result.outcomes, Interrupt::isRequested())};
     command.json.insert(QStringLiteral("wall"), wall.name);

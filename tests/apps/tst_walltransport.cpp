@@ -1,0 +1,137 @@
+#include "support/hostrun.h"
+#include "support/testfiles.h"
+#include "support/walldocument.h"
+
+#include <QJsonArray>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+/// A program that serves a wall and says its port in the first line that it writes to `channel`.
+class Serving
+{
+public:
+    Serving(const QString& program, const QStringList& arguments, QProcess::ProcessChannel channel)
+    {
+        m_process.setReadChannel(channel);
+        m_process.start(program, arguments);
+        while (!m_process.canReadLine() && m_process.waitForReadyRead(10000)) {
+        }
+        const QRegularExpression port("(?:127.0.0.1:|^)(\\d+)");
+        m_port = port.match(QString::fromUtf8(m_process.readLine())).captured(1);
+    }
+    ~Serving() { kill(); }
+    Serving(const Serving&) = delete;
+    Serving& operator=(const Serving&) = delete;
+
+    void kill()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+    QString port() const { return m_port; }
+    QString transport() const { return "gateway:127.0.0.1:" + m_port; }
+
+private:
+    QProcess m_process;
+    QString m_port;
+};
+
+} // namespace
+
+class WallTransportTest : public QObject
+{
+    Q_OBJECT
+
+private:
+    QString in(const QString& name) const { return m_folder->filePath(name); }
+
+    QStringList calibrate(const QString& transport, const QString& folder) const
+    {
+        return {"calibrate",      "--measured", "measured-gamut.json", "--target",    "rec709",  "--table",
+                "gray-table.csv", "--binary",   "receiving-card.bin",  "--transport", transport, "--out",
+                in(folder),       "--json"};
+    }
+    QJsonArray devicesOf(const Serving& serving) const
+    {
+        return run({"wall", "show", "--transport", serving.transport(), "--json"}).json().value("devices").toArray();
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+
+private Q_SLOTS:
+    void init() { m_folder = std::make_unique<QTemporaryDir>(); }
+
+    void processesShareAServedWall()
+    {
+        const Serving serving(QUALITYCTL, {"wall", "serve"}, QProcess::StandardError);
+        const Run calibrated = run(calibrate(serving.transport(), "out"));
+        QVERIFY2(calibrated.exitCode == 0 && calibrated.json()["simulated"].toBool(), qPrintable(calibrated.out));
+        const QJsonValue held = devicesOf(serving).at(0)["cabinets"][0]["held"];
+        QCOMPARE(held["coefficients"][0].toInt(), 10264);
+        QCOMPARE(held["gray_levels"].toInt(), 256);
+        QCOMPARE(run({"verify", in("out"), "--quiet"}).exitCode, 0);
+        const Run sent =
+            run({"send", "mode", "--correction", "off", "--exclusive", "--transport", serving.transport(), "--json"});
+        QVERIFY2(sent.exitCode == 0 && sent.json()["simulated"].toBool(), qPrintable(sent.out));
+        QCOMPARE(devicesOf(serving).at(0)["cabinets"][0]["effect_mode"].toInt(), 0); // the wall as it is now
+        const QString other = writeFile(in("other.json"), wallDocument("{}"));
+        const Run foreign = run({"send", "mode", "--correction", "on", "--device", "a", "--wall", other, "--transport",
+                                 serving.transport(), "--json"});
+        QVERIFY2(foreign.exitCode == 69 && foreign.out.contains("no device"), qPrintable(foreign.out));
+    }
+
+    void aKilledServerEndsTheRunAndAResumeCompletesIt()
+    {
+        const QStringList wall{"--wall", writeFile(in("wall.json"), wallDocument(R"({"latencyMs": 150})"))};
+        auto serving =
+            std::make_unique<Serving>(QUALITYCTL, QStringList{"wall", "serve"} + wall, QProcess::StandardError);
+        const QString port = serving->port();
+        const QStringList arguments = calibrate(serving->transport(), "out");
+        QObject owner;
+        QProcess* process = start(arguments, &owner);
+        process->setReadChannel(QProcess::StandardError);
+        QByteArray err;
+        while (!err.contains("to b") && process->waitForReadyRead(10000))
+            err += process->readAllStandardError();
+        serving->kill();
+        const Run ended = finish(process);
+        QCOMPARE(ended.exitCode, 69);
+        QVERIFY2(ended.out.contains("gateway 127.0.0.1:" + port + ": "), qPrintable(ended.out));
+        const Run refused = run(arguments + QStringList{"--resume"});
+        QVERIFY2(refused.exitCode == 69 && refused.out.contains("Connection refused"), qPrintable(refused.out));
+        serving = std::make_unique<Serving>(QUALITYCTL, QStringList{"wall", "serve", "--port", port} + wall,
+                                            QProcess::StandardError);
+        const Run resumed = run(arguments + QStringList{"--resume"});
+        QVERIFY2(resumed.exitCode == 0, qPrintable(resumed.out));
+        QVERIFY(resumed.json().value("devices")[0]["resumed"].toBool());
+    }
+
+    void aDeviceInPythonHoldsWhatTheSimulatedOneDoes()
+    {
+        const Serving python("python3", {EXAMPLES "/gateway_device.py", EXAMPLES "/wall.json"},
+                             QProcess::StandardOutput);
+        const Serving simulated(QUALITYCTL, {"wall", "serve"}, QProcess::StandardError);
+        for (const auto& [folder, transport] : {std::pair(QString("python"), python.transport()),
+                                                std::pair(QString("simulated"), simulated.transport())}) {
+            const Run done = run(calibrate(transport, folder));
+            QVERIFY2(done.exitCode == 0, qPrintable(done.out + done.err));
+        }
+        for (const char* name : {"/screen.nicc", "/screen.gray", "/screen.nrf"})
+            QCOMPARE(readFile(in("python") + name), readFile(in("simulated") + name));
+        const QJsonArray devices = devicesOf(simulated);
+        const QJsonArray inPython = devicesOf(python);
+        QVERIFY(devices.size() == 3 && inPython.size() == 3);
+        for (int i = 0; i < devices.size(); ++i) {
+            const QJsonArray cabinets = devices[i]["cabinets"].toArray();
+            const QJsonArray others = inPython[i]["cabinets"].toArray();
+            for (int k = 0; k < cabinets.size(); ++k)
+                QCOMPARE(others[k]["held"], cabinets[k]["held"]);
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(WallTransportTest)
+#include "tst_walltransport.moc"
