@@ -67,6 +67,25 @@ for name, payload in [("ok", b'{"error":0}'), ("data", b'{"error":0,"data":{"lev
     frame = struct.pack("<i", len(payload)) + payload
     seed("hub", name, bytes([0, 3, 255, 255]) + frame)
     seed("hub", name + "-twice", bytes([255, 255, 255, 255]) + frame + frame)
+
+
+def text(value):
+    return bytes([0x60 + len(value)]) + value.encode()
+
+
+# CBOR: a call with a value of each type, a reply with nested lists, an error, a hello.
+arguments = (b"\xa7" + text("cids") + b"\xd8\x47\x48" + struct.pack("<Q", 1 << 60) + text("freq") + b"\x18\x3c"
+             + text("rGrayCoeffs") + b"\xd8\x40\x43\x00\x01\xff" + text("coeffs") + b"\xd8\x45\x42\x00\x40"
+             + text("name") + text("x") + text("w.lum") + b"\xfb" + struct.pack(">d", 0.1) + text("mode") + b"\x20")
+for name, payload in [
+        ("call", b"\xa5" + text("id") + b"\x01" + text("method") + text("put") + text("device") + text("a")
+         + text("timeout_ms") + b"\x0a" + text("arguments") + arguments),
+        ("reply", b"\xa2" + text("id") + b"\x01" + text("reply") + b"\xa1" + text("cabinets") + b"\x82\x81"
+         + arguments + b"\x80"),
+        ("error", b"\xbf" + text("id") + b"\x01" + text("error") + b"\x7f" + text("no") + b"\xff\xff"),
+        ("hello", b"\xa2" + text("hello") + b"\x01" + text("simulated") + b"\xf5")]:
+    seed("gateway", name, bytes([0, 3, 255, 255]) + struct.pack("<I", len(payload)) + payload)
+    seed("gateway", name + "-bare", bytes([255, 255, 255, 255]) + payload)
 seed("archive", "flat", archive([("a.nicc", "1"), ("b.gray", "2" * 300)], compression=zipfile.ZIP_DEFLATED))
 seed("archive", "folder", archive([("f/", ""), ("f/a.nrf", "1")]))
 seed("archive", "upwards", archive([("../a", "1")]))
@@ -75,7 +94,7 @@ seed("archive", "drive", archive([("f/C:a", "1")]))
 seed("archive", "comment", archive([("a", "1")])[:-2] + b"\xff\xff" + archive([]) + b"-" * (0xffff - 22))
 
 words = set()
-KEY_FOLDERS = ("file", "resource", "service", "simulator", "sender3th", "calibration")
+KEY_FOLDERS = ("file", "resource", "service", "simulator", "sender3th", "calibration", "gateway")
 for source in (ROOT / "src").rglob("*"):
     if source.suffix in (".cpp", ".h") and source.parts[-2] in KEY_FOLDERS:
         words |= set(re.findall(r'"([A-Za-z][A-Za-z0-9]{1,30})"', source.read_text()))
