@@ -207,7 +207,7 @@ CommandResult run(const CalibrateArguments& arguments, const Output& output)
 void checkGeneration(const CLI::App& command, int generation)
 {
     static const std::vector<const char*> ofWalls{"--wall",   "--device",   "--cabinet", "--seed",
-                                                  "--binary", "--parallel", "--dry-run"};
+                                                  "--binary", "--parallel", "--dry-run", "--transport"};
     static const std::vector<const char*> ofHubs{"--host", "--port", "--timeout"};
     for (const char* name : generation == 3 ? ofWalls : ofHubs) {
         if (command.count(name) > 0)
