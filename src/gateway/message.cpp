@@ -92,10 +92,13 @@ public:
         const QString fault = m_reader.fault();
         if (!fault.isEmpty())
             return faultOf(fault);
+        Message message = m_hello;
         if (m_isHello)
-            return Message(m_hello);
-        if (m_isReply || !m_error.empty())
-            return Message(toReturn());
+            return message;
+        if (m_isReply || !m_error.empty()) {
+            fill(message.emplace<Return>());
+            return message;
+        }
         if (m_method.empty())
             return faultOf(QStringLiteral("neither hello nor call nor answer"));
         return toCall();
@@ -110,11 +113,13 @@ private:
         return {Fault::Kind::Protocol, QStringLiteral("message of a gateway"), {}, found};
     }
 
-    Return toReturn()
+    void fill(Return& answer)
     {
+        answer.id = m_call.id;
         if (m_isReply)
-            return {m_call.id, std::move(m_call.parameters)};
-        return {m_call.id, QString::fromStdString(m_error)};
+            answer.content = std::move(m_call.parameters);
+        else
+            answer.content = QString::fromStdString(m_error);
     }
 
     Result<Message> toCall()

@@ -1,4 +1,5 @@
 #include "cabinetparameters.h"
+#include "frame.h"
 #include "serverconnection_p.h"
 #include "servercore_p.h"
 
@@ -15,6 +16,18 @@ using namespace std::chrono_literals;
 
 constexpr auto sweepTime = 250ms;
 constexpr qint64 maxHeld = qint64{512} * 1024 * 1024; ///< by all connections together
+
+constexpr std::size_t maxCabinets = 4096; ///< read in one call
+
+/// Bytes of what may be large in a cabinet.
+qint64 largePartsOf(const Action::CabinetState& state)
+{
+    const auto sizeOf = [](const auto& list) { return static_cast<qint64>(list.size()); };
+    qint64 bytes = state.binary ? state.binary->size() : 0;
+    if (const auto& table = state.grayTable)
+        bytes += sizeOf(table->red) + sizeOf(table->green) + sizeOf(table->blue) + sizeOf(table->magnitude);
+    return bytes;
+}
 
 const QEvent::Type answersType = static_cast<QEvent::Type>(QEvent::registerEventType());
 
@@ -83,7 +96,7 @@ void Server::Core::accept()
 void Server::Core::makeRoom()
 {
     const auto rank = [](const ServerConnection* connection) {
-        return std::make_tuple(!connection->isIdle(), connection->hasAsked(), connection->lastMoved());
+        return std::make_tuple(connection->hasAsked(), !connection->isIdle(), connection->lastMoved());
     };
     (*std::min_element(m_connections.begin(), m_connections.end(), [&](const auto* a, const auto* b) {
         return rank(a) < rank(b);
@@ -132,12 +145,19 @@ void Server::Core::serve(ServerConnection& connection, Call call, int bytes)
                               Action::Responder(m_outbox, request));
 }
 
-Parameters Server::Core::read(const Call& call) const
+/// What the cabinets hold, or why they are too many: the reply must fit into a frame, and its parts into memory before.
+std::variant<Parameters, QString> Server::Core::read(const Call& call) const
 {
-    std::vector<Parameters> cabinets;
     const auto* cids = call.parameters.arguments().find<std::vector<unsigned long long>>("cids");
-    for (const unsigned long long cid : cids ? *cids : std::vector<unsigned long long>()) {
+    if (!cids || cids->size() > maxCabinets)
+        return QStringLiteral("expected cids, at most %1").arg(maxCabinets);
+    std::vector<Parameters> cabinets;
+    qint64 bytes = 0;
+    for (const unsigned long long cid : *cids) {
         const auto state = m_devices.reader->cabinet(call.device, cid);
+        bytes += state ? largePartsOf(*state) : 0;
+        if (bytes > maxPayload)
+            return QStringLiteral("these cabinets hold more than fits into a frame: ask for fewer");
         cabinets.push_back(state ? toParameters(*state) : Parameters());
     }
     Parameters reply;

@@ -69,7 +69,7 @@ private:
     void accept();
     void makeRoom();
     void sweep();
-    Parameters read(const Call& call) const;
+    std::variant<Parameters, QString> read(const Call& call) const;
 
     const Devices m_devices;
     const Listening m_listening;

@@ -108,9 +108,10 @@ double WireReader::real()
 }
 
 /// A text or byte string, in however many pieces. What a piece claims is looked at before memory is taken for it.
-std::string WireReader::bytes()
+template <typename Bytes>
+Bytes WireReader::bytes()
 {
-    std::string result;
+    Bytes result;
     for (;;) {
         const qsizetype size = m_reader.currentStringChunkSize();
         if (size < 0 || size > m_size - m_reader.currentOffset()) {
@@ -119,7 +120,7 @@ std::string WireReader::bytes()
         }
         const std::size_t start = result.size();
         result.resize(start + static_cast<std::size_t>(size));
-        const auto piece = m_reader.readStringChunk(&result[start], size);
+        const auto piece = m_reader.readStringChunk(reinterpret_cast<char*>(result.data()) + start, size);
         if (piece.status == QCborStreamReader::EndOfString) {
             result.resize(start);
             return result;
@@ -133,7 +134,7 @@ std::string WireReader::bytes()
 
 std::string WireReader::text()
 {
-    return take(m_reader.isString() || m_reader.isByteArray(), "a text") ? bytes() : std::string();
+    return take(m_reader.isString() || m_reader.isByteArray(), "a text") ? bytes<std::string>() : std::string();
 }
 
 template <typename T>
@@ -141,12 +142,17 @@ std::vector<T> WireReader::list()
 {
     if (!take(m_reader.isByteArray(), "a byte string"))
         return {};
-    const std::string content = bytes();
-    if (content.size() % sizeof(T) != 0)
-        fail(QStringLiteral("expected numbers of %1 bytes").arg(sizeof(T)));
-    std::vector<T> result(content.size() / sizeof(T));
-    qFromLittleEndian<T>(content.data(), static_cast<qsizetype>(result.size()), result.data());
-    return result;
+    auto content = bytes<std::vector<unsigned char>>();
+    if constexpr (sizeof(T) == 1) {
+        return content;
+    } else {
+        if (content.size() % sizeof(T) != 0)
+            fail(QStringLiteral("expected numbers of %1 bytes").arg(sizeof(T)));
+        std::vector<T> result(content.size() / sizeof(T));
+        if (!result.empty()) // an empty vector may have no address
+            qFromLittleEndian<T>(content.data(), static_cast<qsizetype>(result.size()), result.data());
+        return result;
+    }
 }
 
 Parameters WireReader::nested()

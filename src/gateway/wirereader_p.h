@@ -32,7 +32,8 @@ public:
 
 private:
     bool take(bool isExpected, const char* expected);
-    std::string bytes();
+    template <typename Bytes>
+    Bytes bytes();
     double real();
     template <typename T>
     std::vector<T> list();

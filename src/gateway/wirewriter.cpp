@@ -41,7 +41,9 @@ void WireWriter::list(const std::vector<T>& list)
 {
     m_writer.append(static_cast<QCborTag>(typedArrayTag<T>));
     const auto size = static_cast<qsizetype>(list.size() * sizeof(T));
-    if constexpr (sizeof(T) == 1) {
+    if (list.empty()) { // an empty vector may have no address
+        m_writer.appendByteString("", 0);
+    } else if constexpr (sizeof(T) == 1) {
         m_writer.appendByteString(reinterpret_cast<const char*>(list.data()), size);
     } else {
         std::vector<char> bytes(static_cast<std::size_t>(size));

@@ -31,6 +31,13 @@ public:
         m_socket.write(bytes);
         m_socket.flush();
     }
+    /// At least `size` bytes, fewer when they do not come.
+    QByteArray read(int size)
+    {
+        while (m_socket.bytesAvailable() < size && m_socket.waitForReadyRead(10000)) {
+        }
+        return m_socket.readAll();
+    }
     bool isClosed()
     {
         while (m_socket.state() == QAbstractSocket::ConnectedState && m_socket.waitForReadyRead(10000))
@@ -52,6 +59,16 @@ Parameters modeRequest(int mode)
     parameters.insert("mode", mode);
     parameters.insert("switches", std::vector<Parameters>{entry});
     return parameters;
+}
+
+Parameters grayTable()
+{
+    Parameters table;
+    table.insert("cids", Cids{1, 2});
+    table.insert("freq", 60);
+    for (const char* key : {"rGrayCoeffs", "gGrayCoeffs", "bGrayCoeffs", "magnitude"})
+        table.insert(key, Bytes(65536, static_cast<unsigned char>(*key)));
+    return table;
 }
 
 QByteArray callFrame(const std::string& device, quint64 id = 1)
@@ -151,12 +168,7 @@ private Q_SLOTS:
         QVERIFY(m_client->hello().isSimulated && m_client->hello().isReadable);
         QCOMPARE(*m_client->wall(), wallDocument("{}"));
         QCOMPARE(putMode("a", 11).mode, 11);
-        Parameters table;
-        table.insert("cids", Cids{1, 2});
-        table.insert("freq", 60);
-        for (const char* key : {"rGrayCoeffs", "gGrayCoeffs", "bGrayCoeffs", "magnitude"})
-            table.insert(key, Bytes(65536, static_cast<unsigned char>(*key)));
-        QCOMPARE(put("Device_CorrectionGrayCoeff", "a", table).error, QString());
+        QCOMPARE(put("Device_CorrectionGrayCoeff", "a", grayTable()).error, QString());
         const auto read = m_client->cabinet("a", 1);
         QVERIFY(read && read->mode == 11 && *read->grayTable == *m_wall->cabinet("a", 1)->grayTable);
         QVERIFY(m_client->cabinet("a", 2)->grayTable == read->grayTable); // shared
@@ -265,6 +277,30 @@ private Q_SLOTS:
         QCOMPARE(putMode("a", 3).mode, 3);
     }
 
+    void aReadThatWouldNotFitIsRefused_data()
+    {
+        QTest::addColumn<int>("cabinets");
+        QTest::newRow("too many") << 1'000'000;
+        QTest::newRow("too large") << 1000; // of 256 KiB
+    }
+
+    void aReadThatWouldNotFitIsRefused()
+    {
+        QFETCH(int, cabinets);
+        serve();
+        connectClient();
+        QCOMPARE(put("Device_CorrectionGrayCoeff", "a", grayTable()).error, QString());
+        Call read;
+        read.method = Call::Method::Read;
+        read.device = "a";
+        read.parameters.insert("cids", Cids(static_cast<std::size_t>(cabinets), 1));
+        Peer peer(m_server->port());
+        QVERIFY(peer.isConnected());
+        peer.write(frameOf(Hello{}) + *frameOf(read));
+        const QByteArray answer = peer.read(frameOf(Hello{1, true, true}).size() + 40);
+        QVERIFY2(answer.contains("error"), answer.constData());
+    }
+
     void whoTakesNoAnswersIsNotReadFrom()
     {
         serve();
@@ -295,7 +331,7 @@ private Q_SLOTS:
             if (i % 500 == 0)
                 connectClient();
             if (i % 100 == 0)
-                QCOMPARE(putMode("a", i).mode, i);
+                QCOMPARE(putMode("a", i).error, QString());
         }
         QVERIFY(peers.front()->isClosed());
     }
