@@ -29,6 +29,9 @@ public:
     virtual DeviceRecord notServed(const std::string& device) const = 0;
 };
 
+/// What cabinets hold of a correction; those that hold the same stand together.
+QList<HeldCorrection> heldBy(const CabinetStates& states);
+
 /// Cabinets of the fourth generation, behind the transport of the action library. `reader` tells what they hold; it
 /// must outlive the destination. Without one what a device acknowledged is taken to be held by all its cabinets.
 std::unique_ptr<Destination> wallDestination(const QString& name, const CabinetSenderSpace::CabinetTargetMap& targets,

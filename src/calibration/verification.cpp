@@ -1,5 +1,6 @@
 #include "verification.h"
 
+#include <calibration/destination.h>
 #include <calibration/gamut.h>
 
 #include <QJsonArray>
@@ -131,6 +132,14 @@ private:
     std::map<Colour::Coefficients, std::shared_ptr<const Common::Result<Figures>>> m_figures;
 };
 
+/// Replaces what is known of a device's cabinets by what they hold now.
+void askAgain(DeviceRecord& record, const CabinetsNow& now)
+{
+    const auto target = now.targets.find(record.device.toStdString());
+    record.held = target == now.targets.end() ? QList<HeldCorrection>() : heldBy(readBack(now.reader, {*target}));
+    record.known = Known::ReadBack;
+}
+
 Verdict::Kind kindOf(const Verdict& verdict)
 {
     if (verdict.holding == 0)
@@ -159,13 +168,15 @@ Verification judge(const Model::ColorGamutInfo& measured, const Model::ColorGamu
     return verification;
 }
 
-Common::Result<Verification> verify(const Journal& journal, const Acceptance& acceptance)
+Common::Result<Verification> verify(const Journal& journal, const Acceptance& acceptance, const CabinetsNow* now)
 {
     const QJsonObject& inputs = journal.inputs();
     std::vector<DeviceRecord> records;
     for (const QJsonValue device : inputs.value(QStringLiteral("devices")).toArray()) {
         records.push_back(journal.records().value(device.toString()));
         records.back().device = device.toString();
+        if (now)
+            askAgain(records.back(), *now);
     }
     if (records.empty())
         return Fault{Fault::Kind::BadData, QStringLiteral("calibration"), {}, QStringLiteral("names no device")};
@@ -180,7 +191,7 @@ Common::Result<Verification> verify(const Journal& journal, const Acceptance& ac
     auto verification = judge(measured, target, records, acceptance);
     for (const QJsonValue warning : inputs.value(QStringLiteral("warnings")).toArray())
         verification.warnings << warning.toString();
-    verification.verdict.isPast = true;
+    verification.verdict.isPast = !now;
     verification.verdict.isSimulated = inputs.value(QStringLiteral("simulated")).toBool();
     return verification;
 }

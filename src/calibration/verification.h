@@ -37,7 +37,16 @@ struct Verification
 Verification judge(const Model::ColorGamutInfo& measured, const Model::ColorGamutInfo& target,
                    const std::vector<DeviceRecord>& records, const Acceptance& acceptance);
 
-/// Judges a calibration by its journal. Fault: bad data where that names no device.
-Common::Result<Verification> verify(const Journal& journal, const Acceptance& acceptance);
+/// Cabinets that can be asked now.
+struct CabinetsNow
+{
+    const Action::CabinetReader& reader;
+    const CabinetSenderSpace::CabinetTargetMap& targets;
+};
+
+/// Judges a calibration by its journal, or with `now` by what the cabinets of the devices that were served hold now;
+/// blocks while they are asked. Faults are bad data: a journal that names no device, or whose gamuts are none.
+Common::Result<Verification> verify(const Journal& journal, const Acceptance& acceptance,
+                                    const CabinetsNow* now = nullptr);
 
 } // namespace Calibration

@@ -5,17 +5,6 @@ namespace Calibration {
 
 namespace {
 
-QList<HeldCorrection> heldBy(const CabinetStates& states)
-{
-    std::map<std::pair<Colour::Coefficients, bool>, int> groups;
-    for (const auto& [cabinet, state] : states)
-        ++groups[{signedCoefficients(state.coefficients), (state.mode & gamutCorrectionBit) != 0}];
-    QList<HeldCorrection> held;
-    for (const auto& [group, count] : groups)
-        held.append({count, group.first, group.second});
-    return held;
-}
-
 class WallDestination : public Destination
 {
 public:
@@ -75,6 +64,17 @@ private:
 };
 
 } // namespace
+
+QList<HeldCorrection> heldBy(const CabinetStates& states)
+{
+    std::map<std::pair<Colour::Coefficients, bool>, int> groups;
+    for (const auto& [cabinet, state] : states)
+        ++groups[{signedCoefficients(state.coefficients), (state.mode & gamutCorrectionBit) != 0}];
+    QList<HeldCorrection> held;
+    for (const auto& [group, count] : groups)
+        held.append({count, group.first, group.second});
+    return held;
+}
 
 Destination::~Destination() = default;
 

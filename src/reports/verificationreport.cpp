@@ -40,6 +40,9 @@ QString source(const Calibration::Verdict& verdict)
         how << wordOf(verdict.known);
     if (verdict.isSimulated)
         how << QStringLiteral("simulated");
+    if (!verdict.isPast)
+        return QStringLiteral("From the cabinets: what they hold now") +
+               (verdict.isSimulated ? QStringLiteral(" (simulated)") : QString());
     return (verdict.known == Known::Acknowledged && verdict.holding > 0
                 ? QStringLiteral("From the journal: what the devices acknowledged")
                 : QStringLiteral("From the journal: what the cabinets held when they were served")) +
@@ -123,7 +126,8 @@ QJsonObject toJson(const Calibration::Verification& verification)
     object.insert(QStringLiteral("target"), verification.target);
     object.insert(QStringLiteral("simulated"), verification.verdict.isSimulated);
     object.insert(QStringLiteral("warnings"), QJsonArray::fromStringList(verification.warnings));
-    object.insert(QStringLiteral("source"), QStringLiteral("journal"));
+    object.insert(QStringLiteral("source"),
+                  verification.verdict.isPast ? QStringLiteral("journal") : QStringLiteral("cabinets"));
     object.insert(QStringLiteral("verdict"), toJson(verification.verdict));
     object.insert(QStringLiteral("devices"), devices);
     object.insert(QStringLiteral("shown"), shown);

@@ -72,11 +72,18 @@ private Q_SLOTS:
         const QJsonValue held = devicesOf(serving).at(0)["cabinets"][0]["held"];
         QCOMPARE(held["coefficients"][0].toInt(), 10264);
         QCOMPARE(held["gray_levels"].toInt(), 256);
-        QCOMPARE(run({"verify", in("out"), "--quiet"}).exitCode, 0);
+        const QStringList verify{"verify", in("out"), "--transport", serving.transport(), "--json"};
+        const Run asked = run(verify);
+        QVERIFY2(asked.exitCode == 0 && asked.json()["source"] == "cabinets", qPrintable(asked.out));
         const Run sent =
             run({"send", "mode", "--correction", "off", "--exclusive", "--transport", serving.transport(), "--json"});
         QVERIFY2(sent.exitCode == 0 && sent.json()["simulated"].toBool(), qPrintable(sent.out));
         QCOMPARE(devicesOf(serving).at(0)["cabinets"][0]["effect_mode"].toInt(), 0); // the wall as it is now
+        QCOMPARE(run({"verify", in("out"), "--quiet"}).exitCode, 0); // what they held when they were served
+        const Run switched = run(verify);
+        QVERIFY2(switched.exitCode == 1 &&
+                     switched.json().value("verdict")["sentence"].toString().startsWith("DIFFERS: 3 of 3"),
+                 qPrintable(switched.out));
         const QString other = writeFile(in("other.json"), wallDocument("{}"));
         const Run foreign = run({"send", "mode", "--correction", "on", "--device", "a", "--wall", other, "--transport",
                                  serving.transport(), "--json"});

@@ -1,6 +1,7 @@
 #include "commands.h"
 #include "hostlog.h"
 #include "options.h"
+#include "wallargument.h"
 #include <calibration/additivity.h>
 #include <calibration/aftermeasurement.h>
 #include <calibration/folder.h>
@@ -10,12 +11,15 @@
 
 #include <CLI/CLI.hpp>
 
+#include <QJsonArray>
+
 namespace {
 
 struct VerifyArguments
 {
     std::string folder;
-    std::string measured; ///< a measurement made afterwards; empty: none
+    std::string measured;                ///< a measurement made afterwards; empty: none
+    std::string transport = "simulated"; ///< which ended with the process that calibrated: the journal is read
     Calibration::Acceptance acceptance;
 };
 
@@ -36,12 +40,43 @@ std::optional<Fault> compareAfter(const VerifyArguments& arguments, const Calibr
     return Fault{Fault::Kind::Difference, measurement.subject, {}, after.sentence()};
 }
 
+/// The strings of an array among the inputs of a calibration.
+std::vector<std::string> stringsOf(const Calibration::Journal& journal, const char* key)
+{
+    std::vector<std::string> result;
+    for (const QJsonValue value : journal.inputs().value(QLatin1String(key)).toArray())
+        result.push_back(value.toString().toStdString());
+    return result;
+}
+
+/// Asks the cabinets where they can be asked, else the journal.
+Common::Result<Calibration::Verification> judge(const Calibration::Journal& journal, const VerifyArguments& arguments,
+                                                const Output& output)
+{
+    if (arguments.transport == WallArgument().transport)
+        return Calibration::verify(journal, arguments.acceptance);
+    WallArgument argument;
+    argument.transport = arguments.transport;
+    argument.devices = stringsOf(journal, "device");
+    argument.cabinets = stringsOf(journal, "cabinet");
+    const OpenWall wall = openWall(argument);
+    const WallDevices devices(wall, argument.seed, output);
+    if (!devices.reader())
+        throw Fault{Fault::Kind::Unavailable, wall.name, QStringLiteral("cabinets that can be asked"),
+                    QStringLiteral("none")};
+    const Calibration::CabinetsNow now{*devices.reader(), wall.targets};
+    auto verification = Calibration::verify(journal, arguments.acceptance, &now);
+    if (verification)
+        verification->verdict.isSimulated = devices.isSimulated();
+    return verification;
+}
+
 CommandResult verify(const VerifyArguments& arguments, const Output& output)
 {
     HostLog::install(output.quiet);
     const QString folder = QString::fromStdString(arguments.folder);
     const auto journal = take(Calibration::Journal::read(Calibration::journalPath(folder)));
-    const auto verification = Calibration::verify(journal, arguments.acceptance);
+    const auto verification = judge(journal, arguments, output);
     if (!verification) {
         Fault fault = verification.fault();
         fault.subject += QLatin1Char(' ') + folder;
@@ -67,6 +102,7 @@ void addVerifyCommand(CLI::App& app, Command& chosen)
     command->add_option("folder", arguments->folder, "The calibration's folder")->required();
     command->add_option("--measured", arguments->measured,
                         "A measurement of the calibrated wall, to be compared with target and computed colours");
+    addTransport(*command, arguments->transport);
     addAcceptance(*command, arguments->acceptance);
     command->callback(
         [&chosen, arguments] { chosen = [arguments](const Output& output) { return verify(*arguments, output); }; });
