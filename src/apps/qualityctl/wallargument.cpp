@@ -101,8 +101,9 @@ WallDevices::WallDevices(const OpenWall& wall, unsigned int seed, const Output& 
         m_reader = wall.gateway;
     m_isSimulated = hello.isSimulated;
     Action::setTransport(wall.gateway);
-    output.note(QStringLiteral("qualityctl: %1, %2 devices")
-                    .arg(wall.gateway->name(), m_isSimulated ? QStringLiteral("simulated") : QStringLiteral("real")));
+    output.note(
+        QStringLiteral("qualityctl: %1, %2 devices")
+            .arg(wall.gateway->name(), m_isSimulated ? QStringLiteral("simulated") : QStringLiteral("not simulated")));
 }
 
 WallDevices::~WallDevices()
