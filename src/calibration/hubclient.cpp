@@ -14,13 +14,14 @@ using Common::Result;
 
 constexpr int connectMs = 2000;
 
-/// Why a hub cannot be reached; a session only logs it. Empty when it can.
+/// Why a hub could not be reached, which a session does not tell. Only asked then: a hub may serve one connection and
+/// no more.
 QString reachFault(const HubAddress& address)
 {
     QTcpSocket probe;
     probe.connectToHost(address.host, address.port);
     if (probe.waitForConnected(connectMs))
-        return {};
+        return QStringLiteral("connected too late");
     if (probe.error() == QAbstractSocket::ConnectionRefusedError)
         return QStringLiteral("connection refused");
     return probe.error() == QAbstractSocket::SocketTimeoutError ? QStringLiteral("unreachable") : probe.errorString();
@@ -39,13 +40,12 @@ HubClient::~HubClient()
 Result<std::unique_ptr<HubClient>> HubClient::connect(const HubAddress& address)
 {
     std::unique_ptr<HubClient> client(new HubClient(address));
-    const QString fault = reachFault(address);
-    if (!fault.isEmpty())
-        return Fault{Fault::Kind::Unavailable, client->name(), {}, fault};
     const int timeLimit = qMax(1, qRound(address.timeout * 1000.0));
     client->m_session.setWaits(connectMs, timeLimit, 1);
     client->m_session.setTimeLimit(timeLimit);
     client->m_session.connectToServer(address.host, address.port);
+    if (!client->m_session.isConnected())
+        return Fault{Fault::Kind::Unavailable, client->name(), {}, reachFault(address)};
     client->m_sender->attachSession(&client->m_session);
     return client;
 }

@@ -2,6 +2,7 @@
 #include <calibration/hubclient.h>
 #include <simulator/simulatedhub.h>
 
+#include <QTcpServer>
 #include <QTest>
 
 using namespace Calibration;
@@ -172,6 +173,15 @@ private Q_SLOTS:
         const auto client = good(HubClient::connect(address(0.2)));
         const auto sent = client->run([](CabinetSender3th& sender) { return sender.uploadNiccData({}, {}); });
         QCOMPARE(faultText(sent), fault.replace(": ", ": " + client->name() + ": "));
+    }
+
+    void aHubIsConnectedToOnce() // it may serve one client and no more
+    {
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        const auto hub = good(HubClient::connect({"127.0.0.1", server.serverPort(), 1.0}));
+        QVERIFY(server.waitForNewConnection(5000) && server.nextPendingConnection());
+        QVERIFY(!server.waitForNewConnection(50));
     }
 
     void aHubIsServedAsOneDevice()
