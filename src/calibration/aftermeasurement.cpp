@@ -108,7 +108,9 @@ QString AfterMeasurement::sentence() const
                .arg(isPassed() ? QStringLiteral("PASSED") : QStringLiteral("DIFFERS"),
                     acceptance.isStrict ? QStringLiteral("the target") : QStringLiteral("what was computed"),
                     differenceText(worst(), acceptance.maxDifference)) +
-           (white ? QStringLiteral(", white %1 % of luminance").arg(100.0 * *white, 0, 'f', 1) : QString());
+           (white ? QStringLiteral(", white %1%2 % of luminance")
+                        .arg(*white < 0.0 ? QString() : QStringLiteral("+"), QString::number(100.0 * *white, 'f', 1))
+                  : QString());
 }
 
 Result<AfterMeasurement> compareAfter(const Verification& verification, const Measurement& measurement,

@@ -82,6 +82,11 @@ bool DeviceRecord::isDone() const
            std::all_of(outcomes.begin(), outcomes.end(), [](const Outcome& outcome) { return outcome.isGood(); });
 }
 
+QString cabinetsText(int count)
+{
+    return count == 1 ? QStringLiteral("1 cabinet") : QStringLiteral("%1 cabinets").arg(count);
+}
+
 QJsonObject toJson(const DeviceRecord& record)
 {
     QJsonArray outcomes;

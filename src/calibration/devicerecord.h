@@ -29,6 +29,9 @@ struct DeviceRecord
     bool isDone() const;
 };
 
+/// "1 cabinet", "36 cabinets"
+QString cabinetsText(int count);
+
 /// As the journal keeps a record, and back; what is missing there is 0 or empty, and acknowledged.
 QJsonObject toJson(const DeviceRecord& record);
 DeviceRecord recordFromJson(const QJsonObject& object);

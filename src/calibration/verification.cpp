@@ -64,7 +64,7 @@ private:
         if (cabinets <= 0)
             return QStringLiteral("has no cabinets");
         return known == cabinets ? QString()
-                                 : QStringLiteral("of %1 cabinets, %2 are known to hold it").arg(cabinets).arg(known);
+                                 : QStringLiteral("of %1, %2 known to hold it").arg(cabinetsText(cabinets)).arg(known);
     }
 
     /// Takes a group of cabinets of a device that holds everything into the verdict.
@@ -76,8 +76,7 @@ private:
         verdict.isAsBright = verdict.isAsBright && (judgement.isWithin || isFar);
         if (judgement.isWithin)
             return;
-        const QString subject =
-            QStringLiteral("%1: %2 cabinets").arg(judgement.device, QString::number(judgement.held.cabinets));
+        const QString subject = QStringLiteral("%1: %2").arg(judgement.device, cabinetsText(judgement.held.cabinets));
         if (!judgement.figures)
             m_verification.faults << QStringLiteral("%1 give no light").arg(subject);
         else if (isFar)

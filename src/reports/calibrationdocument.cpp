@@ -63,8 +63,8 @@ Table whiteTable(const RunResult& result, const Calibration::Content& content)
     addColour(table, QStringLiteral("target"), figures.target.wLxy, true, QStringLiteral("wanted"));
     addColour(table, QStringLiteral("corrected"), shownWhite(figures), true, wordOf(Known::Computed));
     for (const HeldFigures& held : heldFigures(result.verification))
-        addColour(table, QStringLiteral("on %1 cabinets").arg(held.cabinets), shownWhite(*held.figures), true,
-                  heldWord(held.known));
+        addColour(table, QStringLiteral("on %1").arg(Calibration::cabinetsText(held.cabinets)),
+                  shownWhite(*held.figures), true, heldWord(held.known));
     return table;
 }
 
@@ -128,8 +128,8 @@ std::vector<Block> coloursOf(const RunResult& result)
         if (isRight(figures))
             continue;
         others.push_back(Heading{QStringLiteral("Colours and grays of other integers")});
-        others.push_back(
-            Paragraph{QStringLiteral("On %1 cabinets of %2.").arg(QString::number(figures.cabinets), figures.devices)});
+        others.push_back(Paragraph{
+            QStringLiteral("On %1 of %2.").arg(Calibration::cabinetsText(figures.cabinets), figures.devices)});
         others.push_back(reachTable(*figures.figures, heldWord(figures.known)));
     }
     std::vector<Block> blocks = isHeld ? correction : others;

@@ -97,11 +97,13 @@ Table deviceTable(const std::vector<DeviceRecord>& records, const QStringList& r
 QString toText(const RunResult& result, const Content& content)
 {
     const Calibration::Figures& figures = result.figures;
-    QString text = titleOf(result) + QLatin1String("\n\n") + result.verification.verdict.sentence() +
-                   QLatin1String("\n\n") + warningLines(content.warnings) + figuresTable(figures).toText() +
-                   QLatin1Char('\n') + reachTable(figures, wordOf(Calibration::Known::Computed)).toText() +
-                   QLatin1Char('\n') + reachText(figures) + QLatin1String("\n\n") +
-                   deviceTable(result.records, result.resumed).toText() + QLatin1String("\nWritten:\n");
+    const bool isHeld = result.verification.verdict.holding > 0;
+    QString text =
+        titleOf(result) + QLatin1String("\n\n") + result.verification.verdict.sentence() + QLatin1String("\n\n") +
+        warningLines(content.warnings) + figuresTable(figures).toText() + QLatin1Char('\n') +
+        (isHeld ? QString() : QStringLiteral("What the correction would show; no device holds it:\n\n")) +
+        reachTable(figures, wordOf(Calibration::Known::Computed)).toText() + QLatin1Char('\n') + reachText(figures) +
+        QLatin1String("\n\n") + deviceTable(result.records, result.resumed).toText() + QLatin1String("\nWritten:\n");
     for (const QString& file : result.files)
         text += QStringLiteral("  %1\n").arg(file);
     return text;

@@ -11,10 +11,17 @@ using Calibration::Measurement;
 using Calibration::PatchReadings;
 using Calibration::WhiteSource;
 
+/// A number that may not be known.
+Cell ifKnown(bool isKnown, double number, int decimals)
+{
+    return isKnown ? decimal(number, decimals) : Cell(QStringLiteral("-"), QJsonValue::Undefined);
+}
+
 void addPatch(Table& table, const QString& name, const PatchReadings& patch)
 {
-    table.add({name, patch.count, decimal(patch.mean.x, 5), decimal(patch.mean.y, 5), decimal(patch.mean.lum, 4),
-               decimal(patch.spreadXy, 5), percent(patch.spreadLuminance)});
+    table.add({name, patch.count, decimal(patch.mean.x, 5), decimal(patch.mean.y, 5),
+               ifKnown(patch.mean.lum > 0.0, patch.mean.lum, 4), decimal(patch.spreadXy, 5),
+               percent(patch.spreadLuminance)});
 }
 
 QJsonObject toJson(const Colour::MeasuredColour& colour)
@@ -22,12 +29,6 @@ QJsonObject toJson(const Colour::MeasuredColour& colour)
     return {{QStringLiteral("x"), colour.xy.x},
             {QStringLiteral("y"), colour.xy.y},
             {QStringLiteral("luminance"), colour.luminance}};
-}
-
-/// A number that may not be known.
-Cell ifKnown(bool isKnown, double number, int decimals)
-{
-    return isKnown ? decimal(number, decimals) : Cell(QStringLiteral("-"), QJsonValue::Undefined);
 }
 
 } // namespace

@@ -137,7 +137,7 @@ private Q_SLOTS:
         QTest::newRow("nothing is known of one, the other is empty")
             << std::vector{unknown, empty}
             << "NOT APPLIED: 0 of 2 devices held the correction (simulated, from the journal)"
-            << QStringList{"a: of 2 cabinets, 0 are known to hold it", "b: has no cabinets"};
+            << QStringList{"a: of 2 cabinets, 0 known to hold it", "b: has no cabinets"};
         QTest::newRow("none was served")
             << std::vector<DeviceRecord>()
             << "NOT APPLIED: 0 of 2 devices held the correction (simulated, from the journal)"
