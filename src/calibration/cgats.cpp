@@ -185,7 +185,7 @@ Result<void> CgatsParser::endData(std::size_t count)
     if (!counted)
         return counted;
     if (count == 0)
-        return refusal(m_reader.place(), QStringLiteral("readings"), QStringLiteral("no data"));
+        return refusal(m_reader.begin(), QStringLiteral("readings"), QStringLiteral("no data"));
     m_isDone = m_table.has_value();
     if (!m_isDone) { // the next table brings its own
         m_keywords.clear();
@@ -235,7 +235,7 @@ Result<double> CgatsParser::luminanceFactor(Measurement& measurement) const
 Result<Measurement> CgatsParser::measurement() const
 {
     Measurement result;
-    const auto patches = m_table->byPatch();
+    const auto patches = m_table->byPatch(m_reader.begin());
     if (!patches)
         return patches.fault();
     result.patches = *patches;

@@ -131,7 +131,7 @@ Result<Measurement> parseCsvReadings(const Input& input)
     FieldReader reader(input, maxLineLength);
     const auto hasLine = reader.next();
     if (hasLine && !*hasLine)
-        return Fault{Fault::Kind::BadData, input.subject(), {}, QStringLiteral("no data")};
+        return Fault{Fault::Kind::BadData, reader.begin(), {}, QStringLiteral("no data")};
     if (!hasLine)
         return hasLine.fault();
     const FieldStyle style = styleOf(reader.text());
@@ -145,7 +145,7 @@ Result<Measurement> parseCsvReadings(const Input& input)
     const auto added = addRows(reader, style, table);
     if (!added)
         return added.fault();
-    const auto patches = table.byPatch();
+    const auto patches = table.byPatch(reader.begin());
     if (!patches)
         return patches.fault();
     Measurement measurement;

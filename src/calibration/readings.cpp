@@ -165,7 +165,7 @@ Result<Colour::Vector3> ReadingTable::tristimulus(const Reading& reading, bool i
     return Colour::Vector3{v[0] / v[1] * v[2], v[2], (1.0 - v[0] - v[1]) / v[1] * v[2]};
 }
 
-Result<PatchTable> ReadingTable::byPatch() const
+Result<PatchTable> ReadingTable::byPatch(const QString& end) const
 {
     PatchTable table;
     table.fullDrive = fullDrive();
@@ -184,7 +184,7 @@ Result<PatchTable> ReadingTable::byPatch() const
     for (std::size_t point = 0; point < table.points.size(); ++point) {
         if (readings[point].empty())
             return Fault{
-                Fault::Kind::BadData, m_input.subject(), QStringLiteral("readings of full red, green, blue and white"),
+                Fault::Kind::BadData, end, QStringLiteral("readings of full red, green, blue and white"),
                 QStringLiteral("none of %1 among %2").arg(pointName(point), QString::number(m_readings.size()))};
         table.points[point] = averaged(readings[point]);
     }

@@ -59,8 +59,8 @@ public:
     /// Takes the reading in a line; `reader` stands on it. At most 65,536 are taken.
     Result<void> add(const FieldReader& reader, const std::vector<Field>& fields);
 
-    /// The readings by patch. Fault also for a patch that no reading is of.
-    Result<PatchTable> byPatch() const;
+    /// The readings by patch. Fault also for a patch that no reading is of, at `end`, where the readings end.
+    Result<PatchTable> byPatch(const QString& end) const;
 
 private:
     struct Reading

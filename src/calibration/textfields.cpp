@@ -1,5 +1,7 @@
 #include "textfields.h"
 
+#include <algorithm>
+
 namespace Calibration {
 
 namespace {
@@ -111,7 +113,7 @@ Result<std::vector<Field>> FieldReader::fields(const FieldStyle& style) const
 
 QString FieldReader::place() const
 {
-    return QStringLiteral("%1, line %2").arg(m_input.subject(), QString::number(m_number));
+    return QStringLiteral("%1, line %2").arg(m_input.subject(), QString::number(std::max(1, m_number)));
 }
 
 QString FieldReader::place(const Field& field) const

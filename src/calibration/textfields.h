@@ -45,6 +45,8 @@ public:
     QString place() const;
     /// "measurement x.ti3, line 3, column 12".
     QString place(const Field& field) const;
+    /// The begin of the line, or of an empty text.
+    QString begin() const { return place(Field{{}, 1}); }
 
 private:
     const Input& m_input;

@@ -183,14 +183,15 @@ private Q_SLOTS:
         };
         const QByteArray csv = "label,x,y,Y\n" + lines("{label},{x},{y},{Y}");
         const QByteArray xyz = "label,X,Y,Z\n" + lines("{label},{X},{Y},{Z}");
-        row("", "m: no data");
-        row("# nothing\n\n", "m: no data");
+        row("", "m, line 1, column 1: no data");
+        row("# nothing\n\n", "column 1: no data");
         row("qu'est-ce?",
             "line 1, column 1: expected a heading with x, y, Y or X, Y, Z, or a CGATS or JSON text, found");
         row("x,y,Y\n", "column 1: expected a heading with a label or with r, g, b for the patch");
         row("patch,x,y\n", "expected a heading with x, y, Y");
         row("label,x,y,Y,x\n", "two columns have the same name");
-        row("label,x,y,Y\n", "expected readings of full red, green, blue and white, found none of red among 0");
+        row("label,x,y,Y\n",
+            "m, line 1, column 1: expected readings of full red, green, blue and white, found none of red among 0");
         row(QByteArray(csv).replace("white", "wite"), "found none of white among 4");
         row(csv + "\n red,0.6, nan,1\n", "m, line 7, column 11, y: expected a number, found \"nan\"");
         row(csv + "red,0.6,0.3,1e400\n", "line 6, column 13, Y: expected a number, found \"1e400\"");
@@ -218,7 +219,7 @@ private Q_SLOTS:
         row(ti3("", good).replace("FIELDS 7", "FIELDS 8"),
             "line 4, column 18, NUMBER_OF_FIELDS: expected 7 fields, as BEGIN_DATA_FORMAT has, found \"8\"");
         row(ti3("NUMBER_OF_SETS 5", good), "line 3, column 16, NUMBER_OF_SETS: expected 4 sets");
-        row(ti3("", ""), "line 10: expected readings, found no data");
+        row(ti3("", ""), "line 10, column 1: expected readings, found no data");
         row(ti3("", good + "5 100 0 0 1 1\n"), "line 14, column 13: expected 7 fields, found 6");
         row(ti3("", good + "5 100 0 0 1 -1 1\n"), "line 14, column 13, XYZ_Y: expected a number above 0, found -1");
         row(ti3("", good + "5 100 0 0 1 inf 1\n"), "line 14, column 13, XYZ_Y: expected a number, found \"inf\"");
