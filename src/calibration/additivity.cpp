@@ -72,11 +72,9 @@ std::optional<Additivity> additivityOf(const Measurement& measurement)
     if (!sum)
         return std::nullopt;
     Additivity result{colourOf(points[3].mean), *sum};
-    const auto a = Colour::uvPrime(result.measured.xy);
-    const auto b = Colour::uvPrime(sum->xy);
     result.isRelative = measurement.patches.isRelative;
     result.luminance = sum->luminance / result.measured.luminance - 1.0;
-    result.duvPrime = std::hypot(a.x - b.x, a.y - b.y);
+    result.duvPrime = Colour::uvDistance(result.measured.xy, sum->xy);
     return result;
 }
 

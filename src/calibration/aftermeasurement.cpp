@@ -12,13 +12,6 @@ namespace {
 /// Where red, green, blue and white stand among the judged contents.
 constexpr std::array<std::size_t, 4> contents{0, 1, 2, Colour::judgedWhite};
 
-double distanceUv(const Colour::Chromaticity& first, const Colour::Chromaticity& second)
-{
-    const Colour::Chromaticity a = Colour::uvPrime(first);
-    const Colour::Chromaticity b = Colour::uvPrime(second);
-    return std::hypot(a.x - b.x, a.y - b.y);
-}
-
 /// A point beside its white; only the ratio of both luminances counts.
 ComparedColour measuredColour(const Model::LXY& point, const Model::LXY& white)
 {
@@ -71,9 +64,9 @@ ComparedPoint compare(std::size_t point, const Figures& figures, const Measureme
         result.afterToTarget = difference(result.after, result.target);
         result.afterToComputed = difference(result.after, result.computed);
     }
-    result.uvBeforeToTarget = distanceUv(result.before.xy, result.target.xy);
-    result.uvAfterToTarget = distanceUv(result.after.xy, result.target.xy);
-    result.uvAfterToComputed = distanceUv(result.after.xy, result.computed.xy);
+    result.uvBeforeToTarget = Colour::uvDistance(result.before.xy, result.target.xy);
+    result.uvAfterToTarget = Colour::uvDistance(result.after.xy, result.target.xy);
+    result.uvAfterToComputed = Colour::uvDistance(result.after.xy, result.computed.xy);
     return result;
 }
 

@@ -8,23 +8,6 @@ namespace Calibration {
 
 namespace {
 
-QString opening(Verdict::Kind kind)
-{
-    switch (kind) {
-    case Verdict::Kind::Passed:
-        return QStringLiteral("PASSED");
-    case Verdict::Kind::Differs:
-        return QStringLiteral("DIFFERS");
-    case Verdict::Kind::Partly:
-        return QStringLiteral("PARTLY APPLIED");
-    case Verdict::Kind::NotApplied:
-        return QStringLiteral("NOT APPLIED");
-    case Verdict::Kind::Interrupted:
-        return QStringLiteral("INTERRUPTED");
-    }
-    return {};
-}
-
 /// A limit as people write it: "1.0".
 QString limitText(double limit)
 {
@@ -52,7 +35,24 @@ QString differenceText(double worst, double limit)
     return format.arg(isWithin || two.toDouble() > limit ? two : QString::number(worst), limitText(limit));
 }
 
-QString Verdict::sentence() const
+QString Verdict::result() const
+{
+    switch (kind) {
+    case Kind::Passed:
+        return QStringLiteral("PASSED");
+    case Kind::Differs:
+        return QStringLiteral("DIFFERS");
+    case Kind::Partly:
+        return QStringLiteral("PARTLY APPLIED");
+    case Kind::NotApplied:
+        return QStringLiteral("NOT APPLIED");
+    case Kind::Interrupted:
+        return QStringLiteral("INTERRUPTED");
+    }
+    return {};
+}
+
+QString Verdict::details() const
 {
     QStringList remarks;
     if (holding > 0)
@@ -64,12 +64,17 @@ QString Verdict::sentence() const
     const bool isWord = holding > 0 && known == Known::Acknowledged; // nobody looked
     const QString verb =
         isWord ? QStringLiteral("acknowledged") : (isPast ? QStringLiteral("held") : QStringLiteral("hold"));
-    return QStringLiteral("%1: %2 of %3 devices %4 %5 correction")
-               .arg(opening(kind), QString::number(holding), QString::number(devices), verb,
+    return QStringLiteral("%1 of %2 devices %3 %4 correction")
+               .arg(QString::number(holding), QString::number(devices), verb,
                     kind == Kind::Differs ? QStringLiteral("a") : QStringLiteral("the")) +
            (holding > 0 ? difference(*this) : QString()) +
            (isAsBright ? QString() : QStringLiteral(", white not as bright as wanted")) +
            (remarks.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(remarks.join(QStringLiteral(", "))));
+}
+
+QString Verdict::sentence() const
+{
+    return result() + QLatin1String(": ") + details();
 }
 
 } // namespace Calibration

@@ -34,7 +34,11 @@ struct Verdict
     bool isAsBright = true; ///< the white of those has the luminance that is wanted, within 1 %, where both are known
 
     bool isPassed() const { return kind == Kind::Passed; }
-    /// "PASSED: 3 of 3 devices hold the correction, CIEDE2000 at most 0.01 of 1.0 (read back, simulated)".
+    /// "PASSED", "NOT APPLIED"
+    QString result() const;
+    /// "3 of 3 devices hold the correction, CIEDE2000 at most 0.01 of 1.0 (read back, simulated)"
+    QString details() const;
+    /// Both: "PASSED: 3 of 3 devices hold the correction, CIEDE2000 at most 0.01 of 1.0 (read back, simulated)".
     QString sentence() const;
 };
 

@@ -16,14 +16,9 @@ Cell xy(const Calibration::ComparedColour& colour)
             QJsonArray{colour.xy.x, colour.xy.y}};
 }
 
-Cell known(const std::optional<double>& figure, int decimals)
-{
-    return figure ? decimal(*figure, decimals) : Cell(QStringLiteral("-"), QJsonValue(QJsonValue::Undefined));
-}
-
 Cell luminance(const Calibration::ComparedColour& colour)
 {
-    return known(colour.luminance > 0.0 ? std::optional(colour.luminance) : std::nullopt, 2);
+    return decimal(colour.luminance > 0.0 ? std::optional(colour.luminance) : std::nullopt, 2);
 }
 
 /// A table with a row for each point.
@@ -49,37 +44,37 @@ struct Comparison
 
 std::vector<Comparison> comparisons()
 {
-    return {
-        {QStringLiteral("CIE 1931 x, y"),
-         {{QStringLiteral("target_xy"), QStringLiteral("target")},
-          {QStringLiteral("computed_xy"), QStringLiteral("computed")},
-          {QStringLiteral("before_xy"), QStringLiteral("before")},
-          {QStringLiteral("after_xy"), QStringLiteral("after")}},
-         [](const ComparedPoint& p) {
-             return std::vector{xy(p.target), xy(p.computed), xy(p.before), xy(p.after)};
-         }},
-        {QStringLiteral("CIEDE2000"),
-         {{QStringLiteral("ciede2000_before_to_target"), QStringLiteral("before to target")},
-          {QStringLiteral("ciede2000_after_to_target"), QStringLiteral("after to target")},
-          {QStringLiteral("ciede2000_after_to_computed"), QStringLiteral("after to computed")}},
-         [](const ComparedPoint& p) {
-             return std::vector{known(p.beforeToTarget, 2), decimal(p.afterToTarget, 2), decimal(p.afterToComputed, 2)};
-         }},
-        {QStringLiteral("Distance in u'v'"),
-         {{QStringLiteral("duv_prime_before_to_target"), QStringLiteral("before to target")},
-          {QStringLiteral("duv_prime_after_to_target"), QStringLiteral("after to target")},
-          {QStringLiteral("duv_prime_after_to_computed"), QStringLiteral("after to computed")}},
-         [](const ComparedPoint& p) {
-             return std::vector{decimal(p.uvBeforeToTarget, 4), decimal(p.uvAfterToTarget, 4),
-                                decimal(p.uvAfterToComputed, 4)};
-         }},
-        {QStringLiteral("Luminance, cd/m2"),
-         {{QStringLiteral("before_cd_m2"), QStringLiteral("before")},
-          {QStringLiteral("computed_cd_m2"), QStringLiteral("computed")},
-          {QStringLiteral("after_cd_m2"), QStringLiteral("after")}},
-         [](const ComparedPoint& p) {
-             return std::vector{luminance(p.before), luminance(p.computed), luminance(p.after)};
-         }}};
+    return {{QStringLiteral("CIE 1931 x, y"),
+             {{QStringLiteral("target_xy"), QStringLiteral("target")},
+              {QStringLiteral("computed_xy"), QStringLiteral("computed")},
+              {QStringLiteral("before_xy"), QStringLiteral("before")},
+              {QStringLiteral("after_xy"), QStringLiteral("after")}},
+             [](const ComparedPoint& p) {
+                 return std::vector{xy(p.target), xy(p.computed), xy(p.before), xy(p.after)};
+             }},
+            {QStringLiteral("CIEDE2000"),
+             {{QStringLiteral("ciede2000_before_to_target"), QStringLiteral("before to target")},
+              {QStringLiteral("ciede2000_after_to_target"), QStringLiteral("after to target")},
+              {QStringLiteral("ciede2000_after_to_computed"), QStringLiteral("after to computed")}},
+             [](const ComparedPoint& p) {
+                 return std::vector{decimal(p.beforeToTarget, 2), decimal(p.afterToTarget, 2),
+                                    decimal(p.afterToComputed, 2)};
+             }},
+            {QStringLiteral("Distance in u'v'"),
+             {{QStringLiteral("duv_prime_before_to_target"), QStringLiteral("before to target")},
+              {QStringLiteral("duv_prime_after_to_target"), QStringLiteral("after to target")},
+              {QStringLiteral("duv_prime_after_to_computed"), QStringLiteral("after to computed")}},
+             [](const ComparedPoint& p) {
+                 return std::vector{decimal(p.uvBeforeToTarget, 4), decimal(p.uvAfterToTarget, 4),
+                                    decimal(p.uvAfterToComputed, 4)};
+             }},
+            {QStringLiteral("Luminance, cd/m2"),
+             {{QStringLiteral("before_cd_m2"), QStringLiteral("before")},
+              {QStringLiteral("computed_cd_m2"), QStringLiteral("computed")},
+              {QStringLiteral("after_cd_m2"), QStringLiteral("after")}},
+             [](const ComparedPoint& p) {
+                 return std::vector{luminance(p.before), luminance(p.computed), luminance(p.after)};
+             }}};
 }
 
 QString wordMeasured()

@@ -6,7 +6,6 @@
 #include <reports/measurementreport.h>
 #include <reports/sendreport.h>
 #include <reports/verificationreport.h>
-#include <suite/colour/coverage.h>
 
 #include <algorithm>
 
@@ -27,9 +26,7 @@ Mark markOf(const Calibration::Verdict& verdict)
 
 Verdict headOf(const Calibration::Verdict& verdict)
 {
-    const QString sentence = verdict.sentence();
-    const int colon = sentence.indexOf(QLatin1String(": "));
-    return {markOf(verdict), sentence.left(colon), sentence.mid(colon + 2)};
+    return {markOf(verdict), verdict.result(), verdict.details()};
 }
 
 Facts occasionOf(const RunResult& result, const ReportDetails& details)

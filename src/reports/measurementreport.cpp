@@ -11,17 +11,16 @@ using Calibration::Measurement;
 using Calibration::PatchReadings;
 using Calibration::WhiteSource;
 
-/// A number that may not be known.
-Cell ifKnown(bool isKnown, double number, int decimals)
+/// Nothing where it is not known.
+std::optional<double> luminanceOf(const Model::LXY& colour)
 {
-    return isKnown ? decimal(number, decimals) : Cell(QStringLiteral("-"), QJsonValue::Undefined);
+    return colour.lum > 0.0 ? std::optional(colour.lum) : std::nullopt;
 }
 
 void addPatch(Table& table, const QString& name, const PatchReadings& patch)
 {
     table.add({name, patch.count, decimal(patch.mean.x, 5), decimal(patch.mean.y, 5),
-               ifKnown(patch.mean.lum > 0.0, patch.mean.lum, 4), decimal(patch.spreadXy, 5),
-               percent(patch.spreadLuminance)});
+               decimal(luminanceOf(patch.mean), 4), decimal(patch.spreadXy, 5), percent(patch.spreadLuminance)});
 }
 
 QJsonObject toJson(const Colour::MeasuredColour& colour)
@@ -82,9 +81,9 @@ Table colourTable()
 void addColour(Table& table, const QString& name, const Model::LXY& colour, bool isWhite, const QString& known)
 {
     const auto cct = isWhite ? Colour::correlatedTemperature({colour.x, colour.y}) : std::nullopt;
-    table.add({name, decimal(colour.x, 4), decimal(colour.y, 4), ifKnown(colour.lum > 0.0, colour.lum, 1),
-               ifKnown(cct.has_value(), cct ? cct->kelvin : 0.0, 0), ifKnown(cct.has_value(), cct ? cct->duv : 0.0, 4),
-               known});
+    table.add({name, decimal(colour.x, 4), decimal(colour.y, 4), decimal(luminanceOf(colour), 1),
+               decimal(cct ? std::optional(cct->kelvin) : std::nullopt, 0),
+               decimal(cct ? std::optional(cct->duv) : std::nullopt, 4), known});
 }
 
 Table pointTable(const Model::ColorGamutInfo& gamut, const QString& known)

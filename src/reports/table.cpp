@@ -57,6 +57,11 @@ Cell decimal(double number, int decimals)
     return {QString::number(isZero ? 0.0 : number, 'f', decimals), number};
 }
 
+Cell decimal(const std::optional<double>& number, int decimals)
+{
+    return number ? decimal(*number, decimals) : Cell(QStringLiteral("-"), QJsonValue(QJsonValue::Undefined));
+}
+
 Cell percent(double fraction)
 {
     return {QStringLiteral("%1 %").arg(100.0 * fraction, 0, 'f', 2), fraction};

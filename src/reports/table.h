@@ -4,6 +4,7 @@
 #include <QJsonValue>
 #include <QString>
 
+#include <optional>
 #include <vector>
 
 namespace Reports {
@@ -29,6 +30,8 @@ struct Cell
 
 /// A number with so many decimals in text, and whole in JSON.
 Cell decimal(double number, int decimals);
+/// The same of what may not be known: then "-", and no member in JSON.
+Cell decimal(const std::optional<double>& number, int decimals);
 /// A fraction as "95.37 %", and as it is in JSON.
 Cell percent(double fraction);
 /// A truth, with the words for both.

@@ -6,7 +6,6 @@
 #include "progress.h"
 #include "wallargument.h"
 #include <calibration/gamut.h>
-#include <calibration/graytable.h>
 #include <calibration/output.h>
 #include <reports/calibrationreport.h>
 

@@ -25,6 +25,14 @@ constexpr Primaries uvPrime(const Primaries& xy)
     return {uvPrime(xy.red), uvPrime(xy.green), uvPrime(xy.blue), uvPrime(xy.white)};
 }
 
+/// The distance of two CIE 1931 chromaticities in CIE 1976 u', v'.
+inline double uvDistance(const Chromaticity& first, const Chromaticity& second)
+{
+    const Chromaticity a = uvPrime(first);
+    const Chromaticity b = uvPrime(second);
+    return std::hypot(a.x - b.x, a.y - b.y);
+}
+
 /// Areas in the plane in which the primaries are given; the turn of either triangle does not matter, nor does white.
 /// Intersection by Sutherland-Hodgman clipping, area by the shoelace formula. Both figures are zero where either
 /// set of primaries is on one line or not finite.
