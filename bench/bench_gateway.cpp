@@ -82,7 +82,7 @@ class Exchange
 public:
     Exchange()
     {
-        Gateway::Devices devices;
+        Action::Devices devices;
         devices.transport = std::make_shared<Answering>();
         devices.wall = [] { return QByteArray(); };
         auto server = Gateway::Server::start(devices, {});

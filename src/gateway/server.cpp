@@ -4,7 +4,7 @@
 
 namespace Gateway {
 
-Common::Result<std::unique_ptr<Server>> Server::start(Devices devices, const Listening& listening)
+Common::Result<std::unique_ptr<Server>> Server::start(Action::Devices devices, const Listening& listening)
 {
     std::unique_ptr<Server> server(new Server);
     server->m_core = new Core(std::move(devices), listening);

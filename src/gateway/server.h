@@ -1,25 +1,13 @@
 #pragma once
 
-#include <suite/action/cabinetreader.h>
-#include <suite/action/transport.h>
-#include <suite/common/result.h>
+#include <suite/action/devices.h>
 
 #include <QHostAddress>
 #include <QThread>
 
-#include <functional>
 #include <memory>
 
 namespace Gateway {
-
-/// What a server stands for. Its parts are used from the server's thread.
-struct Devices
-{
-    std::shared_ptr<Action::Transport> transport;
-    const Action::CabinetReader* reader = nullptr; ///< null: cabinets cannot be asked; outlives the server
-    std::function<QByteArray()> wall;              ///< the wall document of what is there now
-    bool isSimulated = false;
-};
 
 /// Where and for how many a server listens.
 struct Listening
@@ -35,8 +23,8 @@ struct Listening
 class Server
 {
 public:
-    /// Starts one. Fault: unavailable, with the reason.
-    static Common::Result<std::unique_ptr<Server>> start(Devices devices, const Listening& listening);
+    /// Starts one. It uses the devices from its thread. Fault: unavailable, with the reason.
+    static Common::Result<std::unique_ptr<Server>> start(Action::Devices devices, const Listening& listening);
     /// Closes all connections; what the transport answers later is dropped.
     ~Server();
     Server(const Server&) = delete;

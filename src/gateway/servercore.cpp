@@ -56,7 +56,7 @@ void Outbox::close()
     m_answers.clear();
 }
 
-Server::Core::Core(Devices devices, const Listening& listening)
+Server::Core::Core(Action::Devices devices, const Listening& listening)
     : m_devices(std::move(devices)), m_listening(listening), m_server(new QTcpServer(this)), m_sweep(new QTimer(this)),
       m_outbox(std::make_shared<Outbox>(this))
 {
@@ -124,11 +124,9 @@ void Server::Core::checkMemory()
 void Server::Core::serve(ServerConnection& connection, Call call, int bytes)
 {
     ++m_requestCount;
-    Parameters reply;
     switch (call.method) {
     case Call::Method::List:
-        reply.insert("wall", m_devices.wall().toStdString());
-        return connection.end(call.id, std::move(reply), bytes);
+        return connection.end(call.id, list(), bytes);
     case Call::Method::Read:
         if (!m_devices.reader)
             return connection.end(call.id, QStringLiteral("these devices cannot be read"), bytes);
@@ -143,6 +141,18 @@ void Server::Core::serve(ServerConnection& connection, Call call, int bytes)
     m_devices.transport->send({method, call.action, call.device, call.parameters, call.headers, call.isAcknowledged,
                                call.priority, call.timeout},
                               Action::Responder(m_outbox, request));
+}
+
+std::variant<Parameters, QString> Server::Core::list() const
+{
+    if (!m_devices.wall)
+        return QStringLiteral("these devices have no wall document");
+    const auto document = m_devices.wall();
+    if (!document)
+        return document.fault().message();
+    Parameters reply;
+    reply.insert("wall", document->toStdString());
+    return reply;
 }
 
 /// What the cabinets hold, or why they are too many: the reply must fit into a frame, and its parts into memory before.

@@ -36,7 +36,7 @@ private:
 class Server::Core : public QObject
 {
 public:
-    Core(Devices devices, const Listening& listening);
+    Core(Action::Devices devices, const Listening& listening);
     ~Core() override;
 
     /// Empty, or why it cannot listen.
@@ -69,9 +69,10 @@ private:
     void accept();
     void makeRoom();
     void sweep();
+    std::variant<Parameters, QString> list() const;
     std::variant<Parameters, QString> read(const Call& call) const;
 
-    const Devices m_devices;
+    const Action::Devices m_devices;
     const Listening m_listening;
     QTcpServer* m_server;
     QTimer* m_sweep;

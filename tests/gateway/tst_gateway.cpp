@@ -97,7 +97,7 @@ class GatewayTest : public QObject
 private:
     void serve(Listening listening = {})
     {
-        Devices devices{m_wall, m_wall.get(), [] { return wallDocument("{}"); }, true};
+        Action::Devices devices{m_wall, m_wall, [] { return wallDocument("{}"); }, true};
         auto server = Server::start(devices, listening);
         QVERIFY2(server, qPrintable(server ? QString() : server.fault().message()));
         m_server = std::move(*server);
@@ -365,6 +365,25 @@ private Q_SLOTS:
         const auto result = client.get();
         QVERIFY(!result);
         QVERIFY2(result.fault().message().contains(fault), qPrintable(result.fault().message()));
+    }
+
+    void devicesWithoutAWallDocumentSaySo_data()
+    {
+        QTest::addColumn<bool>("isAsked");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("nobody knows it") << false << "these devices have no wall document";
+        QTest::newRow("who knows it fails") << true << "bus: down";
+    }
+    void devicesWithoutAWallDocumentSaySo()
+    {
+        QFETCH(bool, isAsked);
+        Action::Devices devices{m_wall, nullptr, nullptr, true};
+        if (isAsked)
+            devices.wall = [] { return Common::Fault{Common::Fault::Kind::Unavailable, "bus", {}, "down"}; };
+        m_server = *Server::start(devices, {});
+        connectClient();
+        QTEST(m_client->wall().fault().found, "error");
+        QVERIFY(!m_client->hello().isReadable);
     }
 };
 

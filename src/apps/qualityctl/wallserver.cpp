@@ -53,7 +53,7 @@ CommandResult serveWall(const ServeArguments& arguments, const Output& output)
     const auto simulation = simulate(wall, arguments.wall.seed);
     const Gateway::Listening listening = listeningOf(arguments);
     const auto server = take(Gateway::Server::start(
-        {simulation, simulation.get(), [&] { return currentDocument(wall.wall, *simulation); }, true}, listening));
+        {simulation, simulation, [&] { return currentDocument(wall.wall, *simulation); }, true}, listening));
     const QString address = QStringLiteral("%1:%2").arg(listening.address.toString()).arg(server->port());
     const bool isKnown = arguments.port != 0;
     Output{output.json, output.quiet && isKnown}.note(
