@@ -18,8 +18,8 @@ namespace {
 struct VerifyArguments
 {
     std::string folder;
-    std::string measured;                ///< a measurement made afterwards; empty: none
-    std::string transport = "simulated"; ///< which ended with the process that calibrated: the journal is read
+    std::string measured; ///< a measurement made afterwards; empty: none
+    WallArgument wall;    ///< simulated ones ended with the process that calibrated: the journal is read
     Calibration::Acceptance acceptance;
 };
 
@@ -53,10 +53,9 @@ std::vector<std::string> stringsOf(const Calibration::Journal& journal, const ch
 Common::Result<Calibration::Verification> judge(const Calibration::Journal& journal, const VerifyArguments& arguments,
                                                 const Output& output)
 {
-    if (arguments.transport == WallArgument().transport)
+    if (arguments.wall.transport == WallArgument().transport)
         return Calibration::verify(journal, arguments.acceptance);
-    WallArgument argument;
-    argument.transport = arguments.transport;
+    WallArgument argument = arguments.wall;
     argument.devices = stringsOf(journal, "device");
     argument.cabinets = stringsOf(journal, "cabinet");
     const OpenWall wall = openWall(argument);
@@ -102,7 +101,9 @@ void addVerifyCommand(CLI::App& app, Command& chosen)
     command->add_option("folder", arguments->folder, "The calibration's folder")->required();
     command->add_option("--measured", arguments->measured,
                         "A measurement of the calibrated wall, to be compared with target and computed colours");
-    addTransport(*command, arguments->transport);
+    addTransport(*command, arguments->wall.transport);
+    addWall(*command, arguments->wall.file);
+    command->get_option("--wall")->needs("--transport");
     addAcceptance(*command, arguments->acceptance);
     command->callback(
         [&chosen, arguments] { chosen = [arguments](const Output& output) { return verify(*arguments, output); }; });
