@@ -116,18 +116,23 @@ private Q_SLOTS:
         QVERIFY(resumed.json().value("devices")[0]["resumed"].toBool());
     }
 
-    void aDeviceInPythonHoldsWhatTheSimulatedOneDoes()
+    void devicesOfEveryKindHoldTheSame()
     {
         const Serving python("python3", {EXAMPLES "/gateway_device.py", EXAMPLES "/wall.json"},
                              QProcess::StandardOutput);
         const Serving simulated(QUALITYCTL, {"wall", "serve"}, QProcess::StandardError);
-        for (const auto& [folder, transport] : {std::pair(QString("python"), python.transport()),
-                                                std::pair(QString("simulated"), simulated.transport())}) {
+        QJsonArray held; // of each kind, as the journal tells it
+        for (const auto& [folder, transport] :
+             {std::pair(QString("simulated"), simulated.transport()), std::pair(QString("python"), python.transport()),
+              std::pair(QString("plugin"), QString("plugin:" MEMORY_DEVICES "=wall.json"))}) {
             const Run done = run(calibrate(transport, folder));
             QVERIFY2(done.exitCode == 0, qPrintable(done.out + done.err));
+            for (const char* name : {"/screen.nicc", "/screen.gray", "/screen.nrf"})
+                QCOMPARE(readFile(in(folder) + name), readFile(in("simulated") + name));
+            held.append(run({"verify", in(folder), "--json"}).json());
+            QCOMPARE(held.last()["devices"].toArray().size(), 3);
+            QCOMPARE(held.last()["devices"], held.first()["devices"]);
         }
-        for (const char* name : {"/screen.nicc", "/screen.gray", "/screen.nrf"})
-            QCOMPARE(readFile(in("python") + name), readFile(in("simulated") + name));
         const QJsonArray devices = devicesOf(simulated);
         const QJsonArray inPython = devicesOf(python);
         QVERIFY(devices.size() == 3 && inPython.size() == 3);
@@ -137,6 +142,56 @@ private Q_SLOTS:
             for (int k = 0; k < cabinets.size(); ++k)
                 QCOMPARE(others[k]["held"], cabinets[k]["held"]);
         }
+    }
+
+    void commandsWorkThroughAPlugIn()
+    {
+        const QString plugin = "plugin:" MEMORY_DEVICES "=wall.json";
+        QCOMPARE(run(calibrate("simulated", "out")).exitCode, 0);
+        const Run sent =
+            run({"send", "mode", "--correction", "on", "--device", "left", "--transport", plugin, "--json"});
+        QVERIFY2(sent.exitCode == 0 && sent.json()["simulated"].toBool(), qPrintable(sent.out));
+        QVERIFY2(sent.err.contains("qualityctl: plug-in " MEMORY_DEVICES "=wall.json, simulated devices\n"),
+                 qPrintable(sent.err));
+        const Run shown = run({"wall", "show", "--transport", plugin, "--json"});
+        QCOMPARE(shown.json().value("devices")[2]["cabinets"][0]["held"]["effect_mode"].toInt(), 3);
+        const Run verified = run({"verify", in("out"), "--transport", plugin, "--json"}); // in a process of its own
+        QVERIFY2(verified.exitCode == 1 && verified.json()["source"] == "cabinets", qPrintable(verified.out));
+        const QString bare = "plugin:" FAULTY_PLUGIN "=confirms"; // neither reader nor wall
+        const Run confirmed = run(calibrate(bare, "bare"));
+        QVERIFY2(confirmed.exitCode == 0 && !confirmed.json()["simulated"].toBool(), qPrintable(confirmed.out));
+        QCOMPARE(confirmed.json().value("verdict")["known"].toString(), "acknowledged");
+        QVERIFY2(confirmed.err.contains("=confirms, not simulated devices"), qPrintable(confirmed.err));
+    }
+
+    void aTransportThatCannotBeHadIsNamed_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("exitCode");
+        QTest::addColumn<QString>("message");
+        const QStringList show{"wall", "show", "--transport"};
+        const QString forms = "expected simulated, gateway:HOST:PORT or plugin:FILE[=ARGUMENT], found ";
+        for (const char* name :
+             {"plug", "gateway:9100", "gateway::9100", "gateway:h:0", "plugin:", "plugin:=wall.json", "plugin"})
+            QTest::newRow(name) << show + QStringList{name} << 64 << forms + name;
+        QTest::newRow("no plug-in")
+            << show + QStringList{"plugin:wall.json=a=b:c"} << 69
+            << "plug-in wall.json: expected a Qt plug-in of interface suite.action.TransportPlugin/1";
+        QTest::newRow("an argument with every sign")
+            << show + QStringList{"plugin:" FAULTY_PLUGIN "=a=b:c"} << 69 << "no device \"a=b:c\"";
+        QTest::newRow("its wall is not there")
+            << show + QStringList{"plugin:" MEMORY_DEVICES} << 69 << "expected plugin:FILE=WALL.json";
+        QTest::newRow("a wall that nobody looks at")
+            << QStringList{"verify", ".", "--wall", "wall.json"} << 64 << "--wall requires --transport";
+    }
+    void aTransportThatCannotBeHadIsNamed()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, message);
+        const Run ended = run(arguments + QStringList{"--json"});
+        QTEST(ended.exitCode, "exitCode");
+        const QString told = ended.json().value("error")["message"].toString();
+        QVERIFY2(told.contains(message), qPrintable(told));
     }
 };
 

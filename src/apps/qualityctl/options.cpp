@@ -6,15 +6,17 @@
 
 void addWall(CLI::App& command, std::string& file)
 {
-    command.add_option("--wall", file, "Wall document; the gateway's, or the built-in example wall without one");
+    command.add_option("--wall", file, "Wall document; without one the devices' own, or the built-in example wall");
 }
 
 void addTransport(CLI::App& command, std::string& transport)
 {
-    command.add_option("--transport", transport, "Where the devices are: simulated (here), or gateway:HOST:PORT")
+    command
+        .add_option("--transport", transport,
+                    "Where the devices are: simulated (here), gateway:HOST:PORT, or plugin:FILE[=ARGUMENT]")
         ->check([](const std::string& text) {
-            const auto address = gatewayAddress(text);
-            return address ? std::string() : address.fault().message().toStdString();
+            const auto name = parseTransport(text);
+            return name ? std::string() : name.fault().message().toStdString();
         })
         ->capture_default_str();
 }

@@ -3,6 +3,7 @@
 #include <calibration/input.h>
 #include <calibration/selection.h>
 #include <suite/action/action.h>
+#include <suite/action/transportplugin.h>
 
 namespace {
 
@@ -19,20 +20,35 @@ Calibration::Selection selectionOf(const WallArgument& argument)
     return {argument.devices, take(Calibration::parseCabinets(cabinets))};
 }
 
-std::shared_ptr<Gateway::Client> connectGateway(const std::string& transport)
+Action::Devices devicesOf(const std::shared_ptr<Gateway::Client>& client)
 {
-    const auto address = take(gatewayAddress(transport));
-    return address ? take(Gateway::Client::connect(*address)) : nullptr;
+    const Gateway::Hello hello = client->hello();
+    return {client, hello.isReadable ? client : nullptr, [client] { return client->wall(); }, hello.isSimulated};
+}
+
+OpenWall openTransport(const TransportName& name)
+{
+    OpenWall open;
+    if (const auto* address = std::get_if<Gateway::Address>(&name)) {
+        const auto client = take(Gateway::Client::connect(*address));
+        open.transport = client->name();
+        open.devices = devicesOf(client);
+    } else if (const auto* plugin = std::get_if<PluginName>(&name)) {
+        open.transport = QStringLiteral("plug-in %1").arg(plugin->file);
+        if (!plugin->argument.isEmpty())
+            open.transport += QLatin1Char('=') + plugin->argument;
+        open.devices = take(Action::loadDevices(plugin->file, plugin->argument));
+    }
+    return open;
 }
 
 /// Reads the document, wherever it is.
 OpenWall readDocument(const WallArgument& argument)
 {
-    OpenWall open;
-    open.gateway = connectGateway(argument.transport);
-    if (open.gateway && argument.file.empty()) {
-        open.name = open.gateway->name();
-        open.wall = take(Service::parseWall(take(open.gateway->wall()), open.name));
+    OpenWall open = openTransport(take(parseTransport(argument.transport)));
+    if (open.devices.wall && argument.file.empty()) {
+        open.name = open.transport;
+        open.wall = take(Service::parseWall(take(open.devices.wall()), open.name));
         return open;
     }
     const bool isBuiltIn = argument.file.empty();
@@ -47,18 +63,25 @@ OpenWall readDocument(const WallArgument& argument)
 
 } // namespace
 
-Common::Result<std::optional<Gateway::Address>> gatewayAddress(const std::string& transport)
+Common::Result<TransportName> parseTransport(const std::string& transport)
 {
-    if (transport == "simulated")
-        return std::optional<Gateway::Address>();
     const QString text = QString::fromStdString(transport);
-    const QString prefix = QStringLiteral("gateway:");
-    const int colon = text.lastIndexOf(QLatin1Char(':'));
-    bool isNumber = false;
-    const ushort port = text.mid(colon + 1).toUShort(&isNumber);
-    if (!text.startsWith(prefix) || colon <= prefix.size() || !isNumber || port == 0)
-        return Fault{Fault::Kind::Usage, {}, QStringLiteral("simulated or gateway:HOST:PORT"), text};
-    return std::optional(Gateway::Address{text.mid(prefix.size(), colon - prefix.size()), port});
+    const QString kind = text.section(QLatin1Char(':'), 0, 0);
+    const QString rest = text.mid(kind.size() + 1);
+    if (text == QLatin1String("simulated"))
+        return TransportName();
+    if (kind == QLatin1String("gateway")) {
+        const int colon = rest.lastIndexOf(QLatin1Char(':'));
+        bool isNumber = false;
+        const ushort port = rest.mid(colon + 1).toUShort(&isNumber);
+        if (colon > 0 && isNumber && port > 0)
+            return TransportName(Gateway::Address{rest.left(colon), port});
+    }
+    const QString file = rest.section(QLatin1Char('='), 0, 0);
+    if (kind == QLatin1String("plugin") && !file.isEmpty())
+        return TransportName(PluginName{file, rest.mid(file.size() + 1)});
+    return Fault{
+        Fault::Kind::Usage, {}, QStringLiteral("simulated, gateway:HOST:PORT or plugin:FILE[=ARGUMENT]"), text};
 }
 
 OpenWall openWall(const WallArgument& argument)
@@ -87,23 +110,18 @@ std::shared_ptr<Simulator::SimulatedWall> simulate(const OpenWall& wall, unsigne
     return simulation;
 }
 
-WallDevices::WallDevices(const OpenWall& wall, unsigned int seed, const Output& output)
+WallDevices::WallDevices(const OpenWall& wall, unsigned int seed, const Output& output) : m_devices(wall.devices)
 {
-    if (!wall.gateway) {
+    if (!m_devices.transport) {
         const auto simulation = simulate(wall, seed);
-        m_reader = simulation;
-        Action::setTransport(simulation);
+        m_devices = {simulation, simulation, {}, true};
         output.note(QStringLiteral("qualityctl: simulated wall: %1").arg(wall.name));
-        return;
+    } else {
+        output.note(
+            QStringLiteral("qualityctl: %1, %2 devices")
+                .arg(wall.transport, isSimulated() ? QStringLiteral("simulated") : QStringLiteral("not simulated")));
     }
-    const Gateway::Hello hello = wall.gateway->hello();
-    if (hello.isReadable)
-        m_reader = wall.gateway;
-    m_isSimulated = hello.isSimulated;
-    Action::setTransport(wall.gateway);
-    output.note(
-        QStringLiteral("qualityctl: %1, %2 devices")
-            .arg(wall.gateway->name(), m_isSimulated ? QStringLiteral("simulated") : QStringLiteral("not simulated")));
+    Action::setTransport(m_devices.transport);
 }
 
 WallDevices::~WallDevices()

@@ -4,12 +4,13 @@
 #include <gateway/client.h>
 #include <qualityutility/tool/sender4th/cabinetsenderbase.h>
 #include <simulator/simulatedwall.h>
+#include <suite/action/devices.h>
 
 /// Which wall a command works on, which of its cabinets, and how it is simulated.
 struct WallArgument
 {
-    std::string file; ///< empty: what the gateway has, or the built-in example wall; "-": standard input
-    std::string transport = "simulated"; ///< or "gateway:HOST:PORT"
+    std::string file; ///< empty: what the devices tell, or the built-in example wall; "-": standard input
+    std::string transport = "simulated"; ///< or what else parseTransport() reads
     std::vector<std::string> devices;
     std::vector<std::string> cabinets; ///< identifiers and ranges such as 5-9; empty: all
     unsigned int seed = 1;             ///< of the simulated faults
@@ -19,20 +20,31 @@ struct WallArgument
 struct OpenWall
 {
     QString name;
-    QString sha256; ///< of the document; empty for the built-in wall and for a gateway's
+    QString sha256; ///< of the document; empty for the built-in wall and for what devices tell
     Service::Wall wall;
-    std::shared_ptr<Gateway::Client> gateway;     ///< null: the wall is to be simulated in this process
+    QString transport;       ///< "gateway 127.0.0.1:9100"; empty: the wall is to be simulated in this process
+    Action::Devices devices; ///< what the transport leads to; empty likewise
     CabinetSenderSpace::CabinetTargetMap targets; ///< what the argument selects
 };
 
-/// Where a transport's name leads, nothing for "simulated". Fault: usage.
-Common::Result<std::optional<Gateway::Address>> gatewayAddress(const std::string& transport);
+/// A plug-in and what it is told.
+struct PluginName
+{
+    QString file;
+    QString argument; ///< may be empty
+};
 
-/// Connects to the gateway, where one is named, reads the wall's document, enters it into the registry and selects its
-/// targets. Throws Fault: unavailable, no input, bad data, usage for a device or cabinet that it does not have.
+/// What a transport's name stands for; nothing for the simulation in this process.
+using TransportName = std::variant<std::monostate, Gateway::Address, PluginName>;
+
+/// Reads "simulated", "gateway:HOST:PORT" or "plugin:FILE[=ARGUMENT]". Fault: usage.
+Common::Result<TransportName> parseTransport(const std::string& transport);
+
+/// Opens the way to the devices, where one is named, reads the wall's document, enters it into the registry and selects
+/// its targets. Throws Fault: unavailable, no input, bad data, usage for a device or cabinet that it does not have.
 OpenWall openWall(const WallArgument& argument);
 
-/// The devices of a wall, behind its gateway or simulated in this process, as the transport of all sending while this
+/// The devices of a wall, those it has or simulated ones in this process, as the transport of all sending while this
 /// lives.
 class WallDevices
 {
@@ -44,12 +56,11 @@ public:
     WallDevices& operator=(const WallDevices&) = delete;
 
     /// Null where cabinets cannot be asked.
-    const Action::CabinetReader* reader() const { return m_reader.get(); }
-    bool isSimulated() const { return m_isSimulated; }
+    const Action::CabinetReader* reader() const { return m_devices.reader.get(); }
+    bool isSimulated() const { return m_devices.isSimulated; }
 
 private:
-    std::shared_ptr<const Action::CabinetReader> m_reader;
-    bool m_isSimulated = true;
+    Action::Devices m_devices;
 };
 
 /// The wall of a document, simulated. Throws Fault, bad data.

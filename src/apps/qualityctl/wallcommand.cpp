@@ -82,9 +82,8 @@ CommandResult showWall(const OpenWall& wall)
                           {{}, QStringLiteral("identifiers")},
                           {{}, QStringLiteral("correction")},
                           {QStringLiteral("cabinets"), {}}});
-    const bool isReadable = wall.gateway && wall.gateway->hello().isReadable;
     for (const Service::WallDevice& device : wall.wall) {
-        const QJsonArray cabinets = cabinetsOf(device, isReadable ? wall.gateway.get() : nullptr);
+        const QJsonArray cabinets = cabinetsOf(device, wall.devices.reader.get());
         const Model::Device& model = *device.entry.device;
         table.add({QString::fromStdString(model.getBase().getId()),
                    QString::fromStdString(model.getBase().getType()),
