@@ -33,9 +33,9 @@ private:
 
 } // namespace
 
-Client::Client(const Address& address)
+Client::Client(const Address& address, Tap tap)
     : m_name(QStringLiteral("gateway %1:%2").arg(address.host, QString::number(address.port))),
-      m_connection(new Connection(address, m_name))
+      m_connection(new Connection(address, m_name, std::move(tap)))
 {
     m_connection->moveToThread(&m_thread);
     QObject::connect(&m_thread, &QThread::finished, m_connection, &QObject::deleteLater);
@@ -51,9 +51,9 @@ Client::~Client()
     m_thread.wait();
 }
 
-Result<std::shared_ptr<Client>> Client::connect(const Address& address)
+Result<std::shared_ptr<Client>> Client::connect(const Address& address, Tap tap)
 {
-    std::shared_ptr<Client> client(new Client(address));
+    std::shared_ptr<Client> client(new Client(address, std::move(tap)));
     const auto hello = client->m_connection->waitForHello();
     if (!hello)
         return hello.fault();

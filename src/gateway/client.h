@@ -6,6 +6,7 @@
 #include <QThread>
 
 #include <atomic>
+#include <functional>
 #include <mutex>
 
 namespace Gateway {
@@ -17,6 +18,9 @@ struct Address
     quint16 port = 0;
 };
 
+/// Hears each message of a connection, without its frame, on the connection's thread; must not block long.
+using Tap = std::function<void(const QByteArray& payload, bool isReceived)>;
+
 /// Devices behind a gateway, as a transport of the action library. One connection carries all requests, many at once,
 /// on a thread of its own. When it is lost, what it carried ends with an error that names the gateway, and the next
 /// request takes it up again. All functions may be called from any thread.
@@ -24,8 +28,8 @@ class Client : public Action::Transport, public Action::CabinetReader
 {
 public:
     /// Connects; blocks for at most five seconds. Faults: unavailable, with the reason; protocol for a peer that is no
-    /// gateway or speaks another version.
-    static Common::Result<std::shared_ptr<Client>> connect(const Address& address);
+    /// gateway or speaks another version. `tap` may be empty.
+    static Common::Result<std::shared_ptr<Client>> connect(const Address& address, Tap tap = nullptr);
     /// Ends what is on its way with an error.
     ~Client() override;
 
@@ -45,7 +49,7 @@ public:
 private:
     class Connection;
 
-    explicit Client(const Address& address);
+    Client(const Address& address, Tap tap);
     std::variant<Parameters, QString> ask(Call call) const;
 
     const QString m_name;

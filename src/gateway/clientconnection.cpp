@@ -20,9 +20,9 @@ const QEvent::Type wakeType = static_cast<QEvent::Type>(QEvent::registerEventTyp
 
 } // namespace
 
-Client::Connection::Connection(const Address& address, const QString& name)
-    : m_address(address), m_name(name), m_socket(new QTcpSocket(this)), m_giveUp(new QTimer(this)),
-      m_sweep(new QTimer(this))
+Client::Connection::Connection(const Address& address, const QString& name, Tap tap)
+    : m_address(address), m_name(name), m_tap(std::move(tap)), m_socket(new QTcpSocket(this)),
+      m_giveUp(new QTimer(this)), m_sweep(new QTimer(this))
 {
     m_giveUp->setSingleShot(true);
     m_giveUp->setInterval(helloTime);
@@ -100,7 +100,14 @@ void Client::Connection::greet()
 {
     m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     m_socket->setSocketOption(QAbstractSocket::KeepAliveOption, 1);
-    m_socket->write(frameOf(Hello{}));
+    write(frameOf(Hello{}));
+}
+
+void Client::Connection::write(const QByteArray& frame)
+{
+    m_socket->write(frame);
+    if (m_tap)
+        m_tap(frame.mid(headerLength), false);
 }
 
 void Client::Connection::flush()
@@ -113,7 +120,7 @@ void Client::Connection::flush()
         m_queue.pop_front();
         m_queuedBytes -= frame.size();
         lock.unlock();
-        m_socket->write(frame);
+        write(frame);
     }
 }
 
@@ -122,6 +129,8 @@ void Client::Connection::receive()
     while (m_state != State::Lost && m_socket->bytesAvailable() > 0) {
         m_received.append(m_socket->readAll());
         while (const auto payload = m_received.next()) {
+            if (m_tap)
+                m_tap(*payload, true);
             auto message = parseMessage(*payload);
             if (!message)
                 return lose(Fault::Kind::Protocol, message.fault().message());

@@ -16,7 +16,7 @@ namespace Gateway {
 class Client::Connection : public QObject
 {
 public:
-    Connection(const Address& address, const QString& name);
+    Connection(const Address& address, const QString& name, Tap tap);
 
     /// Queues a call and wakes the thread; false when too much waits already. Any thread.
     bool submit(quint64 id, QByteArray frame, const Action::Responder& responder, std::chrono::milliseconds timeout);
@@ -42,6 +42,7 @@ private:
     void proceed();
     void flush();
     void greet();
+    void write(const QByteArray& frame);
     void receive();
     void take(Message message);
     void takeHello(const Hello& hello);
@@ -52,6 +53,7 @@ private:
 
     const Address m_address;
     const QString m_name;
+    const Tap m_tap;
     QTcpSocket* m_socket;
     QTimer* m_giveUp; ///< while there is no hello
     QTimer* m_sweep;

@@ -71,6 +71,11 @@ void ClientSession::setTimeLimit(int limit)
     m_timeLimit = limit;
 }
 
+void ClientSession::setTap(Tap tap)
+{
+    m_tap = std::move(tap);
+}
+
 ClientSession::Ending ClientSession::ending() const
 {
     return m_ending;
@@ -102,6 +107,8 @@ bool ClientSession::exchange(const QByteArray& request, QByteArray& reply, bool 
         Support::logInfo("send data error");
         return false;
     }
+    if (m_tap)
+        m_tap(request, false);
     QByteArray received;
     const bool isAnswered = getResultFromCache(received);
     if (isAnswered)
@@ -166,7 +173,11 @@ bool ClientSession::initPackData()
 
 void ClientSession::slot_ReadMessage()
 {
-    m_receiver->receive(*m_socket, [this](const QByteArray& payload) { m_resultCache->add(payload); });
+    m_receiver->receive(*m_socket, [this](const QByteArray& payload) {
+        if (m_tap)
+            m_tap(payload, true);
+        m_resultCache->add(payload);
+    });
 }
 
 void ClientSession::slot_SocketError(QAbstractSocket::SocketError socketErr)

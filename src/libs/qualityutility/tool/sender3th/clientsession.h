@@ -9,6 +9,7 @@
 #include <QTimer>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 
 class QTcpSocket;
@@ -73,6 +74,12 @@ public:
     /// connection is closed, and looks for a reply once more at its end.
     void setTimeLimit(int limit);
 
+    /// Hears each payload: a request when it is written, a reply when it is complete. Called on the session's thread;
+    /// must not block long.
+    using Tap = std::function<void(const QByteArray& payload, bool isReceived)>;
+    /// Lets `tap` hear this session's messages from now on; empty: nobody.
+    void setTap(Tap tap);
+
     /// The frame of a payload: its length in four bytes, little-endian, and the payload.
     QByteArray GetCompletePack(const QByteArray& payload);
     /// The length that a header of exactly four bytes announces, negative as 0; otherwise 0.
@@ -112,6 +119,7 @@ private:
     int m_timeLimit = 0;
     bool m_waitWithoutLimit = false;
     Ending m_ending = Ending::None;
+    Tap m_tap;
     std::atomic<bool> m_isBusy{false}; ///< a request waits for its reply
 };
 
