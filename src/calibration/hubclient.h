@@ -14,7 +14,8 @@ struct HubAddress
 {
     QString host;
     quint16 port = 0;
-    double timeout = 10.0; ///< longest wait for a reply, seconds
+    double timeout = 10.0;                           ///< longest wait for a reply, seconds
+    CabinetSenderSpace::ClientSession::Tap tap = {}; ///< hears what is said; may be empty
 };
 
 /// A connection to a message hub of the third generation, on the thread that made it; the process's third-generation

@@ -19,16 +19,6 @@ QByteArray line(const QJsonObject& object)
     return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
 }
 
-/// Writes all of it to a file that is open unbuffered, in as many steps as it takes: Qt itself gives no reason where a
-/// part still fitted.
-bool writeThrough(QFile& file, const QByteArray& content)
-{
-    qint64 done = 0;
-    for (qint64 step = 1; step > 0 && done < content.size(); done += step)
-        step = file.write(content.constData() + done, content.size() - done);
-    return done == content.size();
-}
-
 } // namespace
 
 Result<Journal> Journal::begin(const QString& path, const QJsonObject& inputs)

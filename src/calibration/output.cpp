@@ -64,6 +64,14 @@ Result<void> requireNewFile(const QString& path, bool force)
     return {};
 }
 
+bool writeThrough(QFile& file, const QByteArray& content)
+{
+    qint64 done = 0;
+    for (qint64 step = 1; step > 0 && done < content.size(); done += step)
+        step = file.write(content.constData() + done, content.size() - done);
+    return done == content.size();
+}
+
 Result<void> writeOutput(const QString& path, const QByteArray& content)
 {
     const auto sayable = requireSayableName(path);

@@ -6,6 +6,8 @@
 #include <QList>
 #include <QString>
 
+class QFile;
+
 namespace Calibration {
 
 // Files that are made for the user. A name that is not UTF-8 is refused: the file would get another one.
@@ -20,6 +22,10 @@ bool isRegularFile(const QString& path);
 /// Whether a file may be made at `path`: nothing is there, or `force` lets it be replaced. A folder, a pipe, a socket
 /// and a block device never are; a character device is no file to replace: it is written through. Fault: cannot create.
 Common::Result<void> requireNewFile(const QString& path, bool force);
+
+/// Writes all of it to a file that is open unbuffered, in as many steps as it takes: Qt itself gives no reason where a
+/// part still fitted. False: the file's error says why.
+bool writeThrough(QFile& file, const QByteArray& content);
 
 /// Replaces a file whole, or makes it, and keeps whose it is and who may read it; a link is followed. Faults: cannot
 /// create; input/output.
