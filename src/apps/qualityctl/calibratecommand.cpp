@@ -198,8 +198,9 @@ CommandResult run(const CalibrateArguments& arguments, const Output& output)
                 destination->serve(device, nobody);
         });
     const WallDevices devices(wall, arguments.wall.seed, output);
-    return calibrate(arguments, content, figures, *toWall(devices.reader()), {devices.isSimulated(), wall.sha256},
-                     output);
+    return withRecording(
+        calibrate(arguments, content, figures, *toWall(devices.reader()), {devices.isSimulated(), wall.sha256}, output),
+        wall.recorder.get());
 }
 
 /// Refuses what was given and has no meaning for the generation.

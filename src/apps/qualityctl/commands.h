@@ -2,6 +2,8 @@
 
 #include "output.h"
 
+#include <recording/session.h>
+
 namespace CLI {
 class App;
 }
@@ -14,6 +16,8 @@ void addGrayCommands(CLI::App& app, Command& chosen);
 void addMeasureCommands(CLI::App& app, Command& chosen);
 void addSettingsCommands(CLI::App& app, Command& chosen);
 void addHubCommands(CLI::App& app, Command& chosen);
+/// The stand-in for a recorded peer, below "hub" or "wall".
+void addReplayCommand(CLI::App& parent, Command& chosen, Recording::Kind kind);
 void addSendCommands(CLI::App& app, Command& chosen);
 void addCalibrateCommand(CLI::App& app, Command& chosen);
 void addVerifyCommand(CLI::App& app, Command& chosen);

@@ -156,6 +156,7 @@ void addHubCommands(CLI::App& app, Command& chosen)
     hub->require_subcommand(1);
     const auto fresh = [] { return std::make_shared<HubArguments>(); };
     addServe(*hub, chosen);
+    addReplayCommand(*hub, chosen, Recording::Kind::Hub);
     addCommand(*hub, chosen, "ping", "Ask whether the hub answers", ping, fresh());
     addCommand(*hub, chosen, "fine-gray", "Ask for the fine-gray configuration", fineGray, fresh());
     CLI::App* send = hub->add_subcommand("send", "Send picture-quality data through the hub");

@@ -9,22 +9,23 @@ void addWall(CLI::App& command, std::string& file)
     command.add_option("--wall", file, "Wall document; without one the devices' own, or the built-in example wall");
 }
 
-void addTransport(CLI::App& command, std::string& transport)
+void addTransport(CLI::App& command, WallArgument& argument)
 {
     command
-        .add_option("--transport", transport,
+        .add_option("--transport", argument.transport,
                     "Where the devices are: simulated (here), gateway:HOST:PORT, or plugin:FILE[=ARGUMENT]")
         ->check([](const std::string& text) {
             const auto name = parseTransport(text);
             return name ? std::string() : name.fault().message().toStdString();
         })
         ->capture_default_str();
+    command.add_option("--record", argument.record, "Write what goes over the gateway to this new file");
 }
 
 void addTargets(CLI::App& command, WallArgument& argument)
 {
     addWall(command, argument.file);
-    addTransport(command, argument.transport);
+    addTransport(command, argument);
     command.add_option("--device", argument.devices, "Only this device; may be repeated");
     command.add_option("--cabinet", argument.cabinets, "Only these cabinets: identifiers or ranges, as 1,2,5-9")
         ->delimiter(',');

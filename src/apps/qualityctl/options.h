@@ -17,9 +17,9 @@ class Validator;
 
 /// --wall
 void addWall(CLI::App& command, std::string& file);
-/// --transport
-void addTransport(CLI::App& command, std::string& transport);
-/// --wall, --transport, --device, --cabinet, --seed
+/// --transport, --record
+void addTransport(CLI::App& command, WallArgument& argument);
+/// --wall, --transport, --record, --device, --cabinet, --seed
 void addTargets(CLI::App& command, WallArgument& argument);
 
 /// What a target's option says of itself.

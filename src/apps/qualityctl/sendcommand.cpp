@@ -115,7 +115,7 @@ CommandResult runSend(const SendArguments& arguments, const Output& output)
                           Calibration::faultOf(result.outcomes, Interrupt::isRequested())};
     command.json.insert(QStringLiteral("wall"), wall.name);
     command.json.insert(QStringLiteral("warnings"), QJsonArray::fromStringList(warnings));
-    return command;
+    return withRecording(std::move(command), wall.recorder.get());
 }
 
 void addCoefficients(CLI::App& command, SendArguments& arguments, bool required)

@@ -49,22 +49,27 @@ std::vector<std::string> stringsOf(const Calibration::Journal& journal, const ch
     return result;
 }
 
-/// Asks the cabinets where they can be asked, else the journal.
-Common::Result<Calibration::Verification> judge(const Calibration::Journal& journal, const VerifyArguments& arguments,
-                                                const Output& output)
+/// Where the cabinets are that the journal names; nothing where only the journal is left.
+std::optional<OpenWall> wallOf(const Calibration::Journal& journal, WallArgument argument)
 {
-    if (arguments.wall.transport == WallArgument().transport)
-        return Calibration::verify(journal, arguments.acceptance);
-    WallArgument argument = arguments.wall;
+    const bool isSimulated = argument.transport == WallArgument().transport;
+    if (isSimulated && argument.record.empty())
+        return std::nullopt;
     argument.devices = stringsOf(journal, "device");
     argument.cabinets = stringsOf(journal, "cabinet");
-    const OpenWall wall = openWall(argument);
-    const WallDevices devices(wall, argument.seed, output);
+    return openWall(argument);
+}
+
+/// Asks the cabinets.
+Common::Result<Calibration::Verification> judgeNow(const Calibration::Journal& journal, const OpenWall& wall,
+                                                   const Calibration::Acceptance& acceptance, const Output& output)
+{
+    const WallDevices devices(wall, 0, output);
     if (!devices.reader())
         throw Fault{Fault::Kind::Unavailable, wall.name, QStringLiteral("cabinets that can be asked"),
                     QStringLiteral("none")};
     const Calibration::CabinetsNow now{*devices.reader(), wall.targets};
-    auto verification = Calibration::verify(journal, arguments.acceptance, &now);
+    auto verification = Calibration::verify(journal, acceptance, &now);
     if (verification)
         verification->verdict.isSimulated = devices.isSimulated();
     return verification;
@@ -75,7 +80,9 @@ CommandResult verify(const VerifyArguments& arguments, const Output& output)
     HostLog::install(output.quiet);
     const QString folder = QString::fromStdString(arguments.folder);
     const auto journal = take(Calibration::Journal::read(Calibration::journalPath(folder)));
-    const auto verification = judge(journal, arguments, output);
+    const auto wall = wallOf(journal, arguments.wall);
+    const auto verification = wall ? judgeNow(journal, *wall, arguments.acceptance, output)
+                                   : Calibration::verify(journal, arguments.acceptance);
     if (!verification) {
         Fault fault = verification.fault();
         fault.subject += QLatin1Char(' ') + folder;
@@ -88,7 +95,7 @@ CommandResult verify(const VerifyArguments& arguments, const Output& output)
         const auto fault = compareAfter(arguments, *verification, result);
         result.error = result.error ? result.error : fault;
     }
-    return result;
+    return withRecording(std::move(result), wall ? wall->recorder.get() : nullptr);
 }
 
 } // namespace
@@ -101,7 +108,7 @@ void addVerifyCommand(CLI::App& app, Command& chosen)
     command->add_option("folder", arguments->folder, "The calibration's folder")->required();
     command->add_option("--measured", arguments->measured,
                         "A measurement of the calibrated wall, to be compared with target and computed colours");
-    addTransport(*command, arguments->wall.transport);
+    addTransport(*command, arguments->wall);
     addWall(*command, arguments->wall.file);
     command->get_option("--wall")->needs("--transport");
     addAcceptance(*command, arguments->acceptance);

@@ -26,26 +26,47 @@ Action::Devices devicesOf(const std::shared_ptr<Gateway::Client>& client)
     return {client, hello.isReadable ? client : nullptr, [client] { return client->wall(); }, hello.isSimulated};
 }
 
-OpenWall openTransport(const TransportName& name)
+void openGateway(const Gateway::Address& address, OpenWall& open)
+{
+    const auto tap = open.recorder
+                         ? open.recorder->tap(QStringLiteral("gateway %1:%2").arg(address.host).arg(address.port))
+                         : nullptr;
+    const auto client = take(Gateway::Client::connect(address, tap));
+    open.transport = client->name();
+    open.devices = devicesOf(client);
+}
+
+void openPlugin(const PluginName& plugin, OpenWall& open)
+{
+    open.transport = QStringLiteral("plug-in %1").arg(plugin.file);
+    if (!plugin.argument.isEmpty())
+        open.transport += QLatin1Char('=') + plugin.argument;
+    open.devices = take(Action::loadDevices(plugin.file, plugin.argument));
+}
+
+OpenWall openTransport(const WallArgument& argument)
 {
     OpenWall open;
-    if (const auto* address = std::get_if<Gateway::Address>(&name)) {
-        const auto client = take(Gateway::Client::connect(*address));
-        open.transport = client->name();
-        open.devices = devicesOf(client);
-    } else if (const auto* plugin = std::get_if<PluginName>(&name)) {
-        open.transport = QStringLiteral("plug-in %1").arg(plugin->file);
-        if (!plugin->argument.isEmpty())
-            open.transport += QLatin1Char('=') + plugin->argument;
-        open.devices = take(Action::loadDevices(plugin->file, plugin->argument));
+    const TransportName name = take(parseTransport(argument.transport));
+    const auto* address = std::get_if<Gateway::Address>(&name);
+    if (!argument.record.empty()) {
+        if (!address)
+            throw Fault{Fault::Kind::Usage, QStringLiteral("--record"), QStringLiteral("--transport gateway:HOST:PORT"),
+                        QString::fromStdString(argument.transport)};
+        open.recorder =
+            take(Recording::Recorder::begin(QString::fromStdString(argument.record), Recording::Kind::Gateway));
     }
+    if (address)
+        openGateway(*address, open);
+    else if (const auto* plugin = std::get_if<PluginName>(&name))
+        openPlugin(*plugin, open);
     return open;
 }
 
 /// Reads the document, wherever it is.
 OpenWall readDocument(const WallArgument& argument)
 {
-    OpenWall open = openTransport(take(parseTransport(argument.transport)));
+    OpenWall open = openTransport(argument);
     if (open.devices.wall && argument.file.empty()) {
         open.name = open.transport;
         open.wall = take(Service::parseWall(take(open.devices.wall()), open.name));
@@ -99,6 +120,16 @@ OpenWall openWall(const WallArgument& argument)
     }
     open.targets = take(std::move(targets));
     return open;
+}
+
+CommandResult withRecording(CommandResult result, const Recording::Recorder* recorder)
+{
+    const auto state = recorder ? recorder->state() : Common::Result<void>();
+    if (!state && !result.error) {
+        result.error = state.fault();
+        result.error->hint = QStringLiteral("the recording ends there, what else was asked for is done");
+    }
+    return result;
 }
 
 std::shared_ptr<Simulator::SimulatedWall> simulate(const OpenWall& wall, unsigned int seed)

@@ -6,11 +6,14 @@
 #include <simulator/simulatedwall.h>
 #include <suite/action/devices.h>
 
+#include <recording/recorder.h>
+
 /// Which wall a command works on, which of its cabinets, and how it is simulated.
 struct WallArgument
 {
     std::string file; ///< empty: what the devices tell, or the built-in example wall; "-": standard input
     std::string transport = "simulated"; ///< or what else parseTransport() reads
+    std::string record;                  ///< a new file for what goes over a gateway; empty: none
     std::vector<std::string> devices;
     std::vector<std::string> cabinets; ///< identifiers and ranges such as 5-9; empty: all
     unsigned int seed = 1;             ///< of the simulated faults
@@ -24,7 +27,8 @@ struct OpenWall
     Service::Wall wall;
     QString transport;       ///< "gateway 127.0.0.1:9100"; empty: the wall is to be simulated in this process
     Action::Devices devices; ///< what the transport leads to; empty likewise
-    CabinetSenderSpace::CabinetTargetMap targets; ///< what the argument selects
+    std::shared_ptr<Recording::Recorder> recorder; ///< null: nothing is recorded
+    CabinetSenderSpace::CabinetTargetMap targets;  ///< what the argument selects
 };
 
 /// A plug-in and what it is told.
@@ -43,6 +47,9 @@ Common::Result<TransportName> parseTransport(const std::string& transport);
 /// Opens the way to the devices, where one is named, reads the wall's document, enters it into the registry and selects
 /// its targets. Throws Fault: unavailable, no input, bad data, usage for a device or cabinet that it does not have.
 OpenWall openWall(const WallArgument& argument);
+
+/// The result of a command, with the fault of its recording where it has none of its own.
+CommandResult withRecording(CommandResult result, const Recording::Recorder* recorder);
 
 /// The devices of a wall, those it has or simulated ones in this process, as the transport of all sending while this
 /// lives.

@@ -116,8 +116,12 @@ CLI::App* addCommand(CLI::App& parent, Command& chosen, const char* name, const 
 {
     CLI::App* command = parent.add_subcommand(name, description);
     addWall(*command, argument->file);
-    command->callback(
-        [&chosen, argument, run] { chosen = [argument, run](const Output&) { return run(openWall(*argument)); }; });
+    command->callback([&chosen, argument, run] {
+        chosen = [argument, run](const Output&) {
+            const OpenWall open = openWall(*argument);
+            return withRecording(run(open), open.recorder.get());
+        };
+    });
     return command;
 }
 
@@ -148,9 +152,10 @@ void addWallCommands(CLI::App& app, Command& chosen)
     wall->require_subcommand(1);
     auto argument = std::make_shared<WallArgument>();
     addTransport(*addCommand(*wall, chosen, "show", "List a wall's devices and cabinets", showWall, argument),
-                 argument->transport);
+                 *argument);
     argument = std::make_shared<WallArgument>();
     addCommand(*wall, chosen, "check", "Say whether a wall document is good, and if not where and why", checkWall,
                argument);
     addServe(*wall, chosen);
+    addReplayCommand(*wall, chosen, Recording::Kind::Gateway);
 }
