@@ -2,6 +2,7 @@
 
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QTimer>
 #include <QtEndian>
 
 namespace Simulator {
@@ -37,6 +38,7 @@ public:
 private:
     void serve();
     bool sendAnswer();
+    void pause();
     bool answerRequest();
     bool readMore();
 
@@ -46,11 +48,13 @@ private:
     int m_taken = 0;    ///< bytes of `m_received` that are done with
     HubAnswer m_answer; ///< what is still to be written of it
     bool m_isServing = false;
+    bool m_isPausing = false;
+    bool m_hasPaused = false; ///< for the next chunk
 };
 
 void SimulatedHub::Connection::serve()
 {
-    if (m_isServing) // writing reports what is written
+    if (m_isServing || m_isPausing) // writing reports what is written
         return;
     m_isServing = true;
     while (sendAnswer() && (answerRequest() || readMore())) {
@@ -62,6 +66,10 @@ void SimulatedHub::Connection::serve()
 bool SimulatedHub::Connection::sendAnswer()
 {
     while (m_socket->bytesToWrite() == 0 && !m_answer.chunks.isEmpty()) {
+        if (m_answer.pauseMs > 0 && !std::exchange(m_hasPaused, !m_hasPaused)) {
+            pause();
+            return false;
+        }
         m_socket->write(m_answer.chunks.takeFirst());
         m_socket->flush();
     }
@@ -70,6 +78,15 @@ bool SimulatedHub::Connection::sendAnswer()
     if (m_answer.closes)
         m_socket->disconnectFromHost();
     return m_socket->state() == QAbstractSocket::ConnectedState;
+}
+
+void SimulatedHub::Connection::pause()
+{
+    m_isPausing = true;
+    QTimer::singleShot(m_answer.pauseMs, this, [this] {
+        m_isPausing = false;
+        serve();
+    });
 }
 
 bool SimulatedHub::Connection::answerRequest()

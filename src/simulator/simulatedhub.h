@@ -18,6 +18,7 @@ struct HubAnswer
 {
     QList<QByteArray> chunks; ///< written one after the other, each on its way before the next
     bool closes = false;      ///< the connection is closed after them
+    int pauseMs = 0;          ///< before each chunk
 };
 
 /// The frame of a payload.

@@ -3,13 +3,21 @@
 #include "hubframe_p.h"
 #include <qualityutility/support/infolog_p.h>
 
+#include <QAbstractEventDispatcher>
 #include <QElapsedTimer>
 #include <QTcpSocket>
 #include <QThread>
 
 #include <limits>
+#include <utility>
 
 namespace CabinetSenderSpace {
+
+namespace {
+
+constexpr int secondMs = 1000;
+
+} // namespace
 
 ClientSession::ClientSession(QObject* parent)
     : QObject(parent), m_socket(new QTcpSocket), m_receiver(std::make_unique<HubFrame::Receiver>()),
@@ -69,6 +77,7 @@ void ClientSession::setWaits(int connectWait, int readWait, int attempts)
 void ClientSession::setTimeLimit(int limit)
 {
     m_timeLimit = limit;
+    m_receiver->setLogging(limit <= 0);
 }
 
 void ClientSession::setTap(Tap tap)
@@ -122,22 +131,24 @@ bool ClientSession::exchange(const QByteArray& request, QByteArray& reply, bool 
 
 bool ClientSession::getResultFromCache(QByteArray& result)
 {
-    const bool isTimed = m_timeLimit > 0 && !m_waitWithoutLimit;
-    const int attempts = isTimed || m_waitWithoutLimit ? std::numeric_limits<int>::max() : m_waitAttempts;
+    const int attempts = isTimed() || m_waitWithoutLimit ? std::numeric_limits<int>::max() : m_waitAttempts;
     QElapsedTimer clock;
     clock.start();
+    qint64 logged = -1;
     for (int i = 0; i < attempts; ++i) {
-        Support::logInfo("wait for ", i, "second...");
+        const qint64 number = isTimed() ? clock.elapsed() / secondMs : i;
+        if (std::exchange(logged, number) != number)
+            Support::logInfo("wait for ", number, "second...");
         if (m_resultCache->take(result)) {
             Support::logInfo("success");
             m_waitWithoutLimit = false;
             m_ending = Ending::Answered;
             return true;
         }
-        const qint64 left = isTimed ? m_timeLimit - clock.elapsed() : m_readWait;
-        if (isTimed && (left <= 0 || isClosed()))
+        const qint64 left = isTimed() ? m_timeLimit - clock.elapsed() : m_readWait;
+        if (isTimed() && (left <= 0 || isClosed()))
             break;
-        waitForArrival(static_cast<int>(qMin<qint64>(left, m_readWait)));
+        waitForArrival(static_cast<int>(isTimed() ? qMin<qint64>(left, secondMs) : left));
     }
     m_ending = isClosed() ? Ending::Closed : Ending::TimeOver;
     return false;
@@ -182,6 +193,8 @@ void ClientSession::slot_ReadMessage()
 
 void ClientSession::slot_SocketError(QAbstractSocket::SocketError socketErr)
 {
+    if (m_isConnected && isTimed() && socketErr == QAbstractSocket::SocketTimeoutError)
+        return; // a look in vain, of which the wait knows
     qCritical() << "socket error, errcode " << socketErr;
 }
 
@@ -196,7 +209,8 @@ void ClientSession::slot_Connected()
 void ClientSession::slot_DisConnect()
 {
     // The connected flag stays: callers take it for "was connected and not given up".
-    m_reconnectTimer.start(m_reconnectInterval);
+    if (QAbstractEventDispatcher::instance()) // without one Qt warns that no timer can run
+        m_reconnectTimer.start(m_reconnectInterval);
 }
 
 // The timer goes on until a connection stops it; connecting anew is the owner's decision.

@@ -24,9 +24,10 @@ namespace CabinetSenderSpace {
 /// A TCP session with the message hub: one framed request at a time, answered by one framed reply. docs/message-hub.md
 /// has the frames.
 ///
-/// Used on the thread that owns it; requests are serialised by the caller. One that comes while another waits, also
-/// from another thread, fails at once with a critical line. A wait blocks its thread: no timers or events of the host
-/// run meanwhile, only the session's own socket is served.
+/// Used, and destroyed, on the thread that made it; requests are serialised by the caller. One that comes while another
+/// waits, also from another thread, fails at once with a critical line. A wait blocks its thread: no timers or events
+/// of that thread run meanwhile, only the session's own socket is served. Several threads, each with a session of its
+/// own, may work at once; Qt need not have started them.
 ///
 /// Replies are paired with requests first in, first out. One that comes after its request has timed out answers the
 /// next request, whose own reply then answers the one after it, and so on for good: after a request without an answer,
@@ -70,8 +71,9 @@ public:
     /// how many looks there are.
     void setWaits(int connectWait, int readWait, int attempts);
     /// Bounds the wait for a reply by time instead of by the number of looks, in ms; 0, as it is at first, by looks.
-    /// Each arrival of bytes uses up a look, but no more time than it takes. Such a wait is also over as soon as the
-    /// connection is closed, and looks for a reply once more at its end.
+    /// A look takes a second at most then, and an arrival of bytes no more time than it needs. Such a wait is also over
+    /// as soon as the connection is closed, and looks for a reply once more at its end. A session with a limit logs its
+    /// waiting once a second, however the reply comes in, and neither the arrivals nor a look in vain.
     void setTimeLimit(int limit);
 
     /// Hears each payload: a request when it is written, a reply when it is complete. Called on the session's thread;
@@ -103,6 +105,7 @@ private Q_SLOTS:
 private:
     bool exchange(const QByteArray& request, QByteArray& reply, bool waitWithoutLimit);
     bool isClosed() const;
+    bool isTimed() const { return m_timeLimit > 0 && !m_waitWithoutLimit; }
     void waitForArrival(int wait);
 
     QTcpSocket* m_socket;

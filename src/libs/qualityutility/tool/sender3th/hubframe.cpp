@@ -45,6 +45,13 @@ qint32 payloadLength(const QByteArray& header)
     return header.size() == headerLength ? qMax(0, qFromLittleEndian<qint32>(header.constData())) : 0;
 }
 
+template <typename... Items>
+void Receiver::log(const Items&... items) const
+{
+    if (m_isLogging)
+        Support::logInfo(items...);
+}
+
 void Receiver::reset()
 {
     m_headerMissing = headerLength;
@@ -77,9 +84,9 @@ bool Receiver::receiveHeader(QIODevice& device)
     m_header += part;
     if (m_header.size() != headerLength)
         return false;
-    Support::logInfo("pack header read success");
+    log("pack header read success");
     m_bodyExpected = payloadLength(m_header);
-    Support::logInfo("data length", m_bodyExpected);
+    log("data length", m_bodyExpected);
     if (m_bodyExpected > m_limit)
         spoil();
     if (m_bodyExpected > 0)
@@ -92,7 +99,7 @@ bool Receiver::receiveBody(QIODevice& device, const std::function<void(const QBy
 {
     const int characters = appendText(device.readAll(), m_body);
     if (characters == 0) {
-        Support::logInfo("recv empty");
+        log("recv empty");
         return false;
     }
     if (m_bodyExpected != characters) {
@@ -116,10 +123,10 @@ bool Receiver::dropArrived(QIODevice& device)
 {
     const int size = device.readAll().size();
     if (size == 0) {
-        Support::logInfo("recv empty");
+        log("recv empty");
         return false;
     }
-    Support::logInfo("bytes dropped", size);
+    log("bytes dropped", size);
     return true;
 }
 

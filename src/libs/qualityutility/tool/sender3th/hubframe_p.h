@@ -42,6 +42,9 @@ public:
     /// Forgets the frame that is being received.
     void reset();
 
+    /// Whether what arrives is logged, as it is at first: some lines a frame and one an arrival, however small it is.
+    void setLogging(bool isOn) { m_isLogging = isOn; }
+
     /// The memory that the body of the unfinished frame takes, in bytes.
     int keptBytes() const { return m_body.capacity(); }
 
@@ -50,11 +53,14 @@ private:
     bool receiveBody(QIODevice& device, const std::function<void(const QByteArray& payload)>& complete);
     bool dropArrived(QIODevice& device);
     void spoil();
+    template <typename... Items>
+    void log(const Items&... items) const;
 
     qint32 m_limit;
     qint32 m_bodyExpected = 0;
     qint32 m_headerMissing = headerLength;
     bool m_isSpoiled = false;
+    bool m_isLogging = true;
     QByteArray m_header;
     QByteArray m_body;
 };

@@ -13,6 +13,22 @@ using Simulator::HubAnswer;
 using Simulator::hubFrame;
 using Simulator::SimulatedHub;
 
+namespace {
+
+/// So many pieces of a reply, each on its own.
+HubAnswer dripping(const QByteArray& piece, int pieces)
+{
+    HubAnswer answer;
+    for (int i = 0; i < pieces; ++i)
+        answer.chunks << piece;
+    answer.pauseMs = 2;
+    return answer;
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(HubAnswer)
+
 class ClientSessionTest : public QObject
 {
     Q_OBJECT
@@ -68,6 +84,45 @@ private Q_SLOTS:
         QVERIFY(!m_session->sendToServerSync("{}", reply, false));
         QCOMPARE(m_session->ending(), Ending::TimeOver);
         QVERIFY(timer.elapsed() >= 20);
+    }
+
+    void aWaitWithATimeLimitIsLoggedOnceASecond_data()
+    {
+        QTest::addColumn<HubAnswer>("answer");
+        QTest::newRow("silence") << HubAnswer();
+        QTest::newRow("a byte at a time") << dripping("\x01", 1000);
+        QTest::newRow("frames without payload") << dripping(QByteArray(4, '\0'), 1000);
+        HubAnswer closing = dripping("\x01", 20);
+        closing.closes = true;
+        QTest::newRow("some bytes and the end") << closing;
+    }
+
+    void aWaitWithATimeLimitIsLoggedOnceASecond()
+    {
+        QFETCH(HubAnswer, answer);
+        m_hub->setScript([answer](const QByteArray&, const QByteArray&) { return answer; });
+        m_session->setTimeLimit(300);
+        m_log->take();
+        QElapsedTimer timer;
+        timer.start();
+        QByteArray reply;
+        QVERIFY(!m_session->sendToServerSync("{}", reply, false));
+        const auto seconds = static_cast<int>(timer.elapsed() / 1000);
+        const QStringList lines = m_log->take();
+        const int waits = lines.filter("wait for ").size();
+        QVERIFY2(waits >= 1 && waits <= 1 + seconds, qPrintable(lines.join('\n')));
+        const int others = answer.closes ? 4 : 3; // sent, failed, received nothing; that the hub has closed
+        QVERIFY2(lines.size() <= waits + others, qPrintable(lines.join('\n')));
+    }
+
+    void aWaitBoundedByLooksLogsEach()
+    {
+        m_hub->setScript([](const QByteArray&, const QByteArray&) { return HubAnswer(); });
+        m_session->setWaits(2000, 5, 3);
+        m_log->take();
+        QByteArray reply;
+        QVERIFY(!m_session->sendToServerSync("{}", reply, false));
+        QCOMPARE(m_log->take().filter("wait for ").size(), 3);
     }
 
     void aRequestMeanwhileIsRefused()
