@@ -15,7 +15,7 @@ enum Command { GetFineGray = 17, SetNicc = 23, SetMeasure = 25, SetGrayTable = 5
 
 QMutex s_createMutex;
 
-/// The sender behind getInstance(): what third-generation cabinets cannot do fails with a line that names it.
+/// What create() and getInstance() give: what third-generation cabinets cannot do fails with a line that names it.
 class ReadySender : public CabinetSender3th
 {
 public:
@@ -84,7 +84,12 @@ CabinetSender3th::~CabinetSender3th()
 
 CabinetSender3th* CabinetSender3th::getInstance()
 {
-    return Support::publishedInstance(m_instance, s_createMutex, [] { return new ReadySender; });
+    return Support::publishedInstance(m_instance, s_createMutex, [] { return create().release(); });
+}
+
+std::unique_ptr<CabinetSender3th> CabinetSender3th::create()
+{
+    return std::make_unique<ReadySender>();
 }
 
 void CabinetSender3th::releaseInstance()

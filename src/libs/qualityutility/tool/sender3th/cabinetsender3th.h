@@ -9,6 +9,7 @@
 #include <QPointer>
 
 #include <atomic>
+#include <memory>
 
 namespace CabinetSenderSpace {
 
@@ -33,12 +34,16 @@ struct HubFailure
 /// Results are 0 or ResultNotDelivered (105) for every failure: no session, no delivery, no reply in time, a reply that
 /// is not understood, or an error number in it; lastFailure() and the log say which.
 ///
-/// The other four operations of the interface are not implemented here. getInstance() gives a ready sender in which
-/// they fail. The local model is left as it is.
+/// The other four operations of the interface are not implemented here. create() and getInstance() give a ready sender
+/// in which they fail. The local model is left as it is.
 ///
 /// Each operation blocks its thread until the session's wait is over. One at a time: a second one meanwhile, also from
 /// another thread, fails with a critical line and changes nothing. All else belongs to the thread that runs the
-/// operations.
+/// operations, which is the one that made the session.
+///
+/// For several hubs, or to wait beside a window, a thread makes a session and a sender of its own, uses them and
+/// destroys them; Qt need not have started it, and needs no event loop there. Any number of such threads may be at work
+/// at once, beside the process's sender too: they share nothing but the log.
 ///
 /// An attached session stays its owner's, who may delete it between calls; but a sender that is destroyed deletes a
 /// session that is then connected, and leaves one that is not. (That asymmetry is relied on: a connected session is
@@ -48,11 +53,13 @@ class QUALITYUTILITY_EXPORT CabinetSender3th : public CabinetSenderBase
     Q_OBJECT
 
 public:
-    /// Without a session. The four operations that are not implemented here stay abstract: getInstance() has them.
+    /// Without a session. The four operations that are not implemented here stay abstract: create() has them.
     explicit CabinetSender3th(QObject* parent = nullptr);
     /// Deletes an attached session that is connected.
     ~CabinetSender3th() override;
 
+    /// A ready sender of the caller's own, without a session. Any thread; the process's sender is left alone.
+    static std::unique_ptr<CabinetSender3th> create();
     /// The process's ready sender, made at the first call by any thread, without a session.
     static CabinetSender3th* getInstance();
     /// Deletes it, as the destructor says; the next getInstance() makes a new one.
