@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <system_error>
+#include <utility>
 
 namespace Calibration {
 
@@ -34,6 +35,7 @@ class Crew::Teller : public Observer
 public:
     explicit Teller(Crew& crew) : m_crew(crew) {}
     void sent(const Outcome& outcome) override { m_crew.tell(outcome); }
+    bool mayBegin() override { return m_crew.waitForLeave(); }
 
 private:
     Crew& m_crew;
@@ -58,6 +60,7 @@ Crew::~Crew()
         m_isOver = true;
     }
     m_isBegun.notify_all();
+    m_isDecided.notify_all();
     for (std::thread& thread : m_threads)
         thread.join();
 }
@@ -69,6 +72,15 @@ void Crew::begin(std::size_t device)
         m_begun.push_back(device);
     }
     m_isBegun.notify_one();
+}
+
+void Crew::allow(bool isAllowed)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_isAllowed = isAllowed;
+    }
+    m_isDecided.notify_all();
 }
 
 Crew::News Crew::next()
@@ -92,6 +104,8 @@ Crew::News Crew::next()
         return std::move(*outcome);
     if (auto* served = std::get_if<Served>(&told))
         return std::move(*served);
+    if (std::holds_alternative<Reached>(told))
+        return Reached();
     std::rethrow_exception(std::get<std::exception_ptr>(told));
 }
 
@@ -128,9 +142,23 @@ std::optional<std::size_t> Crew::nextDevice()
     return device;
 }
 
+bool Crew::waitForLeave()
+{
+    std::unique_lock lock(m_mutex);
+    if (!std::exchange(m_isAsked, true))
+        tellLocked(Reached());
+    m_isDecided.wait(lock, [this] { return m_isOver || m_isAllowed; });
+    return m_isAllowed.value_or(false);
+}
+
 void Crew::tell(Told told)
 {
     const std::lock_guard lock(m_mutex);
+    tellLocked(std::move(told));
+}
+
+void Crew::tellLocked(Told told)
+{
     m_told.push_back(std::move(told));
     m_isTold.notify_one();
     if (m_loop && m_told.size() == 1) // queued: a quit() that comes before exec() has begun would be lost

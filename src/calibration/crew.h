@@ -6,6 +6,7 @@
 #include <deque>
 #include <exception>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <variant>
 
@@ -24,8 +25,11 @@ public:
         std::size_t device; ///< its place in the list
         DeviceRecord record;
     };
-    /// A step was sent, or a device served.
-    using News = std::variant<Outcome, Served>;
+    /// The first device was reached: what has been begun waits for allow().
+    struct Reached
+    {};
+    /// A step was sent, a device served, or the first one reached.
+    using News = std::variant<Outcome, Served, Reached>;
 
     /// As many threads as the system and the limit of open files (a quarter of it) give, at most `size`, which is not
     /// 0. `destination` and `devices` outlive the crew.
@@ -38,6 +42,8 @@ public:
     std::size_t size() const { return m_threads.size(); }
     /// Has the device at this place of the list served.
     void begin(std::size_t device);
+    /// Whether what has been begun, and will be, may send. Once, when the first device is reached.
+    void allow(bool isAllowed);
     /// The oldest news. Blocks until there is some; an event loop runs meanwhile, unless it is told to quit. Throws
     /// what serving a device threw.
     News next();
@@ -47,11 +53,13 @@ public:
 
 private:
     class Teller;
-    using Told = std::variant<Outcome, Served, std::exception_ptr>;
+    using Told = std::variant<Outcome, Served, Reached, std::exception_ptr>;
 
     void work();
     std::optional<std::size_t> nextDevice();
+    bool waitForLeave();
     void tell(Told told);
+    void tellLocked(Told told);
 
     Destination& m_destination;
     const std::vector<std::string>& m_devices;
@@ -61,10 +69,13 @@ private:
     std::mutex m_mutex; ///< guards what follows
     std::condition_variable m_isBegun;
     std::condition_variable m_isTold;
+    std::condition_variable m_isDecided;
     std::deque<std::size_t> m_begun;
     std::deque<Told> m_told;
-    QEventLoop* m_loop = nullptr; ///< runs in next(); null otherwise
-    bool m_isOver = false;        ///< the threads end as soon as nothing is begun
+    bool m_isAsked = false;          ///< for the leave to send
+    std::optional<bool> m_isAllowed; ///< nothing: not decided yet
+    QEventLoop* m_loop = nullptr;    ///< runs in next(); null otherwise
+    bool m_isOver = false;           ///< the threads end as soon as nothing is begun
 };
 
 } // namespace Calibration

@@ -21,10 +21,13 @@ public:
     /// How many steps a device takes.
     virtual int stepCount() const = 0;
 
-    /// Sends everything to a device, in order, and reads back what it holds then. A step that fails ends it. Blocks
-    /// until the device has answered or its time is over. Any thread, Qt's or not; it is the only one at work on that
-    /// device, and calls the observer itself. A destination of one device may need the thread that made it.
+    /// Reaches a device, asks the observer whether it may begin, sends everything in order, and reads back what the
+    /// device holds then. A step that fails ends it; a device that is not reached fails with its first. Blocks until
+    /// the device has answered or its time is over. Any thread, Qt's or not; it is the only one at work on that device,
+    /// and calls the observer itself.
     virtual DeviceRecord serve(const std::string& device, Observer& observer) = 0;
+    /// Whether serve() blocks its thread without an event loop, so that it must not run where events are waited for.
+    virtual bool blocksEvents() const { return false; }
     /// The record of a device to which nothing was sent.
     virtual DeviceRecord notServed(const std::string& device) const = 0;
 };
@@ -45,10 +48,17 @@ struct HubHoldings
 };
 using HubReader = std::function<HubHoldings()>;
 
-/// What stands behind a message hub of the third generation, as one device. The hub corrects from the gamuts itself;
-/// what it holds is asked of `reader`, and taken to be what was acknowledged where there is none. `hub` must outlive
-/// the destination.
-std::unique_ptr<Destination> hubDestination(const QString& name, const Content& content, HubClient& hub,
-                                            HubReader reader);
+/// A message hub that is served as one device.
+struct HubTarget
+{
+    QString name; ///< the device's: HubAddress::name(), or another where the address is of the moment
+    HubAddress address;
+    HubReader reader = nullptr; ///< any thread; null where the hub cannot be asked
+};
+
+/// What stands behind message hubs of the third generation: each hub is one device, of another name, in the order of
+/// the names. serve() connects, sends and disconnects on its own thread. A hub corrects from the gamuts itself; what it
+/// holds is asked of its reader, and taken to be what was acknowledged where there is none.
+std::unique_ptr<Destination> hubDestination(std::vector<HubTarget> hubs, const Content& content);
 
 } // namespace Calibration

@@ -29,12 +29,11 @@ QString reachFault(const HubAddress& address)
 
 } // namespace
 
-HubClient::HubClient(const HubAddress& address) : m_address(address), m_sender(CabinetSender3th::getInstance()) {}
+HubClient::HubClient(const HubAddress& address) : m_address(address), m_sender(CabinetSender3th::create()) {}
 
 HubClient::~HubClient()
 {
-    m_sender->attachSession(nullptr);
-    CabinetSender3th::releaseInstance();
+    m_sender->attachSession(nullptr); // which it would delete
 }
 
 Result<std::unique_ptr<HubClient>> HubClient::connect(const HubAddress& address)
@@ -49,11 +48,6 @@ Result<std::unique_ptr<HubClient>> HubClient::connect(const HubAddress& address)
         return Fault{Fault::Kind::Unavailable, client->name(), {}, reachFault(address)};
     client->m_sender->attachSession(&client->m_session);
     return client;
-}
-
-QString HubClient::name() const
-{
-    return QStringLiteral("hub %1:%2").arg(m_address.host, QString::number(m_address.port));
 }
 
 Result<double> HubClient::run(const std::function<int(CabinetSender3th&)>& operation)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <calibration/hubaddress.h>
 #include <qualityutility/tool/sender3th/cabinetsender3th.h>
 #include <suite/action/cabinetreader.h>
 #include <suite/common/result.h>
@@ -9,31 +10,25 @@
 
 namespace Calibration {
 
-/// Where a message hub is.
-struct HubAddress
-{
-    QString host;
-    quint16 port = 0;
-    double timeout = 10.0;                           ///< longest wait for a reply, seconds
-    CabinetSenderSpace::ClientSession::Tap tap = {}; ///< hears what is said; may be empty
-};
-
-/// A connection to a message hub of the third generation, on the thread that made it; the process's third-generation
-/// sender works through it while it lives.
+/// A connection to a message hub of the third generation, with a session and a sender of its own: several may be at
+/// work at once, each on the thread that made it, which alone uses and destroys it. Qt need not have started that
+/// thread.
 class HubClient
 {
 public:
     /// Connects; blocks for at most two seconds. Fault: unavailable, with the reason.
     static Common::Result<std::unique_ptr<HubClient>> connect(const HubAddress& address);
+    /// Closes the connection.
     ~HubClient();
     HubClient(const HubClient&) = delete;
     HubClient& operator=(const HubClient&) = delete;
 
     /// "hub 127.0.0.1:9000"
-    QString name() const;
+    QString name() const { return m_address.name(); }
 
-    /// Runs one operation and blocks until its reply; gives the seconds that it took. Faults: timeout; unavailable for
-    /// a lost connection or an error number of the hub; protocol for a reply that is not understood.
+    /// Runs one operation and blocks its thread until the reply, without an event loop; gives the seconds that it took.
+    /// Faults: timeout; unavailable for a lost connection or an error number of the hub; protocol for a reply that is
+    /// not understood.
     Common::Result<double> run(const std::function<int(CabinetSenderSpace::CabinetSender3th&)>& operation);
 
 private:
@@ -42,7 +37,7 @@ private:
 
     HubAddress m_address;
     CabinetSenderSpace::ClientSession m_session;
-    CabinetSenderSpace::CabinetSender3th* m_sender;
+    std::unique_ptr<CabinetSenderSpace::CabinetSender3th> m_sender;
 };
 
 /// Sends a gray table through the third-generation sender; gives its result. The frequency does not travel.

@@ -2,6 +2,8 @@
 #include <calibration/figures.h>
 #include <qualityutility/data/computenicccoef.h>
 
+#include <algorithm>
+
 namespace Calibration {
 
 namespace {
@@ -32,26 +34,40 @@ std::vector<HubStep> hubSteps(const Content& content)
 class HubDestination : public Destination
 {
 public:
-    HubDestination(QString name, const Content& content, HubClient& hub, HubReader reader)
-        : m_name(std::move(name)), m_steps(hubSteps(content)), m_hub(hub),
-          m_reader(std::move(reader)), m_acknowledged{content.measured, content.target}
-    {}
+    HubDestination(std::vector<HubTarget> hubs, const Content& content)
+        : m_hubs(std::move(hubs)), m_steps(hubSteps(content)), m_acknowledged{content.measured, content.target}
+    {
+        std::sort(m_hubs.begin(), m_hubs.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
+    }
 
-    QString name() const override { return m_name; }
+    QString name() const override
+    {
+        return m_hubs.size() == 1 ? m_hubs.front().name : QStringLiteral("%1 hubs").arg(m_hubs.size());
+    }
     int stepCount() const override { return static_cast<int>(m_steps.size()); }
-    std::vector<std::string> devices() const override { return {m_name.toStdString()}; }
+    bool blocksEvents() const override { return true; }
+
+    std::vector<std::string> devices() const override
+    {
+        std::vector<std::string> result;
+        for (const HubTarget& hub : m_hubs)
+            result.push_back(hub.name.toStdString());
+        return result;
+    }
 
     DeviceRecord serve(const std::string& device, Observer& observer) override
     {
         DeviceRecord record = notServed(device);
-        record.known = m_reader ? Known::ReadBack : Known::Acknowledged;
-        for (std::size_t i = 0; i < m_steps.size(); ++i) {
-            run(m_steps[i], record.outcomes[i]);
-            observer.sent(record.outcomes[i]);
-            if (record.outcomes[i].kind != Outcome::Kind::Answered)
-                return record;
+        const HubTarget& hub = *std::find_if(m_hubs.begin(), m_hubs.end(), [&record](const HubTarget& candidate) {
+            return candidate.name == record.device;
+        });
+        const auto client = HubClient::connect(hub.address);
+        if (!client) {
+            fail(record.outcomes.front(), client.fault());
+            observer.sent(record.outcomes.front());
+        } else if (observer.mayBegin()) {
+            serve(hub, **client, record, observer);
         }
-        record.held = {{1, heldCoefficients(), true}};
         return record;
     }
 
@@ -70,44 +86,55 @@ public:
     }
 
 private:
-    void run(const HubStep& step, Outcome& outcome)
+    void serve(const HubTarget& hub, HubClient& client, DeviceRecord& record, Observer& observer) const
     {
-        const auto seconds = m_hub.run(step.send);
-        if (!seconds) {
-            const bool isLate = seconds.fault().kind == Fault::Kind::Timeout;
-            outcome.kind = isLate ? Outcome::Kind::TimedOut : Outcome::Kind::Failed;
-            outcome.result = CabinetSenderSpace::ResultNotDelivered;
-            outcome.error = seconds.fault().message();
-            return;
+        record.known = hub.reader ? Known::ReadBack : Known::Acknowledged;
+        for (std::size_t i = 0; i < m_steps.size(); ++i) {
+            run(m_steps[i], client, record.outcomes[i]);
+            observer.sent(record.outcomes[i]);
+            if (record.outcomes[i].kind != Outcome::Kind::Answered)
+                return;
         }
+        record.held = {{1, heldCoefficients(hub.reader), true}};
+    }
+
+    static void run(const HubStep& step, HubClient& client, Outcome& outcome)
+    {
+        const auto seconds = client.run(step.send);
+        if (!seconds)
+            return fail(outcome, seconds.fault());
         outcome.seconds = *seconds;
         outcome.kind = Outcome::Kind::Answered;
         outcome.result = CabinetSenderSpace::ResultSuccess;
         outcome.arrived = 1;
     }
 
-    /// What the hub makes of the gamuts that it holds.
-    Colour::Coefficients heldCoefficients() const
+    static void fail(Outcome& outcome, const Fault& fault)
     {
-        HubHoldings held = m_reader ? m_reader() : m_acknowledged;
-        if (m_reader)
+        outcome.kind = fault.kind == Fault::Kind::Timeout ? Outcome::Kind::TimedOut : Outcome::Kind::Failed;
+        outcome.result = CabinetSenderSpace::ResultNotDelivered;
+        outcome.error = fault.found; // the device is the subject
+    }
+
+    /// What a hub makes of the gamuts that it holds.
+    Colour::Coefficients heldCoefficients(const HubReader& reader) const
+    {
+        HubHoldings held = reader ? reader() : m_acknowledged;
+        if (reader)
             ComputeNICCCoef::createCoef(held.measured, held.target);
         return signedCoefficients(held.target.coeff.getCoeffs());
     }
 
-    QString m_name;
+    std::vector<HubTarget> m_hubs; ///< by name
     std::vector<HubStep> m_steps;
-    HubClient& m_hub;
-    HubReader m_reader;
     HubHoldings m_acknowledged;
 };
 
 } // namespace
 
-std::unique_ptr<Destination> hubDestination(const QString& name, const Content& content, HubClient& hub,
-                                            HubReader reader)
+std::unique_ptr<Destination> hubDestination(std::vector<HubTarget> hubs, const Content& content)
 {
-    return std::make_unique<HubDestination>(name, content, hub, std::move(reader));
+    return std::make_unique<HubDestination>(std::move(hubs), content);
 }
 
 } // namespace Calibration

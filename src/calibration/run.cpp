@@ -1,15 +1,11 @@
 #include "run.h"
 
-#include <calibration/output.h>
+#include <calibration/runfiles.h>
 #include <calibration/serving.h>
-#include <qualityutility/tool/file/filefailures.h>
 #include <qualityutility/tool/file/picqualityfiletool.h>
-#include <suite/model/finegray.h>
 
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
-#include <QTemporaryDir>
 
 #include <algorithm>
 
@@ -48,122 +44,49 @@ Result<void> checkDistinct(const Folder& folder, const RunOptions& options)
     return {};
 }
 
-/// Removes those of the calibration that this one replaces: what a link leads to, so that the link is followed again.
-void removeAll(const QStringList& paths)
+/// Begins the files with the first device that is reached.
+class Beginner : public Observer
 {
-    for (const QString& path : paths)
-        QFile::remove(QFileInfo::exists(path) ? QFileInfo(path).canonicalFilePath() : path);
-}
+public:
+    Beginner(RunFiles& files, Observer& next) : m_files(files), m_next(next) {}
 
-Result<Journal> beginJournal(const Folder& folder, const RunOptions& options, const QJsonObject& inputs)
-{
-    if (!options.force && QFileInfo::exists(folder.journal()))
-        return Fault{Fault::Kind::CannotCreate,
-                     folder.journal(),
-                     {},
-                     QStringLiteral("exists"),
-                     QStringLiteral("--resume goes on with that calibration, --force begins anew")};
-    const QStringList written = folder.documents() + options.outputs;
-    for (const QString& path : written) {
-        const auto isNew = requireNewFile(path, options.force);
-        if (!isNew)
-            return isNew.fault();
+    void begin(int steps) override { m_next.begin(steps); }
+    void sent(const Outcome& outcome) override { m_next.sent(outcome); }
+    bool isStopWanted() override { return !m_begun || m_next.isStopWanted(); }
+    bool mayBegin() override
+    {
+        if (m_begun && !m_files.isBegun())
+            m_begun = m_files.begin(false);
+        return m_begun && m_next.mayBegin();
     }
-    // Only then: a kill in between must leave no folder whose journal tells of documents that are gone.
-    auto journal = Journal::begin(folder.journal(), inputs);
-    if (journal)
-        removeAll(written);
-    return journal;
-}
 
-Result<Journal> resumeJournal(const Folder& folder, const RunOptions& options, const QJsonObject& inputs)
+    const Result<void>& begun() const { return m_begun; }
+
+private:
+    RunFiles& m_files;
+    Observer& m_next;
+    Result<void> m_begun;
+};
+
+/// Why nothing was served, where a new run has reached no device at all.
+Result<void> requireReached(const RunFiles& files, const std::vector<DeviceRecord>& records)
 {
-    auto journal = Journal::read(folder.journal());
-    if (!journal)
-        return journal;
-    for (auto it = inputs.begin(); it != inputs.end(); ++it) {
-        if (journal->inputs().value(it.key()) != it.value())
-            return Fault{Fault::Kind::BadData,
-                         folder.journal(),
-                         {},
-                         QStringLiteral("was begun with another %1").arg(it.key()),
-                         QStringLiteral("give the inputs of the first run, or --force to begin anew")};
+    std::vector<Outcome> tried;
+    for (const DeviceRecord& record : records) {
+        if (record.outcomes.front().kind == Outcome::Kind::Failed)
+            tried.push_back(record.outcomes.front());
     }
-    if (journal->records().isEmpty())
-        removeAll(folder.documents() + options.outputs); // a run that was ended at its begin may not have come to it
-    return journal;
-}
-
-/// Why the library could not write a document.
-Fault notWritten(const QString& path, const FileFailures& failures)
-{
-    const QString reason = failures.list().isEmpty() ? QString() : failures.list().last().reason;
-    return {Fault::Kind::InputOutput,
-            path,
-            {},
-            reason.isEmpty() ? QStringLiteral("cannot be written") : QStringLiteral("cannot be written: ") + reason};
-}
-
-Model::FineGrayCoeffs fineGrayOf(const Action::GrayTable& table)
-{
-    Model::FineGrayCoeffs coeffs;
-    coeffs.rGrayCoeffs = table.red;
-    coeffs.gGrayCoeffs = table.green;
-    coeffs.bGrayCoeffs = table.blue;
-    coeffs.magnitudes = table.magnitude;
-    return coeffs;
-}
-
-/// Replaces the NICC configuration with its switch at once: at no moment is one off that was on.
-Result<void> writeNicc(const QString& path, const Content& content, bool isOpen)
-{
-    const FileFailures failures;
-    const QTemporaryDir own;
-    const QString made = own.filePath(QStringLiteral("made.nicc"));
-    if (!own.isValid() || !Tool::writeNiccConfig(made, content.measured, content.target) ||
-        !Tool::updateNiccOpenConfig(made, isOpen))
-        return notWritten(made, failures);
-    const auto document = readInput(made, QStringLiteral("document"));
-    return document ? writeOutput(path, document->bytes) : document.fault();
-}
-
-/// Writes what is known before anything is sent. Gives the files.
-Result<QStringList> writeDocuments(const Folder& folder, const Content& content, bool isDone)
-{
-    const FileFailures failures;
-    QStringList written{folder.nicc()};
-    const auto nicc = writeNicc(folder.nicc(), content, isDone);
-    if (!nicc)
-        return nicc.fault();
-    if (content.tableFile) {
-        if (!Tool::writeFineGrayConfig(folder.gray(), {}, {}, {}, fineGrayOf(content.table)))
-            return notWritten(folder.gray(), failures);
-        written << folder.gray();
-    }
-    if (content.binary) {
-        if (!Tool::writeRvcardConfig(folder.cabinet(), content.binary->bytes))
-            return notWritten(folder.cabinet(), failures);
-        written << folder.cabinet();
-    }
-    return written;
-}
-
-/// Whether there is nothing left to send.
-bool isDone(const Destination& destination, const Journal& journal)
-{
-    const auto devices = destination.devices();
-    return std::all_of(devices.begin(), devices.end(), [&journal](const std::string& device) {
-        return journal.records().value(QString::fromStdString(device)).isDone();
-    });
+    const auto fault = files.isBegun() || files.isResumed() ? std::nullopt : faultOf(tried, false);
+    return fault ? Result<void>(*fault) : Result<void>();
 }
 
 /// Serves the devices that the journal does not have done.
-Result<void> serveAll(Destination& destination, Journal& journal, int atOnce, RunResult& result, Observer& observer)
+Result<void> serveAll(Destination& destination, RunFiles& files, int atOnce, RunResult& result, Observer& observer)
 {
     std::vector<std::string> open;
     std::vector<std::size_t> places; // theirs among all
     for (const std::string& device : destination.devices()) {
-        DeviceRecord earlier = journal.records().value(QString::fromStdString(device));
+        DeviceRecord earlier = files.earlier(device);
         if (earlier.isDone()) {
             result.resumed << earlier.device;
             result.records.push_back(std::move(earlier));
@@ -173,17 +96,20 @@ Result<void> serveAll(Destination& destination, Journal& journal, int atOnce, Ru
         places.push_back(result.records.size());
         result.records.push_back(destination.notServed(device));
     }
-    observer.begin(static_cast<int>(open.size()) * destination.stepCount());
+    Beginner beginner(files, observer);
+    beginner.begin(static_cast<int>(open.size()) * destination.stepCount());
     const auto all =
-        serveDevices(destination, open, atOnce, observer, [&](std::size_t device, DeviceRecord record) -> Result<void> {
+        serveDevices(destination, open, atOnce, beginner, [&](std::size_t device, DeviceRecord record) -> Result<void> {
             DeviceRecord& place = result.records[places[device]];
             place = std::move(record);
-            return journal.append(place);
+            return files.keep(place);
         });
+    if (!beginner.begun())
+        return beginner.begun();
     if (!all)
         return all.fault();
     result.isStopped = !*all;
-    return {};
+    return requireReached(files, result.records);
 }
 
 /// Marks the correction as on where it is, and packs the project.
@@ -276,17 +202,17 @@ Result<RunResult> run(const Content& content, const Figures& figures, Destinatio
     const auto distinct = checkDistinct(folder, options);
     if (!distinct)
         return distinct.fault();
-    const bool isResumed = options.resume && QFileInfo::exists(folder.journal());
-    auto journal = isResumed ? resumeJournal(folder, options, inputs) : beginJournal(folder, options, inputs);
-    if (!journal)
-        return journal.fault();
-    const auto documents = writeDocuments(folder, content, isDone(destination, *journal));
-    if (!documents)
-        return documents.fault();
-    result.files = *documents;
-    const auto served = serveAll(destination, *journal, options.atOnce, result, observer);
+    RunFiles files(folder, content, options, inputs);
+    const auto opened = files.open();
+    if (!opened)
+        return opened.fault();
+    const auto served = serveAll(destination, files, options.atOnce, result, observer);
     if (!served)
         return served.fault();
+    const auto begun = files.begin(result.isDone()); // where there was nothing to serve, or a stop came before
+    if (!begun)
+        return begun.fault();
+    result.files = files.documents();
     const auto finished = finishDocuments(folder, content, result);
     if (!finished)
         return finished.fault();

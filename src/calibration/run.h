@@ -42,10 +42,11 @@ QJsonObject inputsOf(const Content& content, const Destination& destination);
 
 /// Sends everything to every device of a destination that the folder's journal does not have done, and writes documents
 /// and journal. Devices are served as serveDevices() says: several at once, where the observer and the journal are
-/// this thread's. Asked to stop, it finishes the running devices. Blocks until then; documents are written before
-/// anything is sent. `inputs` are inputsOf() with what the host adds; "simulated" among them says whether the devices
-/// are. Faults: before anything is sent, usage, cannot create, bad data (a resume with other inputs), input/output; a
-/// device that fails is no fault but a record.
+/// this thread's. Asked to stop, it finishes the running devices. Blocks until then; journal and documents are begun
+/// when the first device is reached, before anything is sent. `inputs` are inputsOf() with what the host adds;
+/// "simulated" among them says whether the devices are. Faults: before anything is sent, usage, cannot create, bad data
+/// (a resume with other inputs), input/output, and unavailable where a new run can reach no device, which leaves what
+/// an earlier one has made. Any other device that fails is no fault but a record.
 ///
 /// The local model's records of a device are used on the thread that serves it meanwhile: observers of theirs run
 /// there, and whoever reads them elsewhere waits for the end, or serves one device after the other.

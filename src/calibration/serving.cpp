@@ -46,6 +46,10 @@ Result<bool> serveAtOnce(Crew& crew, std::size_t devices, Observer& observer, co
             observer.sent(*outcome);
             continue;
         }
+        if (std::holds_alternative<Crew::Reached>(news)) {
+            crew.allow(observer.mayBegin());
+            continue;
+        }
         --running;
         auto& [device, record] = std::get<Crew::Served>(news);
         auto kept = take(device, std::move(record)); // after a fault too: another one's record may still fit
@@ -63,7 +67,7 @@ Result<bool> serveDevices(Destination& destination, const std::vector<std::strin
                           Observer& observer, const TakeRecord& take)
 {
     const std::size_t size = std::min(devices.size(), static_cast<std::size_t>(std::clamp(atOnce, 1, maxAtOnce)));
-    if (size > 1) {
+    if (size > 1 || (size == 1 && destination.blocksEvents())) {
         Crew crew(destination, devices, size);
         if (crew.size() > 0)
             return serveAtOnce(crew, devices.size(), observer, take);

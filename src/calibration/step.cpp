@@ -74,6 +74,11 @@ void Observer::begin(int) {}
 
 void Observer::sent(const Outcome&) {}
 
+bool Observer::mayBegin()
+{
+    return true;
+}
+
 bool Observer::isStopWanted()
 {
     return false;

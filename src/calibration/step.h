@@ -61,6 +61,8 @@ public:
     virtual void begin(int steps);
     /// One more was.
     virtual void sent(const Outcome& outcome);
+    /// Asked when a device is reached and nothing has been sent to it yet: false lets nothing be sent.
+    virtual bool mayBegin();
     /// Asked before each device: true lets no other one begin.
     virtual bool isStopWanted();
 };

@@ -29,6 +29,8 @@ public:
     {
         const auto& cids = m_targets.at(device);
         DeviceRecord record = notServed(device);
+        if (!observer.mayBegin())
+            return record;
         for (std::size_t i = 0; i < m_steps.size(); ++i) {
             Outcome& outcome = record.outcomes[i];
             outcome = sendToDevice(m_steps[i], device, cids, m_reader);

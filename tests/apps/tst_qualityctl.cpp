@@ -64,6 +64,9 @@ private Q_SLOTS:
         row("settings set Speed 3", 64, "the library writes only freq and open-path");
         row("hub ping --timeout nan", 64, "expected a number from 0.001 to 86400, found nan");
         row("hub ping --host 127.0.0.1", 64, "--host: needs --port");
+        row("hub ping --hub ::1:9000", 64, "--hub: expected HOST:PORT, as 192.0.2.7:9000 or [::1]:9000");
+        row("hub ping --hub a:1 --port 1", 64, "--host and --port name one without it");
+        row("hub ping --hub [::1]:9 --hub b:9 --hub [0::1]:9", 64, "each hub once, found [::1]:9 twice");
         row("wall check --wall " + wall(R"({"latencyMs": "x"})"), 65, "device \"b\": simulation.latencyMs");
         row("doc show wall.json --json", 65, "not a picture-quality document");
         row("send gray --table absent.csv --json", 66, "gray table absent.csv: no such file");
@@ -75,6 +78,8 @@ private Q_SLOTS:
         const QString calibrate = "calibrate --measured rec709:100 --target rec709 --out " + m_folder.filePath("out");
         row(calibrate + " --html absent/r.html", 73, "--html absent/r.html: expected a file in a folder that is there");
         row(calibrate + " --host 127.0.0.1 --port 1", 64, "--host: is a hub's, which needs --generation 3");
+        row(calibrate + " --hub 127.0.0.1:1", 64, "--hub: is a hub's, which needs --generation 3");
+        row(calibrate + " --generation 3 --hub 127.0.0.1:1", 69, "measure to hub 127.0.0.1:1: connection refused");
         row(calibrate + " --timeout 5", 64, "--timeout: is a hub's, which needs --generation 3");
         row(calibrate + " --generation 3 --wall " + document, 64, "--wall: does not go through a hub");
         row(calibrate + " --generation 3 --cabinet 1", 64, "--cabinet: does not go through a hub");
@@ -159,12 +164,21 @@ private Q_SLOTS:
         const QString port = QString::fromUtf8(server->readLine()).section(':', 2).section(';', 0, 0);
         const Run there = run({"hub", "fine-gray", "--port", port});
         QVERIFY2(there.exitCode == 0 && there.out.contains("level 14, mode 1"), qPrintable(there.err));
+        const QStringList several{"hub", "ping", "--hub", "127.0.0.1:1", "--hub", "127.0.0.1:" + port};
+        const Run both = run(several);
+        const QStringList lines = both.out.split('\n');
+        QVERIFY2(both.exitCode == 69 && lines.size() == 3 && lines[0] == "hub 127.0.0.1:1: connection refused" &&
+                     lines[1].startsWith("hub 127.0.0.1:" + port + ": alive (level 14, mode 1), "),
+                 qPrintable(both.out));
+        const QJsonObject json = run(several + QStringList("--json")).json();
+        QVERIFY(!json["ok"].toBool() && json.value("error")["message"] == lines[0]);
+        QVERIFY(json.value("hubs")[0]["error"]["code"] == 69 && json.value("hubs")[1]["level"] == 14);
         const Run measured = run({"hub", "send", "measure", "--measured", "measured-gamut.json"});
         QVERIFY2(measured.exitCode == 0 && measured.err.startsWith("qualityctl: no address: using a simulated hub"),
                  qPrintable(measured.err));
         ::kill(static_cast<pid_t>(server->processId()), SIGTERM);
         const Run served = finish(server);
-        QVERIFY(served.exitCode == 0 && served.out == "served 1 requests\n");
+        QVERIFY(served.exitCode == 0 && served.out == "served 3 requests\n");
         QCOMPARE(run({"hub", "ping", "--port", port}).exitCode, 69);
     }
 

@@ -180,8 +180,8 @@ CommandResult run(const CalibrateArguments& arguments, const Output& output)
     if (!arguments.gamuts.force)
         requireHeld(figures, arguments.acceptance);
     if (arguments.generation == 3) {
-        OpenHub hub(arguments.hub, output);
-        const auto destination = Calibration::hubDestination(hub.name(), content, hub.client(), hub.reader());
+        const HubPlaces hubs(arguments.hub, output);
+        const auto destination = Calibration::hubDestination(hubs.targets(), content);
         return calibrate(arguments, content, figures, *destination, {arguments.hub.isSimulated()}, output);
     }
     const OpenWall wall = openWall(arguments.wall);
@@ -206,9 +206,9 @@ CommandResult run(const CalibrateArguments& arguments, const Output& output)
 /// Refuses what was given and has no meaning for the generation.
 void checkGeneration(const CLI::App& command, int generation)
 {
-    static const std::vector<const char*> ofWalls{"--wall",   "--device",   "--cabinet", "--seed",
-                                                  "--binary", "--parallel", "--dry-run", "--transport"};
-    static const std::vector<const char*> ofHubs{"--host", "--port", "--timeout"};
+    static const std::vector<const char*> ofWalls{"--wall",   "--device",  "--cabinet",  "--seed",
+                                                  "--binary", "--dry-run", "--transport"};
+    static const std::vector<const char*> ofHubs{"--hub", "--host", "--port", "--timeout"};
     for (const char* name : generation == 3 ? ofWalls : ofHubs) {
         if (command.count(name) > 0)
             throw CLI::ValidationError(name, generation == 3 ? "does not go through a hub, which --generation 3 is"
@@ -242,7 +242,7 @@ void addCalibrateCommand(CLI::App& app, Command& chosen)
         });
     command
         ->add_option("--parallel", arguments->atOnce,
-                     "Devices that are served at the same time; 1: one after the other")
+                     "Devices or hubs that are served at the same time; 1: one after the other")
         ->check(CLI::Range(1, Calibration::maxAtOnce))
         ->capture_default_str();
     command->add_flag("--resume", arguments->resume, "Go on with the calibration that was begun in the folder");

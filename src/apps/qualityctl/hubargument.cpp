@@ -35,29 +35,25 @@ std::unique_ptr<Simulator::SimulatedHub> startSimulated(const Output& output)
     return hub;
 }
 
-} // namespace
-
-OpenHub::OpenHub(const HubArgument& argument, const Output& output)
-    : m_simulated(argument.isSimulated() ? startSimulated(output) : nullptr)
+Calibration::HubReader readerOf(const Simulator::SimulatedHub& hub)
 {
-    Calibration::HubAddress address = argument.address();
-    if (m_simulated)
-        address.port = m_simulated->port();
-    m_client = take(Calibration::HubClient::connect(address));
-}
-
-OpenHub::~OpenHub() = default;
-
-QString OpenHub::name() const
-{
-    return m_simulated ? QStringLiteral("hub, simulated") : m_client->name();
-}
-
-Calibration::HubReader OpenHub::reader() const
-{
-    if (!m_simulated)
-        return nullptr;
-    return [hub = m_simulated.get()]() -> Calibration::HubHoldings {
-        return {gamutOf(hub->received(HubCommands::MeasuredGamut)), gamutOf(hub->received(HubCommands::TargetGamut))};
+    return [&hub]() -> Calibration::HubHoldings {
+        return {gamutOf(hub.received(HubCommands::MeasuredGamut)), gamutOf(hub.received(HubCommands::TargetGamut))};
     };
 }
+
+} // namespace
+
+HubPlaces::HubPlaces(const HubArgument& argument, const Output& output)
+    : m_simulated(argument.isSimulated() ? startSimulated(output) : nullptr)
+{
+    for (const Calibration::HubAddress& address : argument.addresses())
+        m_targets.push_back({address.name(), address});
+    if (!m_simulated)
+        return;
+    m_targets.front().address.port = m_simulated->port();
+    m_targets.front().name = QStringLiteral("hub, simulated");
+    m_targets.front().reader = readerOf(*m_simulated);
+}
+
+HubPlaces::~HubPlaces() = default;

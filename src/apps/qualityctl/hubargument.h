@@ -8,23 +8,21 @@ namespace Simulator {
 class SimulatedHub;
 }
 
-/// The hub that a command talks to: the given one, or without an address one that is simulated in this process.
-class OpenHub
+/// The hubs that a command talks to: the given ones, or without an address one that is simulated in this process.
+class HubPlaces
 {
 public:
-    /// Says on stderr that the hub is simulated, when it is. Throws Fault, unavailable.
-    OpenHub(const HubArgument& argument, const Output& output);
-    ~OpenHub();
-    OpenHub(const OpenHub&) = delete;
-    OpenHub& operator=(const OpenHub&) = delete;
+    /// Says on stderr that the hub is simulated, when it is. Connects to none. Throws Fault, unavailable.
+    HubPlaces(const HubArgument& argument, const Output& output);
+    ~HubPlaces();
+    HubPlaces(const HubPlaces&) = delete;
+    HubPlaces& operator=(const HubPlaces&) = delete;
 
-    Calibration::HubClient& client() { return *m_client; }
-    /// "hub, simulated" for a simulated one: its port is of the moment.
-    QString name() const;
-    /// Asks a simulated hub what it has received; null for another one.
-    Calibration::HubReader reader() const;
+    /// In the order in which they were given. A simulated one is "hub, simulated": its port is of the moment; and it
+    /// can be asked what it has received. They end with this.
+    const std::vector<Calibration::HubTarget>& targets() const { return m_targets; }
 
 private:
     std::unique_ptr<Simulator::SimulatedHub> m_simulated;
-    std::unique_ptr<Calibration::HubClient> m_client;
+    std::vector<Calibration::HubTarget> m_targets;
 };

@@ -9,7 +9,9 @@
 #include <CLI/CLI.hpp>
 
 #include <QEventLoop>
+#include <QJsonArray>
 
+#include <future>
 #include <limits>
 
 namespace {
@@ -26,20 +28,64 @@ struct HubArguments
     GamutArguments gamuts; ///< one of them
 };
 
-/// One exchange with the hub; `what` says afterwards what was done.
-CommandResult exchange(
-    const HubArguments& arguments, const Output& output, const std::function<int(CabinetSender3th&)>& operation,
-    const std::function<QString()>& what, const std::function<QJsonObject()>& json = [] { return QJsonObject(); })
+/// What a hub has answered, in both forms.
+struct Answer
+{
+    QString text;
+    QJsonObject json;
+};
+
+/// Asks a hub, on its thread, and says what it answered; the result is the sender's.
+using Operation = std::function<int(CabinetSender3th&, Answer&)>;
+
+/// Connects to a hub and asks it; blocks until it has answered.
+Common::Result<Answer> ask(const Calibration::HubAddress& address, const Operation& operation)
+{
+    const auto hub = Calibration::HubClient::connect(address);
+    if (!hub)
+        return hub.fault();
+    Answer answer;
+    const auto seconds = (*hub)->run([&](CabinetSender3th& sender) { return operation(sender, answer); });
+    if (!seconds)
+        return seconds.fault();
+    answer.json.insert(QStringLiteral("seconds"), *seconds);
+    answer.text = QStringLiteral("%1: %2, %3 s\n").arg((*hub)->name(), answer.text, QString::number(*seconds, 'f', 4));
+    return answer;
+}
+
+/// What several hubs have answered: each on a line, and in a list. The first that failed ends the command.
+void add(const Common::Result<Answer>& answer, QJsonObject json, QJsonArray& list, CommandResult& result)
+{
+    json.insert(QStringLiteral("ok"), static_cast<bool>(answer));
+    if (!answer)
+        json.insert(QStringLiteral("error"), toJson(answer.fault()));
+    if (!answer && !result.error)
+        result.error = answer.fault();
+    result.text += answer ? answer->text : answer.fault().message() + QLatin1Char('\n');
+    list.append(json);
+}
+
+/// One exchange with each hub, with all of them at once.
+CommandResult exchange(const HubArguments& arguments, const Output& output, const Operation& operation)
 {
     HostLog::install(output.quiet);
-    OpenHub hub(arguments.hub, output);
-    const double seconds = take(hub.client().run(operation));
-    QJsonObject object = json();
-    object.insert(QStringLiteral("hub"), hub.client().name());
-    object.insert(QStringLiteral("simulated"), arguments.hub.isSimulated());
-    object.insert(QStringLiteral("seconds"), seconds);
-    return {QStringLiteral("%1: %2, %3 s\n").arg(hub.client().name(), what(), QString::number(seconds, 'f', 4)),
-            object};
+    const HubPlaces hubs(arguments.hub, output);
+    std::vector<std::future<Common::Result<Answer>>> asked;
+    for (const Calibration::HubTarget& hub : hubs.targets())
+        asked.push_back(std::async(std::launch::async, ask, hub.address, operation));
+    CommandResult result;
+    QJsonArray list;
+    for (std::size_t i = 0; i < asked.size(); ++i) {
+        const auto answer = asked[i].get();
+        QJsonObject json = answer ? answer->json : QJsonObject();
+        json.insert(QStringLiteral("hub"), hubs.targets()[i].address.name());
+        json.insert(QStringLiteral("simulated"), arguments.hub.isSimulated());
+        if (asked.size() == 1)
+            return {take(answer).text, json};
+        add(answer, json, list, result);
+    }
+    result.json.insert(QStringLiteral("hubs"), list);
+    return result;
 }
 
 QString figureText(int figure)
@@ -54,15 +100,14 @@ QJsonValue figureJson(int figure)
 
 CommandResult queryFineGray(const HubArguments& arguments, const Output& output, const QString& what)
 {
-    int level = notGiven;
-    int mode = notGiven;
-    return exchange(
-        arguments, output, [&](CabinetSender3th& sender) { return sender.getFineGrayConfig({}, 0, level, mode); },
-        [&] { return what.arg(figureText(level), figureText(mode)); },
-        [&] {
-            return QJsonObject{{QStringLiteral("level"), figureJson(level)},
-                               {QStringLiteral("mode"), figureJson(mode)}};
-        });
+    return exchange(arguments, output, [&what](CabinetSender3th& sender, Answer& answer) {
+        int level = notGiven;
+        int mode = notGiven;
+        const int result = sender.getFineGrayConfig({}, 0, level, mode);
+        answer = {what.arg(figureText(level), figureText(mode)),
+                  {{QStringLiteral("level"), figureJson(level)}, {QStringLiteral("mode"), figureJson(mode)}}};
+        return result;
+    });
 }
 
 CommandResult ping(const HubArguments& arguments, const Output& output)
@@ -80,28 +125,29 @@ CommandResult sendGray(const HubArguments& arguments, const Output& output)
     const auto table =
         take(Calibration::readGrayTable(QString::fromStdString(arguments.table.file), arguments.table.frequency)).table;
     const auto levels = static_cast<int>(table.red.size());
-    return exchange(
-        arguments, output, [&](CabinetSender3th& sender) { return Calibration::sendGrayTable(sender, table); },
-        [=] { return QStringLiteral("took a gray table of %1 levels").arg(levels); },
-        [=] {
-            return QJsonObject{{QStringLiteral("gray_levels"), levels}};
-        });
+    return exchange(arguments, output, [&](CabinetSender3th& sender, Answer& answer) {
+        answer = {QStringLiteral("took a gray table of %1 levels").arg(levels),
+                  {{QStringLiteral("gray_levels"), levels}}};
+        return Calibration::sendGrayTable(sender, table);
+    });
 }
 
 CommandResult sendGamut(const HubArguments& arguments, const Output& output)
 {
     const auto gamut = take(Calibration::readTargetToSend(arguments.gamuts.names()));
-    return exchange(
-        arguments, output, [&](CabinetSender3th& sender) { return sender.uploadNiccData({}, gamut); },
-        [&] { return QStringLiteral("took the target gamut %1").arg(Calibration::nameOf(gamut)); });
+    return exchange(arguments, output, [&](CabinetSender3th& sender, Answer& answer) {
+        answer.text = QStringLiteral("took the target gamut %1").arg(Calibration::nameOf(gamut));
+        return sender.uploadNiccData({}, gamut);
+    });
 }
 
 CommandResult sendMeasure(const HubArguments& arguments, const Output& output)
 {
     const auto gamut = take(Calibration::readMeasuredToSend(arguments.gamuts.names())).gamut;
-    return exchange(
-        arguments, output, [&](CabinetSender3th& sender) { return sender.uploadNiccMeasure({}, gamut); },
-        [] { return QStringLiteral("took the measured gamut"); });
+    return exchange(arguments, output, [&](CabinetSender3th& sender, Answer& answer) {
+        answer.text = QStringLiteral("took the measured gamut");
+        return sender.uploadNiccMeasure({}, gamut);
+    });
 }
 
 CommandResult serve(const HubArguments& arguments, const Output& output)

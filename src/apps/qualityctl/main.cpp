@@ -22,11 +22,12 @@ constexpr char footer[] = R"(Examples:
   qualityctl gamut coefficients examples/measured-gamut.json rec709 --json
   qualityctl gamut chart examples/measured-gamut.json rec709 --out gamut.svg
   qualityctl measure show examples/readings.ti3
+  qualityctl hub ping --hub 192.0.2.7:9000 --hub 192.0.2.8:9000
   qualityctl gray write --calibration examples/gray-calibration.json --out out
   qualityctl doc show out/fine-gray.gray
 
 Without --wall the built-in example wall is used; walls are simulated in this process unless --transport names a device
-gateway or a plug-in, and so is the message hub without --host and --port.
+gateway or a plug-in, and so is the message hub without --hub, --host and --port.
 
 Exit codes: 0 done, 1 a check found a difference, 64 usage, 65 bad data, 66 no input, 69 unavailable,
 70 internal, 73 cannot create, 74 input/output, 75 timeout, 76 protocol, 130 interrupted)";

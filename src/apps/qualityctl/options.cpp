@@ -1,8 +1,11 @@
 #include "options.h"
 
 #include "wallargument.h"
+#include <calibration/serving.h>
 
 #include <CLI/CLI.hpp>
+
+#include <set>
 
 void addWall(CLI::App& command, std::string& file)
 {
@@ -100,14 +103,27 @@ void addAcceptance(CLI::App& command, Calibration::Acceptance& acceptance)
     command.add_flag("--strict", acceptance.isStrict, "Count colours out of the LEDs' reach: compare with the target");
 }
 
-Calibration::HubAddress HubArgument::address() const
+std::vector<Calibration::HubAddress> HubArgument::addresses() const
 {
-    return {host.empty() ? QStringLiteral("127.0.0.1") : QString::fromStdString(host), static_cast<quint16>(port),
-            timeout};
+    if (hubs.empty())
+        return {{host.empty() ? QStringLiteral("127.0.0.1") : QString::fromStdString(host), static_cast<quint16>(port),
+                 timeout}};
+    std::vector<Calibration::HubAddress> addresses;
+    for (const std::string& hub : hubs) {
+        addresses.push_back(take(Calibration::parseHubAddress(QString::fromStdString(hub))));
+        addresses.back().timeout = timeout;
+    }
+    return addresses;
 }
 
 void addHub(CLI::App& command, HubArgument& hub)
 {
+    command
+        .add_option("--hub", hub.hubs, "A hub as HOST:PORT, IPv6 as [::1]:9000; may be repeated, for several at once")
+        ->check([](const std::string& text) {
+            const auto address = Calibration::parseHubAddress(QString::fromStdString(text));
+            return address ? std::string() : address.fault().message().toStdString();
+        });
     command.add_option("--host", hub.host, "The hub's host; with --port alone this machine");
     command.add_option("--port", hub.port, "The hub's port")->check(CLI::Range(0, 65535));
     command.add_option("--timeout", hub.timeout, "Longest wait for a reply, in seconds")
@@ -119,6 +135,17 @@ void checkHub(const HubArgument& hub)
 {
     if (!hub.host.empty() && hub.port == 0)
         throw CLI::ValidationError("--host", "needs --port");
+    if (!hub.hubs.empty() && (!hub.host.empty() || hub.port != 0))
+        throw CLI::ValidationError("--hub", "names the hubs; --host and --port name one without it");
+    if (hub.hubs.size() > Calibration::maxAtOnce)
+        throw CLI::ValidationError("--hub", "expected at most " + std::to_string(Calibration::maxAtOnce) +
+                                                " hubs, found " + std::to_string(hub.hubs.size()));
+    std::set<QString> names;
+    for (const Calibration::HubAddress& address : hub.addresses()) {
+        if (!names.insert(address.name()).second)
+            throw CLI::ValidationError("--hub",
+                                       "expected each hub once, found " + address.text().toStdString() + " twice");
+    }
 }
 
 CLI::Validator finiteNumber(double min, double max)

@@ -5,6 +5,7 @@
 #include <calibration/verdict.h>
 
 #include <string>
+#include <vector>
 
 struct WallArgument;
 
@@ -62,17 +63,19 @@ void addChartFile(CLI::App& command, std::string& file, bool& force);
 /// --max-de, --strict
 void addAcceptance(CLI::App& command, Calibration::Acceptance& acceptance);
 
-/// Where a hub is; without host and port one is simulated.
+/// Where hubs are: one at a host and port, or a list; without either one is simulated.
 struct HubArgument
 {
     std::string host;
     int port = 0;
-    double timeout = 10.0; ///< seconds
+    std::vector<std::string> hubs; ///< HOST:PORT each
+    double timeout = 10.0;         ///< seconds
 
-    bool isSimulated() const { return host.empty() && port == 0; }
-    Calibration::HubAddress address() const;
+    bool isSimulated() const { return host.empty() && port == 0 && hubs.empty(); }
+    /// At least one; a simulated one's has no port yet.
+    std::vector<Calibration::HubAddress> addresses() const;
 };
-/// --host, --port, --timeout
+/// --hub, --host, --port, --timeout
 void addHub(CLI::App& command, HubArgument& hub);
 /// What CLI11 cannot check of them; throws CLI::ValidationError.
 void checkHub(const HubArgument& hub);

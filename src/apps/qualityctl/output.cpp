@@ -53,23 +53,27 @@ bool write(FILE* stream, const QString& text)
     return std::fputs(text.toUtf8().constData(), stream) >= 0 && std::fflush(stream) == 0;
 }
 
-QJsonObject toJson(const CommandResult& result)
+QJsonObject documentOf(const CommandResult& result)
 {
     QJsonObject document = result.json;
     document.insert(QStringLiteral("ok"), !result.error);
-    if (result.error) {
-        const KindRow& kind = rowOf(result.error->kind);
-        QJsonObject error{{QStringLiteral("code"), kind.exitCode},
-                          {QStringLiteral("kind"), QLatin1String(kind.name)},
-                          {QStringLiteral("message"), result.error->message()}};
-        if (!result.error->hint.isEmpty())
-            error.insert(QStringLiteral("hint"), result.error->hint);
-        document.insert(QStringLiteral("error"), error);
-    }
+    if (result.error)
+        document.insert(QStringLiteral("error"), toJson(*result.error));
     return document;
 }
 
 } // namespace
+
+QJsonObject toJson(const Fault& fault)
+{
+    const KindRow& kind = rowOf(fault.kind);
+    QJsonObject error{{QStringLiteral("code"), kind.exitCode},
+                      {QStringLiteral("kind"), QLatin1String(kind.name)},
+                      {QStringLiteral("message"), fault.message()}};
+    if (!fault.hint.isEmpty())
+        error.insert(QStringLiteral("hint"), fault.hint);
+    return error;
+}
 
 int exitCodeOf(Fault::Kind kind)
 {
@@ -85,7 +89,7 @@ void Output::note(const QString& line) const
 int print(const CommandResult& result, const Output& output)
 {
     const QString text =
-        output.json ? QString::fromUtf8(QJsonDocument(toJson(result)).toJson()) : printable(result.text);
+        output.json ? QString::fromUtf8(QJsonDocument(documentOf(result)).toJson()) : printable(result.text);
     const bool isPrinted = write(stdout, text);
     if (result.error && !output.json) {
         write(stderr, QStringLiteral("qualityctl: %1\n").arg(printable(result.error->message())));

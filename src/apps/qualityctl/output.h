@@ -46,6 +46,9 @@ struct Output
     void note(const QString& line) const;
 };
 
+/// A fault as it stands in JSON: code, kind, message and a hint where there is one.
+QJsonObject toJson(const Fault& fault);
+
 /// A command with its checked arguments, ready to run.
 using Command = std::function<CommandResult(const Output&)>;
 
