@@ -1,8 +1,11 @@
-// One exchange with a message hub on loopback, beside a raw blocking exchange of the same bytes with the same peer; and
-// the decimal text of a gray table, beside appending number by number.
+// One exchange with a message hub on loopback, beside a raw blocking exchange of the same bytes with the same peer; the
+// decimal text of a gray table, beside appending number by number; and four hubs that take their time at once, beside
+// one of them.
 
+#include <calibration/serving.h>
 #include <qualityutility/tool/sender3th/clientsession.h>
 #include <qualityutility/tool/sender3th/decimaltext_p.h>
+#include <simulator/simulatedhub.h>
 
 #include <arpa/inet.h>
 #include <benchmark/benchmark.h>
@@ -179,6 +182,46 @@ void decimalText(benchmark::State& state)
         benchmark::DoNotOptimize(listToString(numbers()));
 }
 
+/// So many hubs that take 150 ms for each of two commands, as a calibration serves them.
+void serveHubs(benchmark::State& state, int count)
+{
+    const auto handler = qInstallMessageHandler(discard);
+    std::vector<std::unique_ptr<Simulator::SimulatedHub>> hubs;
+    std::vector<Calibration::HubTarget> targets;
+    for (int i = 0; i < count; ++i) {
+        QString error;
+        hubs.push_back(Simulator::SimulatedHub::start(0, error));
+        if (!hubs.back())
+            qFatal("%s", qPrintable(error));
+        hubs.back()->setScript([](const QByteArray&, const QByteArray& frame) {
+            return Simulator::HubAnswer{{frame}, false, 150};
+        });
+        const Calibration::HubAddress address{QStringLiteral("127.0.0.1"), hubs.back()->port()};
+        targets.push_back({address.name(), address});
+    }
+    const auto destination = Calibration::hubDestination(targets, {});
+    const auto devices = destination->devices();
+    Calibration::Observer nobody;
+    for (auto _ : state) {
+        const auto take = [&state](std::size_t, const Calibration::DeviceRecord& record) {
+            if (!record.isDone())
+                state.SkipWithError("a hub was not served");
+            return Common::Result<void>();
+        };
+        if (!Calibration::serveDevices(*destination, devices, Calibration::defaultAtOnce, nobody, take))
+            state.SkipWithError("not all hubs were served");
+    }
+    qInstallMessageHandler(handler);
+}
+
+BENCHMARK_CAPTURE(serveHubs, one, 1)
+    ->Name("hubs of 300 ms/baseline: one")
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(serveHubs, four, 4)
+    ->Name("hubs of 300 ms/ours: four at once")
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 BENCHMARK(rawExchange)
     ->Name("exchange/baseline: raw POSIX/bytes")
     ->Arg(64)
