@@ -53,7 +53,8 @@ struct HubTarget
 {
     QString name; ///< the device's: HubAddress::name(), or another where the address is of the moment
     HubAddress address;
-    HubReader reader = nullptr; ///< any thread; null where the hub cannot be asked
+    HubReader reader = nullptr;                           ///< any thread; null where the hub cannot be asked
+    CabinetSenderSpace::ClientSession::Tap tap = nullptr; ///< hears what is said, on the serving thread; may be empty
 };
 
 /// What stands behind message hubs of the third generation: each hub is one device, of another name, in the order of

@@ -36,13 +36,14 @@ HubClient::~HubClient()
     m_sender->attachSession(nullptr); // which it would delete
 }
 
-Result<std::unique_ptr<HubClient>> HubClient::connect(const HubAddress& address)
+Result<std::unique_ptr<HubClient>> HubClient::connect(const HubAddress& address,
+                                                      const CabinetSenderSpace::ClientSession::Tap& tap)
 {
     std::unique_ptr<HubClient> client(new HubClient(address));
     const int timeLimit = qMax(1, qRound(address.timeout * 1000.0));
     client->m_session.setWaits(connectMs, timeLimit, 1);
     client->m_session.setTimeLimit(timeLimit);
-    client->m_session.setTap(address.tap);
+    client->m_session.setTap(tap);
     client->m_session.connectToServer(address.host, address.port);
     if (!client->m_session.isConnected())
         return Fault{Fault::Kind::Unavailable, client->name(), {}, reachFault(address)};

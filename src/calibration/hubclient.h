@@ -16,8 +16,10 @@ namespace Calibration {
 class HubClient
 {
 public:
-    /// Connects; blocks for at most two seconds. Fault: unavailable, with the reason.
-    static Common::Result<std::unique_ptr<HubClient>> connect(const HubAddress& address);
+    /// Connects; blocks for at most two seconds. `tap` hears what is said from then on; it may be empty. Fault:
+    /// unavailable, with the reason.
+    static Common::Result<std::unique_ptr<HubClient>>
+    connect(const HubAddress& address, const CabinetSenderSpace::ClientSession::Tap& tap = nullptr);
     /// Closes the connection.
     ~HubClient();
     HubClient(const HubClient&) = delete;

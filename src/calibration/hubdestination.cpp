@@ -61,7 +61,7 @@ public:
         const HubTarget& hub = *std::find_if(m_hubs.begin(), m_hubs.end(), [&record](const HubTarget& candidate) {
             return candidate.name == record.device;
         });
-        const auto client = HubClient::connect(hub.address);
+        const auto client = HubClient::connect(hub.address, hub.tap);
         if (!client) {
             fail(record.outcomes.front(), client.fault());
             observer.sent(record.outcomes.front());

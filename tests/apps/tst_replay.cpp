@@ -45,21 +45,50 @@ private Q_SLOTS:
         QCOMPARE(json["differences"].toVariant().toStringList(), differences);
     }
 
+    void aRecordedHub()
+    {
+        Serving hub(QUALITYCTL, {"hub", "replay", RECORDINGS "/hub.jsonl", "--json"}, QProcess::StandardError);
+        const QStringList calibrate{"calibrate", "--generation", "3",     "--measured", "measured-gamut.json",
+                                    "--hub",     hub.address(),  "--out", in("hub"),    "--target"};
+        const Run calibrated = run(calibrate + QStringList{"native"});
+        QVERIFY2(calibrated.exitCode == 0, qPrintable(calibrated.err));
+        const Run beyond = run({"hub", "ping", "--hub", hub.address()});
+        QVERIFY2(beyond.exitCode == 69 && beyond.err.contains("closed before the reply"), qPrintable(beyond.err));
+        const Run ended = hub.end();
+        QCOMPARE(ended.exitCode, 1);
+        QCOMPARE(ended.json()["differences"].toVariant().toStringList(),
+                 QStringList({"request 2: data.bLxy.cx: expected 0.15, found 0.13",
+                              "request 3: not in the recording, or asked there less often"}));
+    }
+
+    void whatIsRecordedCanBeReplayed_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<QStringList>("command");
+        QTest::newRow("wall") << "wall" << QStringList{"send", "gray", "--table", "gray-table.csv", "--transport"};
+        QTest::newRow("hub") << "hub" << QStringList{"hub", "send", "gray", "--table", "gray-table.csv", "--hub"};
+    }
     void whatIsRecordedCanBeReplayed()
     {
-        Serving wall(QUALITYCTL, {"wall", "serve"}, QProcess::StandardError);
-        const QStringList send{"send", "gray", "--table", "gray-table.csv"};
-        const Run sent = run(toWall(send, wall) + QStringList{"--record", in("wall.jsonl")});
+        QFETCH(QString, kind);
+        QFETCH(QStringList, command);
+        const QString file = in(kind + ".jsonl");
+        const auto send = [&](const Serving& serving, const QStringList& more) {
+            const QString place = kind == "hub" ? serving.address() : serving.transport();
+            return run(command + QStringList{place, "--json"} + more);
+        };
+        Serving real(QUALITYCTL, {kind, "serve"}, QProcess::StandardError);
+        const Run sent = send(real, {"--record", file});
         QVERIFY2(sent.exitCode == 0, qPrintable(sent.out));
-        const QStringList show{"wall", "show"};
-        const Run taken = run(toWall(show, wall) + QStringList{"--record", in("wall.jsonl")});
+        const Run taken = send(real, {"--record", file});
         QVERIFY2(taken.exitCode == 73 && taken.out.contains("exists"), qPrintable(taken.out));
-        Serving replay(QUALITYCTL, {"wall", "replay", in("wall.jsonl"), "--json"}, QProcess::StandardError);
-        const Run again = run(toWall(send, replay));
+        Serving replay(QUALITYCTL, {kind, "replay", file, "--json"}, QProcess::StandardError);
+        const Run again = send(replay, {});
         QCOMPARE(again.exitCode, 0);
         QCOMPARE(again.json()["cabinets"], sent.json()["cabinets"]);
         const Run ended = replay.end();
         QVERIFY2(ended.exitCode == 0 && ended.json()["differing"] == 0, qPrintable(ended.out));
+        QVERIFY2(ended.json()["asked"].toInt() > 0, qPrintable(ended.out));
     }
 
     void aRecordingIsAskedForWhereItHasNoPlace_data()

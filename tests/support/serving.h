@@ -4,7 +4,7 @@
 
 #include <QRegularExpression>
 
-/// A program that serves a wall and says its port in the first line that it writes to `channel`.
+/// A program that serves a wall or stands for a hub, and says its port in the first line that it writes to `channel`.
 class Serving
 {
 public:
@@ -33,7 +33,8 @@ public:
         m_process.waitForFinished();
     }
     QString port() const { return m_port; }
-    QString transport() const { return "gateway:127.0.0.1:" + m_port; }
+    QString address() const { return "127.0.0.1:" + m_port; }
+    QString transport() const { return "gateway:" + address(); }
 
 private:
     QProcess m_process;

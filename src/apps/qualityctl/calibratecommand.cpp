@@ -182,7 +182,9 @@ CommandResult run(const CalibrateArguments& arguments, const Output& output)
     if (arguments.generation == 3) {
         const HubPlaces hubs(arguments.hub, output);
         const auto destination = Calibration::hubDestination(hubs.targets(), content);
-        return calibrate(arguments, content, figures, *destination, {arguments.hub.isSimulated()}, output);
+        return withRecording(
+            calibrate(arguments, content, figures, *destination, {arguments.hub.isSimulated()}, output),
+            hubs.recorder());
     }
     const OpenWall wall = openWall(arguments.wall);
     if (!wall.sha256.isEmpty())
@@ -251,6 +253,7 @@ void addCalibrateCommand(CLI::App& app, Command& chosen)
     command->callback([&chosen, command, arguments] {
         checkGeneration(*command, arguments->generation);
         checkHub(arguments->hub);
+        arguments->hub.record = arguments->wall.record;
         chosen = [arguments](const Output& output) { return run(*arguments, output); };
     });
 }

@@ -49,6 +49,11 @@ HubPlaces::HubPlaces(const HubArgument& argument, const Output& output)
 {
     for (const Calibration::HubAddress& address : argument.addresses())
         m_targets.push_back({address.name(), address});
+    if (!argument.record.empty()) {
+        m_recorder = take(Recording::Recorder::begin(QString::fromStdString(argument.record), Recording::Kind::Hub));
+        for (Calibration::HubTarget& target : m_targets)
+            target.tap = m_recorder->tap(target.name);
+    }
     if (!m_simulated)
         return;
     m_targets.front().address.port = m_simulated->port();

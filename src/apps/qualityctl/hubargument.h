@@ -4,6 +4,8 @@
 #include "output.h"
 #include <calibration/destination.h>
 
+#include <recording/recorder.h>
+
 namespace Simulator {
 class SimulatedHub;
 }
@@ -12,7 +14,8 @@ class SimulatedHub;
 class HubPlaces
 {
 public:
-    /// Says on stderr that the hub is simulated, when it is. Connects to none. Throws Fault, unavailable.
+    /// Says on stderr that the hub is simulated, when it is. Begins the recording; connects to none. Throws
+    /// Fault: unavailable, cannot create.
     HubPlaces(const HubArgument& argument, const Output& output);
     ~HubPlaces();
     HubPlaces(const HubPlaces&) = delete;
@@ -21,8 +24,11 @@ public:
     /// In the order in which they were given. A simulated one is "hub, simulated": its port is of the moment; and it
     /// can be asked what it has received. They end with this.
     const std::vector<Calibration::HubTarget>& targets() const { return m_targets; }
+    /// Null where nothing is recorded.
+    const Recording::Recorder* recorder() const { return m_recorder.get(); }
 
 private:
     std::unique_ptr<Simulator::SimulatedHub> m_simulated;
+    std::shared_ptr<Recording::Recorder> m_recorder;
     std::vector<Calibration::HubTarget> m_targets;
 };

@@ -39,9 +39,9 @@ struct Answer
 using Operation = std::function<int(CabinetSender3th&, Answer&)>;
 
 /// Connects to a hub and asks it; blocks until it has answered.
-Common::Result<Answer> ask(const Calibration::HubAddress& address, const Operation& operation)
+Common::Result<Answer> ask(const Calibration::HubTarget& target, const Operation& operation)
 {
-    const auto hub = Calibration::HubClient::connect(address);
+    const auto hub = Calibration::HubClient::connect(target.address, target.tap);
     if (!hub)
         return hub.fault();
     Answer answer;
@@ -72,7 +72,7 @@ CommandResult exchange(const HubArguments& arguments, const Output& output, cons
     const HubPlaces hubs(arguments.hub, output);
     std::vector<std::future<Common::Result<Answer>>> asked;
     for (const Calibration::HubTarget& hub : hubs.targets())
-        asked.push_back(std::async(std::launch::async, ask, hub.address, operation));
+        asked.push_back(std::async(std::launch::async, ask, hub, operation));
     CommandResult result;
     QJsonArray list;
     for (std::size_t i = 0; i < asked.size(); ++i) {
@@ -81,11 +81,11 @@ CommandResult exchange(const HubArguments& arguments, const Output& output, cons
         json.insert(QStringLiteral("hub"), hubs.targets()[i].address.name());
         json.insert(QStringLiteral("simulated"), arguments.hub.isSimulated());
         if (asked.size() == 1)
-            return {take(answer).text, json};
+            return withRecording({take(answer).text, json}, hubs.recorder());
         add(answer, json, list, result);
     }
     result.json.insert(QStringLiteral("hubs"), list);
-    return result;
+    return withRecording(std::move(result), hubs.recorder());
 }
 
 QString figureText(int figure)
@@ -176,6 +176,7 @@ CLI::App* addCommand(CLI::App& parent, Command& chosen, const char* name, const 
 {
     CLI::App* command = parent.add_subcommand(name, description);
     addHub(*command, arguments->hub);
+    addRecord(*command, arguments->hub.record);
     command->callback([&chosen, arguments, run] {
         checkHub(arguments->hub);
         chosen = [arguments, run](const Output& output) { return run(*arguments, output); };

@@ -4,12 +4,28 @@
 #include <calibration/serving.h>
 
 #include <CLI/CLI.hpp>
+#include <recording/recorder.h>
 
 #include <set>
 
 void addWall(CLI::App& command, std::string& file)
 {
     command.add_option("--wall", file, "Wall document; without one the devices' own, or the built-in example wall");
+}
+
+void addRecord(CLI::App& command, std::string& file)
+{
+    command.add_option("--record", file, "Write what goes over the gateway or the hubs' sessions to this new file");
+}
+
+CommandResult withRecording(CommandResult result, const Recording::Recorder* recorder)
+{
+    const auto state = recorder ? recorder->state() : Common::Result<void>();
+    if (!state && !result.error) {
+        result.error = state.fault();
+        result.error->hint = QStringLiteral("the recording ends there, what else was asked for is done");
+    }
+    return result;
 }
 
 void addTransport(CLI::App& command, WallArgument& argument)
@@ -22,7 +38,7 @@ void addTransport(CLI::App& command, WallArgument& argument)
             return name ? std::string() : name.fault().message().toStdString();
         })
         ->capture_default_str();
-    command.add_option("--record", argument.record, "Write what goes over the gateway to this new file");
+    addRecord(command, argument.record);
 }
 
 void addTargets(CLI::App& command, WallArgument& argument)

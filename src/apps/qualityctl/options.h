@@ -1,5 +1,6 @@
 #pragma once
 
+#include "output.h"
 #include <calibration/content.h>
 #include <calibration/hubclient.h>
 #include <calibration/verdict.h>
@@ -8,6 +9,10 @@
 #include <vector>
 
 struct WallArgument;
+
+namespace Recording {
+class Recorder;
+}
 
 namespace CLI {
 class App;
@@ -18,6 +23,10 @@ class Validator;
 
 /// --wall
 void addWall(CLI::App& command, std::string& file);
+/// --record
+void addRecord(CLI::App& command, std::string& file);
+/// The result of a command, with the fault of its recording where it has none of its own.
+CommandResult withRecording(CommandResult result, const Recording::Recorder* recorder);
 /// --transport, --record
 void addTransport(CLI::App& command, WallArgument& argument);
 /// --wall, --transport, --record, --device, --cabinet, --seed
@@ -70,6 +79,7 @@ struct HubArgument
     int port = 0;
     std::vector<std::string> hubs; ///< HOST:PORT each
     double timeout = 10.0;         ///< seconds
+    std::string record;            ///< a new file for what is said; empty: none
 
     bool isSimulated() const { return host.empty() && port == 0 && hubs.empty(); }
     /// At least one; a simulated one's has no port yet.

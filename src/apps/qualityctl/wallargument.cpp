@@ -122,16 +122,6 @@ OpenWall openWall(const WallArgument& argument)
     return open;
 }
 
-CommandResult withRecording(CommandResult result, const Recording::Recorder* recorder)
-{
-    const auto state = recorder ? recorder->state() : Common::Result<void>();
-    if (!state && !result.error) {
-        result.error = state.fault();
-        result.error->hint = QStringLiteral("the recording ends there, what else was asked for is done");
-    }
-    return result;
-}
-
 std::shared_ptr<Simulator::SimulatedWall> simulate(const OpenWall& wall, unsigned int seed)
 {
     QString error;

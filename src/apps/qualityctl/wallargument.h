@@ -48,9 +48,6 @@ Common::Result<TransportName> parseTransport(const std::string& transport);
 /// its targets. Throws Fault: unavailable, no input, bad data, usage for a device or cabinet that it does not have.
 OpenWall openWall(const WallArgument& argument);
 
-/// The result of a command, with the fault of its recording where it has none of its own.
-CommandResult withRecording(CommandResult result, const Recording::Recorder* recorder);
-
 /// The devices of a wall, those it has or simulated ones in this process, as the transport of all sending while this
 /// lives.
 class WallDevices

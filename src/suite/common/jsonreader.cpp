@@ -1,6 +1,7 @@
 #include "jsonreader.h"
 
 #include <QJsonDocument>
+#include <QLocale>
 
 #include <cmath>
 
@@ -37,7 +38,7 @@ QString describeJson(const QJsonValue& value)
     case QJsonValue::Bool:
         return value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
     case QJsonValue::Double:
-        return QString::number(value.toDouble(), 'g', 17);
+        return QString::number(value.toDouble(), 'g', QLocale::FloatingPointShortest);
     case QJsonValue::String:
         return QStringLiteral("\"%1\"").arg(value.toString());
     case QJsonValue::Array:
