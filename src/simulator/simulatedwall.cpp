@@ -5,7 +5,7 @@ namespace Simulator {
 namespace {
 
 /// How much later than its timeout a request with Fault::Late is answered.
-constexpr std::chrono::milliseconds lateBy{50};
+constexpr std::chrono::milliseconds lateBy{250}; // more than a busy machine keeps a thread waiting
 
 FaultChance drawFault(const DeviceBehaviour& behaviour, std::minstd_rand& random)
 {
