@@ -24,7 +24,9 @@ def decode(data, at=0):
     for _ in range(1 if kind == 6 else size * (kind - 3)):
         value, at = decode(data, at)
         values.append(value)
-    return {4: values, 5: dict(zip(values[::2], values[1::2])), 6: (size, values[0] if values else None)}[kind], at
+    if kind == 5:
+        return dict(zip(values[::2], values[1::2])), at
+    return (values if kind == 4 else (size, values[0])), at
 
 
 def encode(value):

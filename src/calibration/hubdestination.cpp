@@ -2,6 +2,8 @@
 #include <calibration/figures.h>
 #include <qualityutility/data/computenicccoef.h>
 
+#include <QElapsedTimer>
+
 #include <algorithm>
 
 namespace Calibration {
@@ -100,10 +102,12 @@ private:
 
     static void run(const HubStep& step, HubClient& client, Outcome& outcome)
     {
-        const auto seconds = client.run(step.send);
-        if (!seconds)
-            return fail(outcome, seconds.fault());
-        outcome.seconds = *seconds;
+        QElapsedTimer timer;
+        timer.start();
+        const auto answered = client.run(step.send);
+        outcome.seconds = static_cast<double>(timer.nsecsElapsed()) / 1e9;
+        if (!answered)
+            return fail(outcome, answered.fault());
         outcome.kind = Outcome::Kind::Answered;
         outcome.result = CabinetSenderSpace::ResultSuccess;
         outcome.arrived = 1;

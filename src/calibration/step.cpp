@@ -58,10 +58,13 @@ std::optional<Fault> shortfall(const std::vector<Outcome>& outcomes)
 {
     for (const Outcome& outcome : outcomes) {
         if (outcome.arrived != outcome.cabinets)
-            return Fault{Fault::Kind::Difference,
-                         QStringLiteral("%1 to %2").arg(outcome.step, outcome.device),
-                         {},
-                         QStringLiteral("%1 of %2 cabinets hold it").arg(outcome.arrived).arg(outcome.cabinets)};
+            return Fault{
+                Fault::Kind::Difference,
+                QStringLiteral("%1 to %2").arg(outcome.step, outcome.device),
+                {},
+                outcome.unread > 0
+                    ? QStringLiteral("%1 of %2 cabinets could not be asked").arg(outcome.unread).arg(outcome.cabinets)
+                    : QStringLiteral("%1 of %2 cabinets hold it").arg(outcome.arrived).arg(outcome.cabinets)};
     }
     return std::nullopt;
 }
@@ -134,8 +137,13 @@ Outcome sendToDevice(const Step& step, const std::string& device, const CabinetL
     }
     outcome.seconds = static_cast<double>(timer.nsecsElapsed()) / 1e9;
     const auto now = statesOf(reader, device, cids);
-    for (std::size_t i = 0; i < cids.size(); ++i)
-        outcome.arrived += before[i] && now[i] && step.hasArrived(*before[i], *now[i]) ? 1 : 0;
+    for (std::size_t i = 0; i < cids.size() && reader; ++i) {
+        const bool isRead = before[i] && now[i];
+        outcome.unread += isRead ? 0 : 1;
+        outcome.arrived += isRead && step.hasArrived(*before[i], *now[i]) ? 1 : 0;
+    }
+    if (!reader && outcome.kind == Outcome::Kind::Answered)
+        outcome.arrived = outcome.cabinets;
     return outcome;
 }
 
@@ -163,7 +171,8 @@ QString describe(const Outcome& outcome)
     case Outcome::Kind::NotSent:
         return QStringLiteral("not sent");
     case Outcome::Kind::Answered:
-        return QStringLiteral("ok");
+        return outcome.unread == 0 ? QStringLiteral("ok")
+                                   : QStringLiteral("ok, %1 cabinets could not be asked").arg(outcome.unread);
     case Outcome::Kind::Failed:
     case Outcome::Kind::TimedOut:
         return outcome.error;

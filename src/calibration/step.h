@@ -41,6 +41,7 @@ struct Outcome
     QString error;
     double seconds = 0.0;
     int arrived = 0; ///< cabinets that hold what was sent
+    int unread = 0;  ///< cabinets that left the question for it unanswered
 
     /// Whether the device answered and every cabinet holds it.
     bool isGood() const { return kind == Kind::Answered && arrived == cabinets; }
@@ -76,7 +77,8 @@ CabinetStates readBack(const Action::CabinetReader& reader, const CabinetSenderS
 /// The outcome of a step that has not been sent.
 Outcome notSent(const Step& step, const std::string& device, std::size_t cabinets);
 
-/// Sends a step to a device and counts the cabinets that hold it then; without a reader counts none. Blocks until the
+/// Sends a step to a device and counts the cabinets that hold it then; without a reader all count of a device that
+/// answered. Blocks until the
 /// device has answered, as the library's operations do. Different devices may be sent to on several threads at once.
 Outcome sendToDevice(const Step& step, const std::string& device, const std::vector<unsigned long long>& cids,
                      const Action::CabinetReader* reader);

@@ -34,17 +34,15 @@ public:
         for (std::size_t i = 0; i < m_steps.size(); ++i) {
             Outcome& outcome = record.outcomes[i];
             outcome = sendToDevice(m_steps[i], device, cids, m_reader);
-            if (!m_reader && outcome.kind == Outcome::Kind::Answered)
-                outcome.arrived = outcome.cabinets;
             observer.sent(outcome);
             if (outcome.kind != Outcome::Kind::Answered)
                 break;
         }
-        record.known = m_reader ? Known::ReadBack : Known::Acknowledged;
         if (m_reader)
             record.held = heldBy(readBack(*m_reader, {{device, cids}}));
         else if (record.isDone())
             record.held = {{static_cast<int>(cids.size()), m_coefficients, true}};
+        record.known = m_reader && !record.held.isEmpty() ? Known::ReadBack : Known::Acknowledged;
         return record;
     }
 

@@ -14,6 +14,7 @@ using Common::Result;
 using namespace std::chrono_literals;
 
 constexpr auto askTime = 10s;
+constexpr auto silentTime = 60s;
 
 /// Hands the first answer to a thread that waits for it.
 class Waiting : public Action::AnswerSink
@@ -94,11 +95,18 @@ Result<QByteArray> Client::wall() const
     call.method = Call::Method::List;
     const auto answer = ask(call);
     if (const auto* text = std::get_if<QString>(&answer))
-        return Fault{Fault::Kind::Unavailable, m_name, {}, *text};
+        return Fault{Fault::Kind::Unavailable, {}, {}, *text};
     const auto* document = std::get<Parameters>(answer).arguments().find<std::string>("wall");
     if (!document)
         return Fault{Fault::Kind::Protocol, m_name, QStringLiteral("a wall document"), QStringLiteral("none")};
     return QByteArray::fromStdString(*document);
+}
+
+bool Client::isSilent(const std::string& device) const
+{
+    const std::lock_guard lock(m_mutex);
+    const auto found = m_silent.find(device);
+    return found != m_silent.end() && std::chrono::steady_clock::now() < found->second;
 }
 
 std::optional<Action::CabinetState> Client::cabinet(const std::string& deviceId, unsigned long long cid) const
@@ -107,12 +115,16 @@ std::optional<Action::CabinetState> Client::cabinet(const std::string& deviceId,
     call.method = Call::Method::Read;
     call.device = deviceId;
     call.parameters.insert("cids", std::vector<unsigned long long>{cid});
+    if (isSilent(deviceId))
+        return std::nullopt;
     const auto answer = ask(call);
     const auto* reply = std::get_if<Parameters>(&answer);
     const auto* cabinets = reply ? reply->arguments().find<std::vector<Parameters>>("cabinets") : nullptr;
+    const std::lock_guard lock(m_mutex);
+    if (!reply)
+        m_silent[deviceId] = std::chrono::steady_clock::now() + silentTime;
     if (!cabinets || cabinets->empty())
         return std::nullopt;
-    const std::lock_guard lock(m_mutex);
     auto state = toCabinet(cabinets->front(), m_lastRead);
     if (state)
         m_lastRead = *state;

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <functional>
 #include <mutex>
+#include <unordered_map>
 
 namespace Gateway {
 
@@ -43,7 +44,8 @@ public:
     /// Copies the request and returns. A request that is too large or of which too many wait is refused at once.
     void send(const Action::Request& request, const Action::Responder& responder) override;
 
-    /// Blocks for at most ten seconds; nothing, too, when the gateway does not answer.
+    /// Blocks for at most ten seconds; nothing, too, when the gateway does not answer. A device whose cabinets it could
+    /// not tell is not asked again for a minute: a wall of hundreds would wait for hours.
     std::optional<Action::CabinetState> cabinet(const std::string& deviceId, unsigned long long cid) const override;
 
 private:
@@ -51,6 +53,7 @@ private:
 
     Client(const Address& address, Tap tap);
     std::variant<Parameters, QString> ask(Call call) const;
+    bool isSilent(const std::string& device) const;
 
     const QString m_name;
     Hello m_hello;
@@ -59,6 +62,8 @@ private:
     mutable std::atomic<quint64> m_lastId{0};
     mutable std::mutex m_mutex;
     mutable Action::CabinetState m_lastRead; ///< guarded; what the next cabinet may share
+    /// Guarded; until when devices are not asked.
+    mutable std::unordered_map<std::string, std::chrono::steady_clock::time_point> m_silent;
 };
 
 } // namespace Gateway

@@ -55,7 +55,8 @@ Result<std::shared_ptr<GatewayReplay>> GatewayReplay::create(const Session& sess
 {
     const QStringList peers = session.peers();
     if (peers.size() > 1)
-        return Fault{Fault::Kind::Usage, session.name, QStringLiteral("one gateway"), peers.join(QStringLiteral(", "))};
+        return Fault{Fault::Kind::BadData, session.name, QStringLiteral("one gateway"),
+                     peers.join(QStringLiteral(", "))};
     std::shared_ptr<GatewayReplay> replay(new GatewayReplay);
     const auto read = replay->read(session);
     if (!read)

@@ -19,7 +19,7 @@ namespace Recording {
 class GatewayReplay : public Action::Transport, public Action::CabinetReader
 {
 public:
-    /// `told` gets each difference. Faults: usage for a session with several gateways; bad data.
+    /// `told` gets each difference. Fault: bad data, for a session with several gateways too.
     static Common::Result<std::shared_ptr<GatewayReplay>> create(const Session& session,
                                                                  std::function<void(const QString&)> told);
 

@@ -29,7 +29,7 @@ Result<std::unique_ptr<HubReplay>> HubReplay::start(const Session& session, quin
 {
     const QStringList peers = session.peers();
     if (peers.size() > 1)
-        return Fault{Fault::Kind::Usage, session.name, QStringLiteral("one hub"), peers.join(QStringLiteral(", "))};
+        return Fault{Fault::Kind::BadData, session.name, QStringLiteral("one hub"), peers.join(QStringLiteral(", "))};
     std::unique_ptr<HubReplay> replay(new HubReplay(exchangesOf(session), std::move(told)));
     QString error;
     replay->m_hub = Simulator::SimulatedHub::start(port, error);

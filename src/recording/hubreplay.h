@@ -14,7 +14,7 @@ class HubReplay
 {
 public:
     /// Listens on loopback; port 0 lets the system choose. `told` gets each difference, on the hub's thread. Faults:
-    /// usage for a session with several hubs; unavailable.
+    /// bad data for a session with several hubs; unavailable.
     static Common::Result<std::unique_ptr<HubReplay>> start(const Session& session, quint16 port,
                                                             std::function<void(const QString&)> told);
 

@@ -18,10 +18,8 @@ Result<std::shared_ptr<Recorder>> Recorder::begin(const QString& file, Kind kind
     // Unbuffered: a line goes to the system as a whole.
     if (!recorder->m_file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered) ||
         !recorder->write(firstLineOf(kind)))
-        return Fault{Fault::Kind::CannotCreate,
-                     QStringLiteral("recording %1").arg(file),
-                     {},
-                     recorder->m_file.exists() ? QStringLiteral("exists") : recorder->m_file.errorString()};
+        return Fault{Fault::Kind::CannotCreate, QStringLiteral("recording %1").arg(file), QStringLiteral("a new file"),
+                     recorder->m_file.exists() ? QStringLiteral("one that exists") : recorder->m_file.errorString()};
     return recorder;
 }
 

@@ -145,12 +145,15 @@ Result<Session> readSession(const QString& file, Kind kind)
     Session session{input->subject(), {}};
     QList<QByteArray> lines = input->bytes.split('\n');
     lines.removeLast(); // empty, or cut short by the end of the process
-    if (lines.size() < 2)
-        return Fault{Fault::Kind::BadData, session.name, QStringLiteral("messages"), QStringLiteral("none")};
+    const Fault empty{Fault::Kind::BadData, session.name, QStringLiteral("messages"), QStringLiteral("none")};
+    if (lines.isEmpty())
+        return empty;
     const auto subjectOf = [&](int i) { return QStringLiteral("%1, line %2").arg(session.name).arg(i + 1); };
     const auto first = checkFirst(lines.takeFirst(), kind, subjectOf(0));
     if (!first)
         return first.fault();
+    if (lines.isEmpty())
+        return empty;
     for (int i = 0; i < lines.size(); ++i) {
         auto message = messageOf(lines[i], subjectOf(i + 1));
         if (!message)

@@ -108,16 +108,20 @@ QString toText(const SendResult& result)
     for (const Calibration::Step& step : result.steps)
         text += QStringLiteral("  %1: %2\n").arg(step.name, step.summary);
     return text + QLatin1Char('\n') + outcomeTable(result.outcomes).toText() + QLatin1Char('\n') +
-           holdings(result.now, result.isSimulated);
+           (result.isRead ? holdings(result.now, result.isSimulated)
+                          : QStringLiteral("Acknowledged: these cabinets cannot be asked what they hold.\n"));
 }
 
 QJsonObject toJson(const SendResult& result)
 {
     QJsonArray cabinets;
-    for (const auto& [cabinet, state] : result.now)
-        cabinets.append(toJson(cabinet, result.before.at(cabinet), state));
+    for (const auto& [cabinet, state] : result.now) {
+        const auto before = result.before.find(cabinet);
+        cabinets.append(
+            toJson(cabinet, before == result.before.end() ? Action::CabinetState() : before->second, state));
+    }
     return {{QStringLiteral("simulated"), result.isSimulated},
-            {QStringLiteral("known"), wordOf(Known::ReadBack)},
+            {QStringLiteral("known"), wordOf(result.isRead ? Known::ReadBack : Known::Acknowledged)},
             {QStringLiteral("results"), outcomeTable(result.outcomes).toJson()},
             {QStringLiteral("cabinets"), cabinets}};
 }

@@ -18,6 +18,7 @@ struct SendResult
     Calibration::CabinetStates before;
     Calibration::CabinetStates now;
     bool isSimulated = false; ///< the cabinets are
+    bool isRead = true;       ///< the cabinets could be asked
 };
 
 QString toText(const SendResult& result);

@@ -66,6 +66,7 @@ private Q_SLOTS:
         row("hub ping --host 127.0.0.1", 64, "--host: needs --port");
         row("hub ping --hub ::1:9000", 64, "--hub: expected HOST:PORT, as 192.0.2.7:9000 or [::1]:9000");
         row("hub ping --hub a:1 --port 1", 64, "--host and --port name one without it");
+        row("hub ping --record -", 64, "--record: expected a new file, found \"-\"");
         row("hub ping --hub [::1]:9 --hub b:9 --hub [0::1]:9", 64, "each hub once, found [::1]:9 twice");
         row("wall check --wall " + wall(R"({"latencyMs": "x"})"), 65, "device \"b\": simulation.latencyMs");
         row("doc show wall.json --json", 65, "not a picture-quality document");
@@ -82,6 +83,9 @@ private Q_SLOTS:
         row(calibrate + " --generation 3 --hub 127.0.0.1:1", 69, "measure to hub 127.0.0.1:1: connection refused");
         row(calibrate + " --timeout 5", 64, "--timeout: is a hub's, which needs --generation 3");
         row(calibrate + " --generation 3 --wall " + document, 64, "--wall: does not go through a hub");
+        row(calibrate + " --dry-run --resume", 64, "--resume excludes --dry-run");
+        row(calibrate + " --seed 2 --transport gateway:h:1", 64,
+            "--seed: expected --transport simulated, found gateway:h:1");
         row(calibrate + " --generation 3 --cabinet 1", 64, "--cabinet: does not go through a hub");
         row(calibrate + " --parallel 0", 64, "--parallel: Value 0 not in range 1 to 256");
         row(calibrate + " --frequency 120", 64, "--frequency requires --table");

@@ -128,6 +128,8 @@ private Q_SLOTS:
         QVERIFY2(confirmed.exitCode == 0 && !confirmed.json()["simulated"].toBool(), qPrintable(confirmed.out));
         QCOMPARE(confirmed.json().value("verdict")["known"].toString(), "acknowledged");
         QVERIFY2(confirmed.err.contains("=confirms, not simulated devices"), qPrintable(confirmed.err));
+        const Run switched = run({"send", "mode", "--correction", "on", "--transport", bare, "--json"});
+        QVERIFY2(switched.exitCode == 0 && switched.json()["known"] == "acknowledged", qPrintable(switched.out));
     }
 
     void aTransportThatCannotBeHadIsNamed_data()

@@ -11,6 +11,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include <atomic>
 #include <future>
 
 using namespace std::chrono_literals;
@@ -384,6 +385,18 @@ private Q_SLOTS:
         connectClient();
         QTEST(m_client->wall().fault().found, "error");
         QVERIFY(!m_client->hello().isReadable);
+    }
+
+    void aDeviceThatCannotBeReadIsNotAskedAgain()
+    {
+        m_server = *Server::start({m_wall, nullptr, nullptr, true}, {});
+        std::atomic<int> reads{0};
+        const auto client = *Client::connect({"127.0.0.1", m_server->port()}, [&](const QByteArray& payload, bool) {
+            reads += payload.contains("read") && payload.contains("cids") ? 1 : 0;
+        });
+        for (const unsigned long long cid : {1U, 2U})
+            QVERIFY(!client->cabinet("a", cid) && !client->cabinet("b", cid));
+        QCOMPARE(reads, 2);
     }
 };
 

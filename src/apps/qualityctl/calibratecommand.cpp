@@ -199,7 +199,7 @@ CommandResult run(const CalibrateArguments& arguments, const Output& output)
             for (const std::string& device : destination->devices())
                 destination->serve(device, nobody);
         });
-    const WallDevices devices(wall, arguments.wall.seed, output);
+    const WallDevices devices(wall, arguments.wall, output);
     return withRecording(
         calibrate(arguments, content, figures, *toWall(devices.reader()), {devices.isSimulated(), wall.sha256}, output),
         wall.recorder.get());
@@ -249,7 +249,10 @@ void addCalibrateCommand(CLI::App& app, Command& chosen)
         ->capture_default_str();
     command->add_flag("--resume", arguments->resume, "Go on with the calibration that was begun in the folder");
     addAcceptance(*command, arguments->acceptance);
-    command->add_flag("--dry-run", arguments->dryRun, "Print the requests instead of sending them");
+    CLI::Option* dryRun =
+        command->add_flag("--dry-run", arguments->dryRun, "Print the requests instead of sending them");
+    for (const char* name : {"--parallel", "--resume", "--html", "--pdf", "--note", "--max-de", "--strict"})
+        dryRun->excludes(command->get_option(name));
     command->callback([&chosen, command, arguments] {
         checkGeneration(*command, arguments->generation);
         checkHub(arguments->hub);

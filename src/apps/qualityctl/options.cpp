@@ -15,7 +15,10 @@ void addWall(CLI::App& command, std::string& file)
 
 void addRecord(CLI::App& command, std::string& file)
 {
-    command.add_option("--record", file, "Write what goes over the gateway or the hubs' sessions to this new file");
+    command.add_option("--record", file, "Write what goes over the gateway or the hubs' sessions to this new file")
+        ->check([](const std::string& text) {
+            return text.empty() || text == "-" ? "expected a new file, found \"" + text + "\"" : std::string();
+        });
 }
 
 CommandResult withRecording(CommandResult result, const Recording::Recorder* recorder)
@@ -48,7 +51,7 @@ void addTargets(CLI::App& command, WallArgument& argument)
     command.add_option("--device", argument.devices, "Only this device; may be repeated");
     command.add_option("--cabinet", argument.cabinets, "Only these cabinets: identifiers or ranges, as 1,2,5-9")
         ->delimiter(',');
-    command.add_option("--seed", argument.seed, "Seed of the simulated faults")->capture_default_str();
+    command.add_option("--seed", argument.seed, "Seed of the simulated faults; 1 without it");
 }
 
 void addGamut(CLI::App& command, std::string& gamut, const char* names, const char* what, bool required)
@@ -141,7 +144,7 @@ void addHub(CLI::App& command, HubArgument& hub)
             return address ? std::string() : address.fault().message().toStdString();
         });
     command.add_option("--host", hub.host, "The hub's host; with --port alone this machine");
-    command.add_option("--port", hub.port, "The hub's port")->check(CLI::Range(0, 65535));
+    command.add_option("--port", hub.port, "The hub's port")->check(CLI::Range(1, 65535));
     command.add_option("--timeout", hub.timeout, "Longest wait for a reply, in seconds")
         ->check(finiteNumber(0.001, 86400.0))
         ->capture_default_str();

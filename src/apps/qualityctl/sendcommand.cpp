@@ -99,8 +99,9 @@ CommandResult runSend(const SendArguments& arguments, const Output& output)
             Calibration::Observer nobody;
             Calibration::sendSteps(result.steps, wall.targets, nullptr, nobody);
         });
-    const WallDevices devices(wall, arguments.wall.seed, output);
+    const WallDevices devices(wall, arguments.wall, output);
     result.isSimulated = devices.isSimulated();
+    result.isRead = devices.reader() != nullptr;
     const Interrupt interrupt;
     const auto read = [&] {
         return devices.reader() ? Calibration::readBack(*devices.reader(), wall.targets) : Calibration::CabinetStates();

@@ -53,6 +53,10 @@ std::vector<std::string> stringsOf(const Calibration::Journal& journal, const ch
 std::optional<OpenWall> wallOf(const Calibration::Journal& journal, WallArgument argument)
 {
     const bool isSimulated = argument.transport == WallArgument().transport;
+    if (isSimulated && !argument.file.empty())
+        throw Fault{Fault::Kind::Usage, QStringLiteral("--wall"),
+                    QStringLiteral("a --transport whose cabinets are asked"),
+                    QString::fromStdString(argument.transport)};
     if (isSimulated && argument.record.empty())
         return std::nullopt;
     argument.devices = stringsOf(journal, "device");
@@ -64,9 +68,9 @@ std::optional<OpenWall> wallOf(const Calibration::Journal& journal, WallArgument
 Common::Result<Calibration::Verification> judgeNow(const Calibration::Journal& journal, const OpenWall& wall,
                                                    const Calibration::Acceptance& acceptance, const Output& output)
 {
-    const WallDevices devices(wall, 0, output);
+    const WallDevices devices(wall, {}, output);
     if (!devices.reader())
-        throw Fault{Fault::Kind::Unavailable, wall.name, QStringLiteral("cabinets that can be asked"),
+        throw Fault{Fault::Kind::Unavailable, wall.transport, QStringLiteral("cabinets that can be asked"),
                     QStringLiteral("none")};
     const Calibration::CabinetsNow now{*devices.reader(), wall.targets};
     auto verification = Calibration::verify(journal, acceptance, &now);

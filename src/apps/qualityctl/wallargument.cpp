@@ -49,6 +49,9 @@ OpenWall openTransport(const WallArgument& argument)
     OpenWall open;
     const TransportName name = take(parseTransport(argument.transport));
     const auto* address = std::get_if<Gateway::Address>(&name);
+    if (argument.seed && name.index() != 0)
+        throw Fault{Fault::Kind::Usage, QStringLiteral("--seed"), QStringLiteral("--transport simulated"),
+                    QString::fromStdString(argument.transport)};
     if (!argument.record.empty()) {
         if (!address)
             throw Fault{Fault::Kind::Usage, QStringLiteral("--record"), QStringLiteral("--transport gateway:HOST:PORT"),
@@ -122,19 +125,20 @@ OpenWall openWall(const WallArgument& argument)
     return open;
 }
 
-std::shared_ptr<Simulator::SimulatedWall> simulate(const OpenWall& wall, unsigned int seed)
+std::shared_ptr<Simulator::SimulatedWall> simulate(const OpenWall& wall, const WallArgument& argument)
 {
     QString error;
-    auto simulation = Simulator::SimulatedWall::create(wall.wall, seed, error);
+    auto simulation = Simulator::SimulatedWall::create(wall.wall, argument.seed.value_or(1), error);
     if (!simulation)
         throw Fault{Fault::Kind::BadData, subjectOf(wall), {}, error};
     return simulation;
 }
 
-WallDevices::WallDevices(const OpenWall& wall, unsigned int seed, const Output& output) : m_devices(wall.devices)
+WallDevices::WallDevices(const OpenWall& wall, const WallArgument& argument, const Output& output)
+    : m_devices(wall.devices)
 {
     if (!m_devices.transport) {
-        const auto simulation = simulate(wall, seed);
+        const auto simulation = simulate(wall, argument);
         m_devices = {simulation, simulation, {}, true};
         output.note(QStringLiteral("qualityctl: simulated wall: %1").arg(wall.name));
     } else {

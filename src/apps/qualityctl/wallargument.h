@@ -16,7 +16,7 @@ struct WallArgument
     std::string record;                  ///< a new file for what goes over a gateway; empty: none
     std::vector<std::string> devices;
     std::vector<std::string> cabinets; ///< identifiers and ranges such as 5-9; empty: all
-    unsigned int seed = 1;             ///< of the simulated faults
+    std::optional<unsigned int> seed;  ///< of the simulated faults; 1 where none is given
 };
 
 /// A wall that has been read and entered into the registry.
@@ -54,7 +54,7 @@ class WallDevices
 {
 public:
     /// Says on stderr where they are, and whether they are simulated. Throws Fault, bad data.
-    WallDevices(const OpenWall& wall, unsigned int seed, const Output& output);
+    WallDevices(const OpenWall& wall, const WallArgument& argument, const Output& output);
     ~WallDevices();
     WallDevices(const WallDevices&) = delete;
     WallDevices& operator=(const WallDevices&) = delete;
@@ -68,4 +68,4 @@ private:
 };
 
 /// The wall of a document, simulated. Throws Fault, bad data.
-std::shared_ptr<Simulator::SimulatedWall> simulate(const OpenWall& wall, unsigned int seed);
+std::shared_ptr<Simulator::SimulatedWall> simulate(const OpenWall& wall, const WallArgument& argument);

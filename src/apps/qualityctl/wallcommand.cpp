@@ -100,7 +100,7 @@ CommandResult showWall(const OpenWall& wall)
 
 CommandResult checkWall(const OpenWall& wall)
 {
-    simulate(wall, 0);
+    simulate(wall, {});
     std::size_t cabinets = 0;
     for (const Service::WallDevice& device : wall.wall)
         cabinets += device.entry.cabinets.size();
@@ -130,7 +130,7 @@ void addServe(CLI::App& wall, Command& chosen)
     const auto arguments = std::make_shared<ServeArguments>();
     CLI::App* command = wall.add_subcommand("serve", "Simulate a wall as a device gateway, for other processes");
     addWall(*command, arguments->wall.file);
-    command->add_option("--seed", arguments->wall.seed, "Seed of the simulated faults")->capture_default_str();
+    command->add_option("--seed", arguments->wall.seed, "Seed of the simulated faults; 1 without it");
     command->add_option("--port", arguments->port, "Port; 0: the system chooses")
         ->check(CLI::Range(0, 65535))
         ->capture_default_str();

@@ -50,7 +50,7 @@ CommandResult serveWall(const ServeArguments& arguments, const Output& output)
 {
     const Interrupt interrupt; // before the port is told: who knows it may end this at once
     const OpenWall wall = openWall(arguments.wall);
-    const auto simulation = simulate(wall, arguments.wall.seed);
+    const auto simulation = simulate(wall, arguments.wall);
     const Gateway::Listening listening = listeningOf(arguments);
     const auto server = take(Gateway::Server::start(
         {simulation, simulation, [&] { return currentDocument(wall.wall, *simulation); }, true}, listening));
