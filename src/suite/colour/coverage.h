@@ -19,6 +19,13 @@ constexpr Chromaticity uvPrime(const Chromaticity& xy)
     return {4.0 * xy.x / divisor, 9.0 * xy.y / divisor};
 }
 
+/// CIE 1931 x, y = 9u', 4v' over 6u' - 16v' + 12: the way back.
+constexpr Chromaticity fromUvPrime(const Chromaticity& uv)
+{
+    const double divisor = 6.0 * uv.x - 16.0 * uv.y + 12.0;
+    return {9.0 * uv.x / divisor, 4.0 * uv.y / divisor};
+}
+
 /// The primaries and white in u'v'.
 constexpr Primaries uvPrime(const Primaries& xy)
 {
