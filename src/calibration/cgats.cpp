@@ -23,7 +23,7 @@ class CgatsParser
 public:
     explicit CgatsParser(const Input& input) : m_input(input), m_reader(input, maxLineLength) {}
 
-    Result<Measurement> parse();
+    Result<std::vector<Measurement>> parse();
 
 private:
     using Fields = std::vector<Field>;
@@ -44,7 +44,8 @@ private:
     Result<void> readData();
     Result<void> endData(std::size_t count);
     Result<void> requireCount(const QString& key, std::size_t count, const QString& what) const;
-    Result<Measurement> measurement() const;
+    Result<std::vector<Measurement>> measurements() const;
+    Result<Measurement> measurement(const ReadingGroup& group) const;
     /// What the values are multiplied with to be cd/m2; says where they stay relative.
     Result<double> luminanceFactor(Measurement& measurement) const;
     QString valueOf(std::initializer_list<const char*> keys) const;
@@ -74,7 +75,7 @@ Result<CgatsParser::Fields> CgatsParser::nextWithin(const QString& last)
     return fields;
 }
 
-Result<Measurement> CgatsParser::parse()
+Result<std::vector<Measurement>> CgatsParser::parse()
 {
     while (!m_isDone) {
         const auto fields = next();
@@ -90,7 +91,7 @@ Result<Measurement> CgatsParser::parse()
             return read.fault();
     }
     if (m_isDone)
-        return measurement();
+        return measurements();
     if (m_format || m_missing.isEmpty())
         return refusal(m_reader.place(), QStringLiteral("a table with BEGIN_DATA_FORMAT and BEGIN_DATA"),
                        QStringLiteral("the end of the text"));
@@ -158,6 +159,14 @@ void CgatsParser::beginTable()
         }
         (i < 3 ? *columns.drive : columns.values)[i % 3] = {static_cast<std::size_t>(m_format->indexOf(name)), name};
     }
+    const auto column = [this](const char* name) -> std::optional<ReadingColumn> {
+        const int index = m_format->indexOf(QLatin1String(name));
+        return index < 0 ? std::nullopt
+                         : std::optional(ReadingColumn{static_cast<std::size_t>(index), QLatin1String(name)});
+    };
+    columns.device = column("DEVICE");
+    columns.cabinets = column("CABINET");
+    columns.group = column("GROUP");
     m_table.emplace(m_input, columns);
 }
 
@@ -210,11 +219,13 @@ Result<double> CgatsParser::luminanceFactor(Measurement& measurement) const
     const double whiteLuminance = measurement.patches.points[3].mean.lum;
     const QString normalised = valueOf({"NORMALIZED_TO_Y_100"}).toUpper();
     const bool isNormalised = normalised == QLatin1String("YES");
-    if (isNormalised && std::abs(whiteLuminance / 100.0 - 1.0) > largestDrift)
+    const bool isOnlyGroup = m_table->groups().size() == 1;
+    if (isNormalised && isOnlyGroup && std::abs(whiteLuminance / 100.0 - 1.0) > largestDrift)
         return refusal(QStringLiteral("%1, XYZ_Y").arg(m_keywords.at(QStringLiteral("NORMALIZED_TO_Y_100")).place),
                        QStringLiteral("a white of 100"), QString::number(whiteLuminance));
     const auto found = m_keywords.find(QStringLiteral("LUMINANCE_XYZ_CDM2"));
-    if (found == m_keywords.end() || normalised == QLatin1String("NO")) {
+    const bool isScaled = isNormalised || (isOnlyGroup && normalised != QLatin1String("NO"));
+    if (found == m_keywords.end() || !isScaled) {
         measurement.patches.isRelative = isNormalised;
         measurement.notes << (isNormalised
                                   ? QStringLiteral("luminances are relative: the file does not say white's in cd/m2")
@@ -232,10 +243,23 @@ Result<double> CgatsParser::luminanceFactor(Measurement& measurement) const
     return luminance / (isNormalised ? 100.0 : whiteLuminance);
 }
 
-Result<Measurement> CgatsParser::measurement() const
+Result<std::vector<Measurement>> CgatsParser::measurements() const
+{
+    std::vector<Measurement> result;
+    for (const ReadingGroup& group : m_table->groups()) {
+        auto one = measurement(group);
+        if (!one)
+            return one.fault();
+        result.push_back(*std::move(one));
+    }
+    return result;
+}
+
+Result<Measurement> CgatsParser::measurement(const ReadingGroup& group) const
 {
     Measurement result;
-    const auto patches = m_table->byPatch(m_reader.begin());
+    result.group = group;
+    const auto patches = m_table->byPatch(group, m_reader.begin());
     if (!patches)
         return patches.fault();
     result.patches = *patches;
@@ -263,7 +287,7 @@ bool isCgats(const QByteArray& text)
            text.contains("\nBEGIN_DATA");
 }
 
-Result<Measurement> parseCgats(const Input& input)
+Result<std::vector<Measurement>> parseCgats(const Input& input)
 {
     return CgatsParser(input).parse();
 }

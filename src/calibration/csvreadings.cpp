@@ -72,6 +72,9 @@ bool findPatch(const Heading& heading, ReadingColumns& columns)
     columns.maxDrive = 255.0;
     columns.isDriveKnown = false;
     columns.label = heading.find({"label", "patch", "name", "color", "colour"});
+    columns.device = heading.find({"device"});
+    columns.cabinets = heading.find({"cabinet", "cabinets", "cid"});
+    columns.group = heading.find({"group", "batch"});
     return columns.drive || columns.label;
 }
 
@@ -93,6 +96,27 @@ Result<ReadingColumns> columnsOf(const FieldReader& reader, const std::vector<Fi
         return Fault{Fault::Kind::BadData, reader.place(fields.front()),
                      QStringLiteral("a heading with a label or with r, g, b for the patch"), found};
     return columns;
+}
+
+/// The measurement of each group.
+Result<std::vector<Measurement>> measurementsOf(const ReadingTable& table, const ReadingColumns& columns,
+                                                const QString& end)
+{
+    std::vector<Measurement> measurements;
+    for (const ReadingGroup& group : table.groups()) {
+        const auto patches = table.byPatch(group, end);
+        if (!patches)
+            return patches.fault();
+        Measurement& measurement = measurements.emplace_back();
+        measurement.group = group;
+        measurement.kind = QStringLiteral("CSV readings");
+        measurement.patches = *patches;
+        measurement.notes << QStringLiteral("colours from the columns %1, %2, %3")
+                                 .arg(columns.values[0].name, columns.values[1].name, columns.values[2].name);
+        if (columns.drive)
+            measurement.notes << QStringLiteral("RGB drive from 0 to %1").arg(patches->fullDrive);
+    }
+    return measurements;
 }
 
 /// The style that a heading shows.
@@ -126,7 +150,7 @@ Result<void> addRows(FieldReader& reader, const FieldStyle& style, ReadingTable&
 
 } // namespace
 
-Result<Measurement> parseCsvReadings(const Input& input)
+Result<std::vector<Measurement>> parseCsvReadings(const Input& input)
 {
     FieldReader reader(input, maxLineLength);
     const auto hasLine = reader.next();
@@ -145,18 +169,7 @@ Result<Measurement> parseCsvReadings(const Input& input)
     const auto added = addRows(reader, style, table);
     if (!added)
         return added.fault();
-    const auto patches = table.byPatch(reader.begin());
-    if (!patches)
-        return patches.fault();
-    Measurement measurement;
-    measurement.kind = QStringLiteral("CSV readings");
-    measurement.patches = *patches;
-    const auto& values = columns->values;
-    measurement.notes
-        << QStringLiteral("colours from the columns %1, %2, %3").arg(values[0].name, values[1].name, values[2].name);
-    if (columns->drive)
-        measurement.notes << QStringLiteral("RGB drive from 0 to %1").arg(patches->fullDrive);
-    return measurement;
+    return measurementsOf(table, *columns, reader.begin());
 }
 
 } // namespace Calibration

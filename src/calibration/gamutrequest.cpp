@@ -17,6 +17,7 @@ namespace {
 using Colour::Chromaticity;
 
 const QString s_native = QStringLiteral("native");
+const QString s_common = QStringLiteral("common"); // the LEDs' own, of all groups
 const QString s_whites = QStringLiteral("D50, D55, D65, D75, 6500K, 6500K-planck or x,y");
 
 constexpr double minLuminance = 1e-3; // cd/m2: no display has more or less
@@ -150,6 +151,7 @@ QString nearestName(const QString& name)
             consider(known, QString::fromLatin1(gamut.key));
     }
     consider(s_native, s_native);
+    consider(s_common, s_common);
     for (const auto& [illuminant, white] : illuminants)
         consider(normalised(QLatin1String(illuminant)), QLatin1String(illuminant));
     static const QRegularExpression number(QStringLiteral("^[0-9.]+"));
@@ -161,7 +163,8 @@ QString nearestName(const QString& name)
 
 bool GamutRequest::isNative() const
 {
-    return primaries.compare(s_native, Qt::CaseInsensitive) == 0;
+    return primaries.compare(s_native, Qt::CaseInsensitive) == 0 ||
+           primaries.compare(s_common, Qt::CaseInsensitive) == 0;
 }
 
 Result<GamutRequest> parseGamutRequest(const QString& text)

@@ -11,7 +11,7 @@ namespace Calibration {
 struct GamutRequest
 {
     QString text;      ///< all of it
-    QString primaries; ///< a name, a file, "native", or rx,ry:gx,gy:bx,by
+    QString primaries; ///< a name, a file, "native", "common", or rx,ry:gx,gy:bx,by
     std::optional<Colour::Chromaticity> white;
     QString whiteName;               ///< as it was written; empty for none
     std::optional<double> luminance; ///< of white, 0.001 to 1,000,000 cd/m2
@@ -19,6 +19,7 @@ struct GamutRequest
 
     /// How messages about it begin.
     QString subject() const { return QStringLiteral("gamut %1").arg(text); }
+    /// Whether the primaries are the LEDs' own: "native", or "common" for those that all groups of a wall have.
     bool isNative() const;
 };
 

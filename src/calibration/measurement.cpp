@@ -77,24 +77,55 @@ Result<Gamut> gamutIn(const Input& input, const QJsonObject& object, const QStri
     return gamut;
 }
 
-Result<Measurement> parseDocument(const Input& input)
+Measurement documentOf(const Gamut& gamut)
+{
+    Measurement measurement;
+    measurement.gamut = gamut;
+    const auto points = pointsOf(measurement.gamut);
+    for (std::size_t i = 0; i < points.size(); ++i)
+        measurement.patches.points[i] = {1, *points[i]};
+    return measurement;
+}
+
+/// {"groups": [{"name", "cabinets": "left,middle:1-8", "RedPoint", ...}]}; the name may be left out.
+Result<std::vector<Measurement>> parseGroups(const Input& input, const QJsonObject& object)
+{
+    std::optional<Fault> fault;
+    const Common::JsonReader root(object, fault);
+    const auto groups = root.member("groups");
+    std::vector<Measurement> measurements;
+    for (int i = 0; i < groups.count() && !fault; ++i) {
+        const auto group = groups.element(i);
+        const QString cabinets = group.object().member("cabinets").text();
+        measurements.push_back(documentOf(gamutAt(group)));
+        Measurement& measurement = measurements.back();
+        measurement.kind = QStringLiteral("gamuts of groups in JSON");
+        measurement.group = {group.member("name").isMissing() ? cabinets : group.member("name").text(),
+                             cabinets.split(QLatin1Char(','))};
+    }
+    if (!fault && measurements.empty())
+        groups.refuse(QStringLiteral("no groups"));
+    if (fault)
+        return Fault{Fault::Kind::BadData, input.subject(), {}, fault->message()};
+    return measurements;
+}
+
+Result<std::vector<Measurement>> parseDocument(const Input& input)
 {
     const auto object = jsonObject(input);
     if (!object)
         return object.fault();
+    if (object->contains(QStringLiteral("groups")))
+        return parseGroups(input, *object);
     const QString led = QStringLiteral("LEDColorGamnut");
     const bool isNicc = object->contains(led);
     const auto gamut = gamutIn(input, *object, isNicc ? led : QString());
     if (!gamut)
         return gamut.fault();
-    Measurement measurement;
+    Measurement measurement = documentOf(*gamut);
     measurement.kind = isNicc ? QStringLiteral("NICC document") : QStringLiteral("gamut in JSON");
-    measurement.gamut = *gamut;
     measurement.date = object->value(QStringLiteral("Time")).toString();
-    const auto points = pointsOf(measurement.gamut);
-    for (std::size_t i = 0; i < points.size(); ++i)
-        measurement.patches.points[i] = {1, *points[i]};
-    return measurement;
+    return std::vector<Measurement>{measurement};
 }
 
 /// The gamut that the patches make, without luminances that are only relative.
@@ -110,19 +141,21 @@ void takePoints(Measurement& measurement)
     }
 }
 
-Result<Measurement> parseReadings(const Input& input)
+Result<std::vector<Measurement>> parseReadings(const Input& input)
 {
     const auto text = requireText(input);
     if (!text)
         return text.fault();
-    auto measurement = isCgats(input.bytes) ? parseCgats(input) : parseCsvReadings(input);
-    if (!measurement)
-        return measurement;
-    const PatchTable& patches = measurement->patches;
-    takePoints(*measurement);
-    if (patches.otherCount > 0)
-        measurement->notes << QStringLiteral("readings of other patches, passed over: %1").arg(patches.otherCount);
-    return measurement;
+    auto measurements = isCgats(input.bytes) ? parseCgats(input) : parseCsvReadings(input);
+    if (!measurements)
+        return measurements;
+    for (Measurement& measurement : *measurements) {
+        takePoints(measurement);
+        const int others = measurement.patches.otherCount;
+        if (others > 0)
+            measurement.notes << QStringLiteral("readings of other patches, passed over: %1").arg(others);
+    }
+    return measurements;
 }
 
 /// Gives white the luminance that its file does not know, and the primaries theirs.
@@ -196,19 +229,34 @@ QString Measurement::known() const
     return file ? wordOf(Known::Measured) : QStringLiteral("given");
 }
 
+Result<std::vector<Measurement>> parseMeasurements(const Input& input)
+{
+    auto measurements = isJson(input.bytes) ? parseDocument(input) : parseReadings(input);
+    if (!measurements)
+        return measurements;
+    for (Measurement& measurement : *measurements) {
+        measurement.subject = input.subject();
+        if (measurements->size() > 1)
+            measurement.subject += QStringLiteral(", group %1").arg(measurement.group.name);
+        measurement.file = input.digest();
+        const auto made = requireGamut(measurement.gamut, measurement.subject);
+        if (!made)
+            return made.fault();
+        if (measurement.gamut.name.empty())
+            measurement.gamut.name = QFileInfo(input.name).fileName().toStdString();
+    }
+    return measurements;
+}
+
 Result<Measurement> parseMeasurement(const Input& input)
 {
-    auto measurement = isJson(input.bytes) ? parseDocument(input) : parseReadings(input);
-    if (!measurement)
-        return measurement;
-    measurement->subject = input.subject();
-    measurement->file = input.digest();
-    const auto made = requireGamut(measurement->gamut, input.subject());
-    if (!made)
-        return made.fault();
-    if (measurement->gamut.name.empty())
-        measurement->gamut.name = QFileInfo(input.name).fileName().toStdString();
-    return measurement;
+    auto measurements = parseMeasurements(input);
+    if (!measurements)
+        return measurements.fault();
+    if (measurements->size() > 1)
+        return Fault{Fault::Kind::BadData, input.subject(), QStringLiteral("one gamut"),
+                     QStringLiteral("those of %1 groups").arg(measurements->size())};
+    return std::move(measurements->front());
 }
 
 Result<Measurement> readMeasured(const QString& text)

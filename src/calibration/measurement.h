@@ -17,7 +17,8 @@ struct Measurement
         QString value;
     };
 
-    QString kind; ///< of the file, for people: "CGATS readings"
+    ReadingGroup group; ///< of a file that says where it was read; empty for another
+    QString kind;       ///< of the file, for people: "CGATS readings"
     /// The means; called as the file is where that gives no name. Luminances are 0 where they are not known in cd/m2.
     Model::ColorGamutInfo gamut;
     /// As they were read, luminances too where they are relative to white's. A document's points count as one reading
@@ -38,8 +39,12 @@ struct Measurement
 /// Reads a measured gamut: the readings of a CGATS file (.ti3) or of a CSV file, a gamut in JSON, or the measured gamut
 /// of a NICC document. The content tells which, not the name. Readings of one patch are averaged in XYZ; black is
 /// reported and not subtracted. docs/measurements.md has the formats. Fault: bad data, with line and column; in JSON
-/// with the path.
+/// with the path; a file with several gamuts.
 Result<Measurement> parseMeasurement(const Input& input);
+
+/// Reads the measured gamuts of a file that may hold several: readings with columns for device, cabinets and group, or
+/// groups in JSON. Fault: as parseMeasurement().
+Result<std::vector<Measurement>> parseMeasurements(const Input& input);
 
 /// Reads a measured gamut as a user gives it, PRIMARIES[:WHITE][:CD_M2] (parseGamutRequest()): a file, a standard
 /// gamut, or rx,ry:gx,gy:bx,by:wx,wy. The luminance is white's: of a file it gives the one that is missing there, else

@@ -80,7 +80,7 @@ Result<void> ReadingTable::add(const FieldReader& reader, const std::vector<Fiel
     if (fields.size() != m_columns.count)
         return Fault{Fault::Kind::BadData, reader.place(fields.back()),
                      QStringLiteral("%1 fields").arg(m_columns.count), QString::number(fields.size())};
-    if (m_readings.size() == maxReadings)
+    if (m_count == maxReadings)
         return Fault{
             Fault::Kind::BadData, reader.place(), {}, QStringLiteral("more than %1 readings").arg(maxReadings)};
     const auto values = numbers(reader, fields, m_columns.values);
@@ -97,8 +97,41 @@ Result<void> ReadingTable::add(const FieldReader& reader, const std::vector<Fiel
     } else {
         reading.patch = labelledPatch(fields[m_columns.label->index].text);
     }
-    m_readings.push_back(reading);
+    const auto group = groupOf(reader, fields);
+    if (!group)
+        return group.fault();
+    m_readings[*group].push_back(reading);
+    ++m_count;
     return {};
+}
+
+Result<QString> ReadingTable::groupOf(const FieldReader& reader, const std::vector<Field>& fields)
+{
+    const auto text = [&fields](const std::optional<ReadingColumn>& column) {
+        return column ? fields[column->index].text : QString();
+    };
+    const QString device = text(m_columns.device);
+    if (m_columns.device && device.isEmpty())
+        return Fault{
+            Fault::Kind::BadData,
+            QStringLiteral("%1, %2").arg(reader.place(fields[m_columns.device->index]), m_columns.device->name),
+            QStringLiteral("a device"), QStringLiteral("nothing")};
+    const QStringList ranges = text(m_columns.cabinets).split(QLatin1Char(','), Qt::SkipEmptyParts);
+    QStringList cabinets;
+    for (const QString& range : ranges)
+        cabinets << QStringLiteral("%1:%2").arg(device, range.trimmed());
+    if (cabinets.isEmpty() && m_columns.device)
+        cabinets << device;
+    const QString word = text(m_columns.group);
+    const QString name = word.isEmpty() ? cabinets.join(QLatin1Char(',')) : word;
+    auto group = std::find_if(m_groups.begin(), m_groups.end(), [&](const auto& known) { return known.name == name; });
+    if (group == m_groups.end())
+        group = m_groups.insert(m_groups.end(), {name, {}});
+    for (const QString& cabinet : qAsConst(cabinets)) {
+        if (!group->cabinets.contains(cabinet))
+            group->cabinets << cabinet;
+    }
+    return name;
 }
 
 double ReadingTable::fullDrive() const
@@ -106,8 +139,10 @@ double ReadingTable::fullDrive() const
     if (!m_columns.drive || m_columns.isDriveKnown)
         return m_columns.drive ? m_columns.maxDrive : 0.0;
     double largest = 0.0;
-    for (const Reading& reading : m_readings)
-        largest = std::max(largest, *std::max_element(reading.drive.begin(), reading.drive.end()));
+    for (const auto& [group, readings] : m_readings) {
+        for (const Reading& reading : readings)
+            largest = std::max(largest, *std::max_element(reading.drive.begin(), reading.drive.end()));
+    }
     for (const double full : {1.0, 100.0}) {
         if (largest <= full)
             return full;
@@ -165,12 +200,15 @@ Result<Colour::Vector3> ReadingTable::tristimulus(const Reading& reading, bool i
     return Colour::Vector3{v[0] / v[1] * v[2], v[2], (1.0 - v[0] - v[1]) / v[1] * v[2]};
 }
 
-Result<PatchTable> ReadingTable::byPatch(const QString& end) const
+Result<PatchTable> ReadingTable::byPatch(const ReadingGroup& group, const QString& end) const
 {
     PatchTable table;
     table.fullDrive = fullDrive();
     std::array<std::vector<Colour::Vector3>, other> readings;
-    for (const Reading& reading : m_readings) {
+    const auto found = m_readings.find(group.name);
+    const std::vector<Reading> none;
+    const std::vector<Reading>& all = found == m_readings.end() ? none : found->second;
+    for (const Reading& reading : all) {
         const std::size_t patch = patchOf(reading, table.fullDrive);
         if (patch == other) {
             ++table.otherCount;
@@ -183,9 +221,10 @@ Result<PatchTable> ReadingTable::byPatch(const QString& end) const
     }
     for (std::size_t point = 0; point < table.points.size(); ++point) {
         if (readings[point].empty())
-            return Fault{
-                Fault::Kind::BadData, end, QStringLiteral("readings of full red, green, blue and white"),
-                QStringLiteral("none of %1 among %2").arg(pointName(point), QString::number(m_readings.size()))};
+            return Fault{Fault::Kind::BadData,
+                         group.name.isEmpty() ? end : QStringLiteral("%1, group %2").arg(end, group.name),
+                         QStringLiteral("readings of full red, green, blue and white"),
+                         QStringLiteral("none of %1 among %2").arg(pointName(point), QString::number(all.size()))};
         table.points[point] = averaged(readings[point]);
     }
     if (!readings[black].empty())

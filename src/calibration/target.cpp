@@ -22,8 +22,9 @@ Target nativeTarget(const GamutRequest& request)
     target.isNative = true;
     const auto white = request.white.value_or(d65);
     target.gamut.wLxy = {0.0, white.x, white.y, {}};
-    target.gamut.name =
-        QStringLiteral("native, white %1").arg(request.white ? request.whiteName : QStringLiteral("D65")).toStdString();
+    target.gamut.name = QStringLiteral("%1, white %2")
+                            .arg(request.primaries.toLower(), request.white ? request.whiteName : QStringLiteral("D65"))
+                            .toStdString();
     return target;
 }
 

@@ -15,9 +15,10 @@ struct Target
 };
 
 /// Reads a target, PRIMARIES[:WHITE][:CD_M2] (parseGamutRequest()). The primaries are a standard gamut's, those of a
-/// file as parseMeasurement() reads it (of a NICC document its target's), rx,ry:gx,gy:bx,by with a white, or "native",
-/// with D65 where no white is given. A white or luminance that is given counts more than the file's. Faults: no input
-/// for a name or file that does not exist; bad data for what makes no gamut, or swaps primaries unless `force`.
+/// file as parseMeasurement() reads it (of a NICC document its target's), rx,ry:gx,gy:bx,by with a white, or "native"
+/// or "common", with D65 where no white is given. A white or luminance that is given counts more than the file's.
+/// Faults: no input for a name or file that does not exist; bad data for what makes no gamut, or swaps primaries unless
+/// `force`.
 Result<Target> readTarget(const QString& text, bool force);
 
 /// The target's gamut on a wall of that measured gamut. Fault: bad data for a white outside the wall's own triangle.
