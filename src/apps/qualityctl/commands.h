@@ -13,6 +13,7 @@ void addWallCommands(CLI::App& app, Command& chosen);
 void addDocCommands(CLI::App& app, Command& chosen);
 void addGamutCommands(CLI::App& app, Command& chosen);
 void addGrayCommands(CLI::App& app, Command& chosen);
+void addMatchCommand(CLI::App& app, Command& chosen);
 void addMeasureCommands(CLI::App& app, Command& chosen);
 void addSettingsCommands(CLI::App& app, Command& chosen);
 void addHubCommands(CLI::App& app, Command& chosen);

@@ -21,6 +21,7 @@ constexpr char footer[] = R"(Examples:
   qualityctl gamut coverage p3-d65 bt2020
   qualityctl gamut coefficients examples/measured-gamut.json rec709 --json
   qualityctl gamut chart examples/measured-gamut.json rec709 --out gamut.svg
+  qualityctl match --measured examples/two-batches.csv --target common
   qualityctl measure show examples/readings.ti3
   qualityctl hub ping --hub 192.0.2.7:9000 --hub 192.0.2.8:9000
   qualityctl gray write --calibration examples/gray-calibration.json --out out
@@ -81,6 +82,7 @@ int run(int argc, char** argv)
     addWallCommands(app, chosen);
     addSendCommands(app, chosen);
     addGamutCommands(app, chosen);
+    addMatchCommand(app, chosen);
     addGrayCommands(app, chosen);
     addMeasureCommands(app, chosen);
     addDocCommands(app, chosen);

@@ -73,15 +73,18 @@ Calibration::ContentNames GamutArguments::names() const
     return names;
 }
 
+void addWhite(CLI::App& command, std::string& white)
+{
+    command.add_option("--white", white, "The LEDs' white that counts: as measured, or the sum of red, green and blue")
+        ->check(CLI::IsMember({"measured", "sum"}))
+        ->capture_default_str();
+}
+
 void addGamuts(CLI::App& command, GamutArguments& gamuts, const char* measured, const char* target)
 {
     addGamut(command, gamuts.measured, measured, "The LEDs' gamut:", true);
     addGamut(command, gamuts.target, target, targetText, true);
-    command
-        .add_option("--white", gamuts.white,
-                    "The LEDs' white that counts: as measured, or the sum of red, green and blue")
-        ->check(CLI::IsMember({"measured", "sum"}))
-        ->capture_default_str();
+    addWhite(command, gamuts.white);
 }
 
 void addTable(CLI::App& command, TableArgument& table, bool required)

@@ -49,6 +49,8 @@ struct GamutArguments
     /// Without table and binary.
     Calibration::ContentNames names() const;
 };
+/// --white
+void addWhite(CLI::App& command, std::string& white);
 /// --white; both gamuts under the given names. `force` is left to the command.
 void addGamuts(CLI::App& command, GamutArguments& gamuts, const char* measured, const char* target);
 

@@ -1,0 +1,73 @@
+#include "commands.h"
+#include "hostlog.h"
+#include "options.h"
+#include "wallargument.h"
+#include <reports/matchreport.h>
+
+#include <CLI/CLI.hpp>
+
+namespace {
+
+struct MatchArguments
+{
+    std::vector<std::string> measured;
+    std::string white = "measured";
+    std::string target;
+    std::string luminance = "common";
+    WallArgument wall; ///< a file only; empty: cabinets are not looked at
+    bool force = false;
+};
+
+constexpr std::size_t mostForSeams = 500; ///< groups: all pairs of these take a second
+
+Calibration::MatchNames namesOf(const MatchArguments& arguments)
+{
+    Calibration::MatchNames names;
+    for (const std::string& measured : arguments.measured)
+        names.measured << QString::fromStdString(measured);
+    names.white = arguments.white == "sum" ? Calibration::WhiteSource::Sum : Calibration::WhiteSource::Measured;
+    names.target = QString::fromStdString(arguments.target);
+    names.options.luminance =
+        arguments.luminance == "own" ? Calibration::MatchLuminance::Own : Calibration::MatchLuminance::Common;
+    names.force = arguments.force;
+    return names;
+}
+
+CommandResult match(const MatchArguments& arguments, const Output& output)
+{
+    HostLog::install(output.quiet);
+    const auto matching = take(Calibration::readMatching(namesOf(arguments)));
+    if (!arguments.wall.file.empty()) {
+        const OpenWall wall = openWall(arguments.wall);
+        take(Calibration::assignCabinets(matching.groups, wall.targets, wall.targets));
+    }
+    const auto seams = matching.groups.size() <= mostForSeams ? Calibration::seamsOf(matching.match)
+                                                              : std::vector<Calibration::GroupSeam>();
+    return {Reports::toText(matching, seams), Reports::toJson(matching, seams)};
+}
+
+} // namespace
+
+void addMatchCommand(CLI::App& app, Command& chosen)
+{
+    CLI::App* command = app.add_subcommand("match", "Compute one look for groups of cabinets whose LEDs differ");
+    const auto arguments = std::make_shared<MatchArguments>();
+    command
+        ->add_option("--measured", arguments->measured,
+                     "The LEDs' gamuts: CABINETS=GAMUT for each group (left=a.ti3, middle,right:1-4=b.csv), repeated; "
+                     "or a file that says where its readings were made")
+        ->required();
+    addGamut(*command, arguments->target, "--target",
+             "common (the largest triangle that all groups show, with a WHITE), native for the same, or", true);
+    addWhite(*command, arguments->white);
+    command
+        ->add_option("--luminance", arguments->luminance,
+                     "common: all as bright as the dimmest; own: each as bright as it can be")
+        ->check(CLI::IsMember({"common", "own"}))
+        ->capture_default_str();
+    command->add_option("--wall", arguments->wall.file,
+                        "Wall document: each of its cabinets must then be in exactly one group");
+    command->add_flag("--force", arguments->force, "Take primaries that look swapped");
+    command->callback(
+        [&chosen, arguments] { chosen = [arguments](const Output& output) { return match(*arguments, output); }; });
+}
