@@ -74,6 +74,25 @@ void addGamut(QwtPlot& plot, const ChartGamut& gamut, Plane plane, const GamutSt
     white->attach(&plot);
 }
 
+/// The first of them stands in the legend.
+void addOutlines(QwtPlot& plot, const ChartOutlines& outlines, Plane plane)
+{
+    const QColor ink(90, 90, 90, 160);
+    for (int i = 0; i < outlines.triangles.size(); ++i) {
+        QVector<QPointF> outline = cornersOf(outlines.triangles.at(i), plane);
+        outline << outline.first();
+        auto* triangle = new QwtPlotCurve(plainText(fitted(outlines.label, labelPixels), labelPixels));
+        triangle->setSamples(outline);
+        triangle->setPen(ink, 1.5);
+        triangle->setRenderHint(QwtPlotItem::RenderAntialiased);
+        triangle->setItemAttribute(QwtPlotItem::Legend, i == 0);
+        triangle->setLegendAttribute(QwtPlotCurve::LegendShowLine);
+        triangle->setLegendIconSize(QSize(70, 26));
+        triangle->setZ(lowest);
+        triangle->attach(&plot);
+    }
+}
+
 /// Points of the Planckian locus. Equal steps of the reciprocal temperature are about equal steps on the drawing.
 QVector<QPointF> planckianPoints(Plane plane, double mireds)
 {
@@ -204,7 +223,8 @@ void Labelling::addCorners(const QVector<QPointF>& corners, const QColor& ink)
 
 } // namespace
 
-Chart chromaticityChart(const QString& title, Plane plane, const QList<ChartGamut>& gamuts)
+Chart chromaticityChart(const QString& title, Plane plane, const QList<ChartGamut>& gamuts,
+                        const ChartOutlines& outlines)
 {
     auto plot = std::make_unique<QwtPlot>();
     const bool isXy = plane == Plane::Xy;
@@ -217,6 +237,7 @@ Chart chromaticityChart(const QString& title, Plane plane, const QList<ChartGamu
     labelling.addWavelengths();
     labelling.addDaylight();
     labelling.addGamuts(gamuts);
+    addOutlines(*plot, outlines, plane);
     labelling.addTemperatures();
     labelling.attach();
     addPlanckianLocus(*plot, plane);

@@ -216,6 +216,23 @@ QString toText(const Matching& matching, const std::vector<GroupSeam>& seams)
     return text;
 }
 
+Charts::Chart matchChart(const Matching& matching, Charts::Plane plane)
+{
+    constexpr std::size_t fewGroups = 4; // beside the target, as many as a chart tells apart
+    const Match& match = matching.match;
+    const QString target = Calibration::nameOf(match.target);
+    QList<Charts::ChartGamut> gamuts{{target, Calibration::primariesOf(match.target), {}}};
+    Charts::ChartOutlines outlines{QStringLiteral("%1 groups").arg(match.groups.size()), {}};
+    for (const Calibration::MatchedGroup& group : match.groups) {
+        const Colour::Primaries primaries = Calibration::primariesOf(group.figures.measured);
+        if (match.groups.size() <= fewGroups)
+            gamuts.append({QStringLiteral("group %1").arg(group.name), primaries, {}});
+        else
+            outlines.triangles.append(primaries);
+    }
+    return Charts::chromaticityChart(QStringLiteral("Groups matched to %1").arg(target), plane, gamuts, outlines);
+}
+
 QJsonObject toJson(const Matching& matching, const std::vector<GroupSeam>& seams)
 {
     const Match& match = matching.match;

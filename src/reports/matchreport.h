@@ -1,6 +1,7 @@
 #pragma once
 
 #include <calibration/matching.h>
+#include <charts/chromaticitychart.h>
 
 #include <QJsonObject>
 
@@ -15,5 +16,8 @@ QString toText(const Calibration::Matching& matching, const std::vector<Calibrat
 /// "target", "luminance", "limits", "groups", "seams" and "warnings"; luminances in cd/m2, areas in CIE 1976 u'v',
 /// gains and coverage as fractions.
 QJsonObject toJson(const Calibration::Matching& matching, const std::vector<Calibration::GroupSeam>& seams);
+
+/// The target's triangle and the groups': each by itself where they are few, else as outlines.
+Charts::Chart matchChart(const Calibration::Matching& matching, Charts::Plane plane);
 
 } // namespace Reports

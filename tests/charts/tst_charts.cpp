@@ -139,6 +139,17 @@ private Q_SLOTS:
         }
     }
 
+    void outlinesAreManyUnderOneName()
+    {
+        const Charts::ChartOutlines outlines{"3 groups", {panel, bt2020, rec709}};
+        const QByteArray svg =
+            Charts::chromaticityChart("Title", Plane::Xy, {{"common", rec709, {}}}, outlines).toSvg();
+        const SvgDrawing drawing(svg);
+        QCOMPARE(drawing.linesOf("#5a5a5a", 4).size(), 3);
+        QCOMPARE(drawing.textsLike("3 groups").size(), 1);
+        QCOMPARE(drawing.textsLike(R"(0\.\d+, 0\.\d+)").size(), 3); // of the gamut only
+    }
+
     void longNamesLeaveRoomForCoverage()
     {
         QList<ChartGamut> gamuts = correction(rec709);

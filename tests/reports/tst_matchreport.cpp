@@ -1,6 +1,7 @@
 #include "support/calibrationsetup.h"
 #include <reports/matchreport.h>
 
+#include <QApplication>
 #include <QJsonArray>
 #include <QTest>
 
@@ -55,6 +56,18 @@ private Q_SLOTS:
             QVERIFY2(text.contains(limit + '\n'), qPrintable(text));
     }
 
+    void aChartTellsFewGroupsApartAndOutlinesMany()
+    {
+        QStringList measured{"a=rec709:1000", "b=p3-d65:1000"};
+        const QByteArray few = matchChart(matchingOf(measured, "common"), Charts::Plane::UvPrime).toSvg();
+        QVERIFY(few.contains(">group b<") && !few.contains(" groups<"));
+        measured << "c=rec709:1000"
+                 << "d=bt2020:900"
+                 << "e=rec709:800";
+        const QByteArray many = matchChart(matchingOf(measured, "common"), Charts::Plane::UvPrime).toSvg();
+        QVERIFY(many.contains(">5 groups<") && !many.contains(">group b<"));
+    }
+
     void seamsAreWorstFirstAndCounted()
     {
         QStringList measured;
@@ -76,5 +89,11 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(MatchReportTest)
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen"); // for the chart
+    const QApplication application(argc, argv);
+    MatchReportTest test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "tst_matchreport.moc"

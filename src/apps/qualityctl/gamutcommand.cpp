@@ -153,9 +153,7 @@ void addGamutCommands(CLI::App& app, Command& chosen)
     CLI::App* chart = gamut->add_subcommand("chart", "Draw the measured, the target and the reached gamut");
     const auto arguments = std::make_shared<ChartArguments>();
     addGamuts(*chart, arguments->gamuts, measuredNames, targetNames);
-    chart->add_option("--plane", arguments->plane, "xy: CIE 1931; uv: CIE 1976 u'v'")
-        ->check(CLI::IsMember({"xy", "uv"}))
-        ->capture_default_str();
+    addPlane(*chart, arguments->plane);
     addChartFile(*chart, arguments->out, arguments->gamuts.force);
     chart->callback(
         [&chosen, arguments] { chosen = [arguments](const Output& output) { return drawChart(*arguments, output); }; });

@@ -1,3 +1,4 @@
+#include "chartfile.h"
 #include "commands.h"
 #include "hostlog.h"
 #include "options.h"
@@ -15,6 +16,8 @@ struct MatchArguments
     std::string target;
     std::string luminance = "common";
     WallArgument wall; ///< a file only; empty: cabinets are not looked at
+    std::string chart; ///< empty: none
+    std::string plane = "uv";
     bool force = false;
 };
 
@@ -41,9 +44,19 @@ CommandResult match(const MatchArguments& arguments, const Output& output)
         const OpenWall wall = openWall(arguments.wall);
         take(Calibration::assignCabinets(matching.groups, wall.targets, wall.targets));
     }
+    std::optional<ChartFile> chart;
+    if (!arguments.chart.empty())
+        chart.emplace(arguments.chart, arguments.force);
     const auto seams = matching.groups.size() <= mostForSeams ? Calibration::seamsOf(matching.match)
                                                               : std::vector<Calibration::GroupSeam>();
-    return {Reports::toText(matching, seams), Reports::toJson(matching, seams)};
+    CommandResult result{Reports::toText(matching, seams), Reports::toJson(matching, seams)};
+    if (chart) {
+        const auto plane = arguments.plane == "xy" ? Charts::Plane::Xy : Charts::Plane::UvPrime;
+        const CommandResult written = chart->write(Reports::matchChart(matching, plane));
+        result.text += QStringLiteral("\nChart: %1").arg(written.text);
+        result.json.insert(QStringLiteral("chart"), written.json.value(QStringLiteral("file")));
+    }
+    return result;
 }
 
 } // namespace
@@ -67,7 +80,10 @@ void addMatchCommand(CLI::App& app, Command& chosen)
         ->capture_default_str();
     command->add_option("--wall", arguments->wall.file,
                         "Wall document: each of its cabinets must then be in exactly one group");
-    command->add_flag("--force", arguments->force, "Take primaries that look swapped");
+    command->add_option("--chart", arguments->chart, "A chart of the triangles, .svg or .png");
+    addPlane(*command, arguments->plane);
+    command->get_option("--plane")->needs("--chart");
+    command->add_flag("--force", arguments->force, "Take primaries that look swapped; replace a chart that is there");
     command->callback(
         [&chosen, arguments] { chosen = [arguments](const Output& output) { return match(*arguments, output); }; });
 }

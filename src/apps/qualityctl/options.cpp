@@ -109,6 +109,13 @@ void addOutputFolder(CLI::App& command, std::string& folder, bool& force)
     command.add_flag("--force", force, "Replace files that are there");
 }
 
+void addPlane(CLI::App& command, std::string& plane)
+{
+    command.add_option("--plane", plane, "xy: CIE 1931; uv: CIE 1976 u'v'")
+        ->check(CLI::IsMember({"xy", "uv"}))
+        ->capture_default_str();
+}
+
 void addChartFile(CLI::App& command, std::string& file, bool& force)
 {
     command.add_option("--out", file, "The chart's file, .svg or .png")->required();

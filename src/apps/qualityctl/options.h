@@ -68,6 +68,8 @@ void addBinary(CLI::App& command, std::string& binary, bool required);
 
 /// --out for a folder, --force
 void addOutputFolder(CLI::App& command, std::string& folder, bool& force);
+/// --plane: "xy" or "uv"
+void addPlane(CLI::App& command, std::string& plane);
 /// --out for a chart, --force
 void addChartFile(CLI::App& command, std::string& file, bool& force);
 
