@@ -53,7 +53,7 @@ public:
     SharedTriangle named(const Colour::CommonTriangle& triangle) const
     {
         std::size_t best = 0;
-        for (const std::size_t red : {1, 2})
+        for (const std::size_t red : {std::size_t{1}, std::size_t{2}})
             if (likeness(triangle, red) > likeness(triangle, best))
                 best = red;
         SharedTriangle result;

@@ -228,7 +228,7 @@ private Q_SLOTS:
         QFETCH(int, sets);
         RandomGroups random;
         for (int set = 0; set < sets; ++set) {
-            const Groups groups = random.make(RandomGroups::Kind(kind), 2 + set % 4);
+            const Groups groups = random.make(RandomGroups::Kind(kind), static_cast<std::size_t>(2 + set % 4));
             const CommonArea area(groups, s_radius);
             QVERIFY(area.excluding().empty());
             const double largest = largestArea(cutOut(groups, s_all));
