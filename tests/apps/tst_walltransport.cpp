@@ -84,7 +84,7 @@ private Q_SLOTS:
 
     void devicesOfEveryKindHoldTheSame()
     {
-        const Serving python("python3", {EXAMPLES "/gateway_device.py", EXAMPLES "/wall.json"},
+        const Serving python("python3", {"-B", EXAMPLES "/gateway_device.py", EXAMPLES "/wall.json"},
                              QProcess::StandardOutput);
         const Serving simulated(QUALITYCTL, {"wall", "serve"}, QProcess::StandardError);
         QJsonArray held; // of each kind, as the journal tells it
