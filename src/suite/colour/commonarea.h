@@ -35,8 +35,10 @@ public:
     /// `leastRadius`, above 0, has room counts as none; that of one group always counts.
     CommonArea(const std::vector<Primaries>& groups, double leastRadius);
     ~CommonArea();
+    /// An area is handed on, not copied. @{
     CommonArea(CommonArea&& other) noexcept;
     CommonArea& operator=(CommonArea&& other) noexcept;
+    /// @}
 
     /// Groups that have no common area among themselves, in their order: one, two or three of them, and fewer where
     /// fewer of these do. Empty where there is a common area; the functions below want that.
