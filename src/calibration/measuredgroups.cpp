@@ -1,5 +1,6 @@
 #include "measuredgroups.h"
 
+#include <calibration/gamutrequest.h>
 #include <calibration/selection.h>
 
 #include <QFileInfo>
@@ -57,7 +58,8 @@ Result<std::vector<MeasuredGroup>> groupsOf(const std::vector<Measurement>& meas
 /// What was given alone: a gamut, or a file with several.
 Result<std::vector<MeasuredGroup>> readAlone(const QString& text)
 {
-    if (QFileInfo::exists(text)) {
+    const auto request = parseGamutRequest(text);
+    if (request && request->isFile && request->primaries == text) { // no luminance behind it
         const auto input = readInput(text, QStringLiteral("gamut"));
         if (!input)
             return input.fault();

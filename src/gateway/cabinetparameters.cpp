@@ -130,4 +130,10 @@ std::optional<CabinetState> toCabinet(const Parameters& parameters, const Cabine
     return state;
 }
 
+std::optional<Action::CabinetState> onlyCabinet(const Parameters& reply, const Action::CabinetState& like)
+{
+    const auto* cabinets = reply.arguments().find<std::vector<Parameters>>("cabinets");
+    return cabinets && !cabinets->empty() ? toCabinet(cabinets->front(), like) : std::nullopt;
+}
+
 } // namespace Gateway

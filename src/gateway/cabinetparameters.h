@@ -12,4 +12,7 @@ Parameters toParameters(const Action::CabinetState& state);
 /// equal those of `like` are shared with it.
 std::optional<Action::CabinetState> toCabinet(const Parameters& parameters, const Action::CabinetState& like);
 
+/// The one cabinet of a read call's reply, likewise; nothing for another reply.
+std::optional<Action::CabinetState> onlyCabinet(const Parameters& reply, const Action::CabinetState& like);
+
 } // namespace Gateway

@@ -119,13 +119,12 @@ std::optional<Action::CabinetState> Client::cabinet(const std::string& deviceId,
         return std::nullopt;
     const auto answer = ask(call);
     const auto* reply = std::get_if<Parameters>(&answer);
-    const auto* cabinets = reply ? reply->arguments().find<std::vector<Parameters>>("cabinets") : nullptr;
     const std::lock_guard lock(m_mutex);
-    if (!reply)
+    if (!reply) {
         m_silent[deviceId] = std::chrono::steady_clock::now() + silentTime;
-    if (!cabinets || cabinets->empty())
         return std::nullopt;
-    auto state = toCabinet(cabinets->front(), m_lastRead);
+    }
+    auto state = onlyCabinet(*reply, m_lastRead);
     if (state)
         m_lastRead = *state;
     return state;

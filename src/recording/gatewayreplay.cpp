@@ -139,11 +139,10 @@ std::optional<Action::CabinetState> GatewayReplay::cabinet(const std::string& de
     call.parameters.insert("cids", std::vector<unsigned long long>{cid});
     const Gateway::Return recorded = answer(frameOf(call));
     const auto* reply = std::get_if<Parameters>(&recorded.content);
-    const auto* cabinets = reply ? reply->arguments().find<std::vector<Parameters>>("cabinets") : nullptr;
-    if (!cabinets || cabinets->empty())
+    if (!reply)
         return std::nullopt;
     const std::lock_guard lock(m_mutex);
-    auto state = Gateway::toCabinet(cabinets->front(), m_lastRead);
+    auto state = Gateway::onlyCabinet(*reply, m_lastRead);
     if (state)
         m_lastRead = *state;
     return state;

@@ -28,7 +28,7 @@ Calibration::MatchNames namesOf(const MatchArguments& arguments)
     Calibration::MatchNames names;
     for (const std::string& measured : arguments.measured)
         names.measured << QString::fromStdString(measured);
-    names.white = arguments.white == "sum" ? Calibration::WhiteSource::Sum : Calibration::WhiteSource::Measured;
+    names.white = whiteSourceOf(arguments.white);
     names.target = QString::fromStdString(arguments.target);
     names.options.luminance =
         arguments.luminance == "own" ? Calibration::MatchLuminance::Own : Calibration::MatchLuminance::Common;

@@ -67,10 +67,15 @@ Calibration::ContentNames GamutArguments::names() const
 {
     Calibration::ContentNames names;
     names.measured = QString::fromStdString(measured);
-    names.white = white == "sum" ? Calibration::WhiteSource::Sum : Calibration::WhiteSource::Measured;
+    names.white = whiteSourceOf(white);
     names.target = QString::fromStdString(target);
     names.force = force;
     return names;
+}
+
+Calibration::WhiteSource whiteSourceOf(const std::string& white)
+{
+    return white == "sum" ? Calibration::WhiteSource::Sum : Calibration::WhiteSource::Measured;
 }
 
 void addWhite(CLI::App& command, std::string& white)

@@ -49,6 +49,8 @@ struct GamutArguments
     /// Without table and binary.
     Calibration::ContentNames names() const;
 };
+/// What --white says: "measured" or "sum".
+Calibration::WhiteSource whiteSourceOf(const std::string& white);
 /// --white
 void addWhite(CLI::App& command, std::string& white);
 /// --white; both gamuts under the given names. `force` is left to the command.
